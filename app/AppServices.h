@@ -1,0 +1,59 @@
+#pragma once
+
+#include "base/Color.h"
+#include "base/Result.h"
+#include "base/Time.h"
+#include "platform/BackgroundQueue.h"
+#include "platform/MainQueue.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workspace.h"
+#include "storage/StorageReader.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantry {
+
+/// "Free Up Space" as the application sees it. Main thread.
+class CleanupWindow {
+public:
+    virtual ~CleanupWindow() = default;
+    virtual void showAndScan() = 0;
+};
+
+/// Where the wallpaper's colours come from. The functions block and run in the background.
+struct WallpaperServices {
+    /// The picture or video that a screen shows; absent when there is none to sample.
+    std::function<std::optional<std::filesystem::path>(const Screen&)> currentWallpaperURL;
+    /// A text that changes whenever the file does.
+    std::function<std::string(const std::filesystem::path&)> identity;
+    /// Absent when the file cannot be read.
+    std::function<std::optional<std::vector<Rgba>>(const std::filesystem::path&, int colorCount)> palette;
+};
+
+/// The agent file that starts Ombrel at login.
+struct LoginItemServices {
+    std::function<bool()> isEnabled;
+    std::function<Result<void>(bool)> setEnabled;
+};
+
+/// All that the application asks of the world around it.
+struct AppServices {
+    std::shared_ptr<MainQueue> mainQueue;
+    std::shared_ptr<BackgroundQueue> backgroundQueue;
+    std::shared_ptr<PreferencesStore> preferences;
+    std::shared_ptr<Workspace> workspace;
+    std::function<SystemTime()> now;
+    std::function<StorageReadResult()> readSystemVolume; ///< called in the background
+    WallpaperServices wallpaper;
+    LoginItemServices loginItem;
+    std::function<void()> openStorageSettings;
+    std::function<std::unique_ptr<CleanupWindow>()> makeCleanupWindow; ///< called on first use
+    std::vector<std::string> arguments;                                ///< of the process, without its name
+};
+
+} // namespace vantry

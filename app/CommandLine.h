@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vantry {
+
+/// What a start of the process is for.
+enum class LaunchMode { userInterface, help, version, status, statusJson };
+
+/// The first argument that names a mode decides; anything unknown is ignored and means the user interface.
+[[nodiscard]] LaunchMode launchMode(std::span<const std::string> arguments);
+
+[[nodiscard]] std::string helpText();
+[[nodiscard]] std::string versionText();
+
+/// The process entry's steps, in the order in which `runEntry` takes them.
+struct EntrySteps {
+    std::function<bool(std::span<const std::string>)> runFilesystemWorkerIfRequested;
+    std::function<std::optional<int>(LaunchMode)> runInTerminal; ///< absent when the mode is not the terminal's
+    std::function<int(std::vector<std::string>)> runUserInterface;
+};
+
+/// The process entry: a worker's job before anything else, then the terminal's modes, then the interface. The result is
+/// the exit status. `arguments` are the process's, without its name.
+[[nodiscard]] int runEntry(const std::vector<std::string>& arguments, const EntrySteps& steps);
+
+} // namespace vantry

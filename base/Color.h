@@ -1,0 +1,52 @@
+#pragma once
+
+#include <variant>
+
+namespace vantry {
+
+/// What an interface looks like around a colour. "No appearance known" is an absent `std::optional<Appearance>`.
+enum class Appearance { light, dark };
+
+/// sRGB components, 0 to 1, alpha not premultiplied.
+struct Rgba {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+
+    [[nodiscard]] Rgba withAlpha(double value) const { return {red, green, blue, value}; }
+    bool operator==(const Rgba&) const = default;
+};
+
+/// The colours that the system defines by role and that follow its appearance (`platform/SystemColors.h` resolves them).
+enum class SystemColor {
+    red,
+    orange,
+    yellow,
+    green,
+    teal,
+    blue,
+    pink,
+    cyan,
+    mint,
+    gray,
+    label,
+    secondaryLabel,
+    tertiaryLabel,
+    disabledControlText,
+    separator,
+    windowBackground,
+};
+
+/// A role that keeps following the appearance, with an alpha factor of its own.
+struct DynamicColor {
+    SystemColor role = SystemColor::label;
+    double alpha = 1;
+
+    bool operator==(const DynamicColor&) const = default;
+};
+
+/// What a canvas is given to paint with.
+using Color = std::variant<Rgba, DynamicColor>;
+
+} // namespace vantry

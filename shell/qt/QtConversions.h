@@ -1,0 +1,22 @@
+#pragma once
+
+#include "base/Color.h"
+#include "base/Geometry.h"
+
+#include <QColor>
+#include <QRectF>
+#include <QString>
+#include <string_view>
+
+namespace vantry {
+
+[[nodiscard]] inline QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+[[nodiscard]] inline QRectF qRect(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+
+/// The colour as it looks in `appearance`.
+[[nodiscard]] QColor qColor(const Color& color, Appearance appearance);
+
+} // namespace vantry

@@ -1,0 +1,95 @@
+#include "shell/qt/QtShell.h"
+
+#include "shell/qt/ContextMenuRenderer.h"
+
+#include <QApplication>
+#include <QCursor>
+
+namespace vantry {
+
+QtShell::QtShell() : popover_(std::make_unique<PopoverWindow>(appearance_)) {
+    connect(&tracker_, &TrayTracker::changed, this, &QtShell::placeStatusItem);
+    connect(&trayMenu_, &QMenu::aboutToShow, this, &QtShell::renderTrayMenu);
+}
+
+QtShell::~QtShell() = default;
+
+void QtShell::setDelegate(std::weak_ptr<AppDelegate> delegate) {
+    delegate_ = std::move(delegate);
+    if (const auto target = delegate_.lock())
+        popover_->setController(std::shared_ptr<StoragePopoverViewController>(target, &target->popoverController()));
+}
+
+void QtShell::becomeAccessory() {
+    QApplication::setQuitOnLastWindowClosed(false);
+    accessory_ = true;
+}
+
+bool QtShell::statusItemHasButton() const { return tray_ || strip_; }
+
+void QtShell::showStatusItem(const StatusItemContent& content) {
+    statusItem_ = content;
+    if (!tray_ && !strip_)
+        placeStatusItem();
+    else if (tray_)
+        tray_->setContent(content);
+    else
+        strip_->setContent(content);
+}
+
+// Into the tray that there is now, else into the strip.
+void QtShell::placeStatusItem() {
+    if (!accessory_)
+        return;
+    tray_.reset();
+    strip_.reset();
+    if (const TrayKind kind = tracker_.kind(); kind != TrayKind::none) {
+        renderTrayMenu();
+        tray_ = std::make_unique<TrayItem>(kind, appearance_, [this](MouseEvent event) { pressed(event); }, trayMenu_);
+        tray_->setContent(statusItem_);
+    } else {
+        strip_ = std::make_unique<StripWindow>(appearance_, [this](MouseEvent event) { pressed(event); });
+        strip_->setContent(statusItem_);
+        strip_->show();
+    }
+}
+
+void QtShell::renderPopover(const PopoverContent& content) {
+    popover_->render(content);
+    renderTrayMenu(); // some hosts show the menu as they last heard of it
+}
+
+void QtShell::openPopover() { popover_->openAt(statusItemGeometry()); }
+
+void QtShell::closePopover() { popover_->close(); }
+
+bool QtShell::popoverIsShown() const { return popover_->isVisible(); }
+
+void QtShell::popUpContextMenu(const ContextMenuContent& content) {
+    renderContextMenu(contextMenu_, content, [this](const MenuItemContent& item) { chosen(item); });
+    contextMenu_.popup(QCursor::pos());
+}
+
+void QtShell::terminate() { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); }
+
+void QtShell::renderTrayMenu() {
+    if (const auto target = delegate_.lock(); target && tracker_.kind() == TrayKind::statusNotifier)
+        renderContextMenu(trayMenu_, target->contextMenu(), [this](const MenuItemContent& item) { chosen(item); });
+}
+
+void QtShell::pressed(MouseEvent event) {
+    if (const auto target = delegate_.lock())
+        target->statusItemPressed(event);
+}
+
+void QtShell::chosen(const MenuItemContent& item) {
+    if (const auto target = delegate_.lock())
+        target->performMenuItem(item);
+}
+
+QRect QtShell::statusItemGeometry() const {
+    const QRect item = strip_ ? strip_->geometry() : tray_ ? tray_->geometry() : QRect();
+    return item.isValid() ? item : QRect(QCursor::pos(), QSize(1, 1));
+}
+
+} // namespace vantry

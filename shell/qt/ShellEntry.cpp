@@ -1,0 +1,98 @@
+#include "app/AppDelegate.h"
+#include "app/ProcessEvents.h"
+#include "app/ShellEntry.h"
+#include "app/TerminationSignals.h"
+#include "shell/qt/BarWidget.h"
+#include "shell/qt/QtMainQueue.h"
+#include "shell/qt/QtPreferencesStore.h"
+#include "shell/qt/QtShell.h"
+#include "shell/qt/QtWorkspace.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLibraryInfo>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <xcb/xcb.h>
+
+namespace vantry {
+
+namespace {
+
+bool x11DisplayAnswers() {
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    const bool answers = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return answers;
+}
+
+bool waylandCanBeUsed() {
+    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms"));
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+           !plugins.entryList({QStringLiteral("libqwayland-*.so")}).isEmpty();
+}
+
+// Qt ends the process when it reaches no display, so that is found out first. X11 before Wayland, where there are both:
+// only there can the strip and the popover be placed.
+bool choosePlatform() {
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return true;
+    if (!qEnvironmentVariableIsEmpty("DISPLAY") && x11DisplayAnswers())
+        return qputenv("QT_QPA_PLATFORM", "xcb");
+    return waylandCanBeUsed() && qputenv("QT_QPA_PLATFORM", "wayland");
+}
+
+AppServices makeServices(const std::shared_ptr<QtMainQueue>& mainQueue, std::vector<std::string> arguments) {
+    return {.mainQueue = mainQueue,
+            .backgroundQueue = makeBackgroundQueue(),
+            .preferences = std::make_shared<QtPreferencesStore>(),
+            .workspace = std::make_shared<QtWorkspace>(),
+            .now = [] { return SystemTime(std::chrono::system_clock::now()); },
+            .readSystemVolume = StorageReader::readSystemVolume,
+            .wallpaper = {.currentWallpaperURL = [](const Screen&) { return std::nullopt; },
+                          .identity = [](const std::filesystem::path&) { return std::string(); },
+                          .palette = [](const std::filesystem::path&, int) { return std::nullopt; }},
+            .loginItem = {.isEnabled = [] { return false; },
+                          .setEnabled = [](bool) -> Result<void> {
+                              return std::unexpected(Error{ErrorKind::unsupported, "Not supported."});
+                          }},
+            .openStorageSettings = [] {},
+            .makeCleanupWindow = [] { return nullptr; },
+            .arguments = std::move(arguments)};
+}
+
+int runShell(ShellLaunch launch) {
+    if (!choosePlatform()) {
+        std::fputs("ombrel: There is no display to show the bar on.\n", stderr);
+        return noDisplayStatus;
+    }
+    int argumentCount = 1;
+    char name[] = "ombrel";
+    char* argumentValues[] = {name, nullptr};
+    QApplication::setDesktopFileName(QStringLiteral("app.ombrel.Ombrel"));
+    QApplication application(argumentCount, argumentValues);
+    QApplication::setApplicationName(QStringLiteral("ombrel"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Ombrel"));
+    installBarAccessibility();
+
+    const auto mainQueue = std::make_shared<QtMainQueue>();
+    QtShell shell;
+    const auto delegate = std::make_shared<AppDelegate>(shell, makeServices(mainQueue, std::move(launch.arguments)));
+    shell.setDelegate(delegate);
+    const ProcessEvents events(*mainQueue, shell, delegate, std::move(launch.instance),
+                               catchTerminationSignals().value_or(-1));
+    delegate->applicationDidFinishLaunching();
+    const int status = QApplication::exec();
+    delegate->applicationWillTerminate();
+    mainQueue->close();
+    return status;
+}
+
+} // namespace
+
+} // namespace vantry
+
+extern "C" __attribute__((visibility("default"))) int ombrelShellEntry(vantry::ShellLaunch launch) {
+    return vantry::runShell(std::move(launch));
+}

@@ -1,0 +1,86 @@
+#include "shell/qt/StripWindow.h"
+
+#include "shell/qt/QtCanvas.h"
+#include "shell/qt/QtConversions.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+
+namespace vantry {
+
+namespace {
+
+constexpr int stripHeight = 24;
+
+} // namespace
+
+StripWindow::StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed)
+    : appearance_(appearance), pressed_(std::move(pressed)) {
+    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setWindowTitle(QStringLiteral("Ombrel"));
+    connect(this, &QAbstractButton::clicked, this, [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
+    connect(&appearance_, &QtAppearance::changed, this, qOverload<>(&QWidget::update));
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &StripWindow::place);
+    for (const QScreen* screen : QGuiApplication::screens())
+        connect(screen, &QScreen::availableGeometryChanged, this, &StripWindow::place);
+}
+
+void StripWindow::setContent(const StatusItemContent& content) {
+    content_ = content;
+    setToolTip(qString(content.tooltip).toHtmlEscaped());
+    setAccessibleName(qString(content.accessibilityLabel.empty() ? content.tooltip : content.accessibilityLabel));
+    if (QSize size(static_cast<int>(content.length), stripHeight); size != this->size()) {
+        setFixedSize(size);
+        place();
+    }
+    update();
+}
+
+void StripWindow::place() {
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->availableGeometry();
+        move(area.right() + 1 - width(), area.top());
+    }
+}
+
+void StripWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const Appearance appearance = appearance_.current();
+    painter.fillRect(rect(), palette().color(QPalette::Window));
+    QtCanvas canvas(painter, appearance);
+    content_.view.draw(canvas, {static_cast<double>(width()), static_cast<double>(height())}, appearance);
+    if (hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
+    } else {
+        const QColor line = qColor(DynamicColor{SystemColor::separator}, appearance);
+        painter.fillRect(QRect(0, 0, 1, height()), line);
+        painter.fillRect(QRect(1, height() - 1, width() - 1, 1), line);
+    }
+}
+
+void StripWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (rect().contains(event->position().toPoint())) {
+        if (event->button() == Qt::LeftButton)
+            pressed_(MouseEvent::leftMouseUp);
+        else if (event->button() == Qt::RightButton)
+            pressed_(MouseEvent::rightMouseUp);
+    }
+    event->accept();
+}
+
+void StripWindow::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter: pressed_(MouseEvent::leftMouseUp); break;
+    case Qt::Key_Menu: pressed_(MouseEvent::rightMouseUp); break;
+    default: QAbstractButton::keyPressEvent(event);
+    }
+}
+
+} // namespace vantry

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/StatusItemContent.h"
+#include "shell/qt/QtAppearance.h"
+
+#include <QAbstractButton>
+#include <functional>
+
+namespace vantry {
+
+/// Stands in for the tray where there is none: a slim strip at the top right edge of the screen, above other windows, that
+/// shows the bar in its natural shape. One button with the item's accessibility text; the bar inside is silent.
+class StripWindow : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed);
+
+    void setContent(const StatusItemContent& content);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void place();
+
+    const QtAppearance& appearance_;
+    std::function<void(MouseEvent)> pressed_;
+    StatusItemContent content_;
+};
+
+} // namespace vantry
