@@ -39,8 +39,7 @@ AppDelegate::AppDelegate(Shell& shell, AppServices services)
 
 void AppDelegate::applicationDidFinishLaunching() {
     shell_.becomeAccessory();
-    if (services_.loginItem.isEnabled())
-        std::ignore = services_.loginItem.setEnabled(true); // written anew for where the application is; may fail
+    std::ignore = services_.loginItem.refreshIfEnabled(); // nobody asked for it, so nobody is told that it failed
 
     const auto& preferences = *services_.preferences;
     statusItem_.tooltip = "Ombrel";
@@ -228,7 +227,9 @@ void AppDelegate::setLaunchAtLogin(bool enabled) {
     render();
 }
 
-void AppDelegate::openStorageSettings() { services_.openStorageSettings(); }
+void AppDelegate::openStorageSettings() {
+    services_.workspace->openURL("x-apple.systempreferences:com.apple.settings.Storage");
+}
 
 // ---- popover, menu, window
 
@@ -259,7 +260,8 @@ void AppDelegate::showPopover() {
 void AppDelegate::showCleanupWindow() {
     if (!cleanupWindow_)
         cleanupWindow_ = services_.makeCleanupWindow();
-    cleanupWindow_->showAndScan();
+    if (cleanupWindow_)
+        cleanupWindow_->showAndScan();
 }
 
 ContextMenuContent AppDelegate::contextMenu() const {

@@ -35,10 +35,11 @@ struct WallpaperServices {
     std::function<std::optional<std::vector<Rgba>>(const std::filesystem::path&, int colorCount)> palette;
 };
 
-/// The agent file that starts Ombrel at login.
+/// The agent file that starts Ombrel at login (`LaunchAtLoginController`).
 struct LoginItemServices {
     std::function<bool()> isEnabled;
     std::function<Result<void>(bool)> setEnabled;
+    std::function<Result<void>()> refreshIfEnabled;
 };
 
 /// All that the application asks of the world around it.
@@ -51,9 +52,12 @@ struct AppServices {
     std::function<StorageReadResult()> readSystemVolume; ///< called in the background
     WallpaperServices wallpaper;
     LoginItemServices loginItem;
-    std::function<void()> openStorageSettings;
-    std::function<std::unique_ptr<CleanupWindow>()> makeCleanupWindow; ///< called on first use
-    std::vector<std::string> arguments;                                ///< of the process, without its name
+    /// Called on first use; null while there is no such window.
+    std::function<std::unique_ptr<CleanupWindow>()> makeCleanupWindow;
+    std::vector<std::string> arguments; ///< of the process, without its name
 };
+
+/// The services that need no toolkit, filled in with the real ones; a front end adds what lives in its event loop.
+[[nodiscard]] AppServices systemServices();
 
 } // namespace vantry

@@ -28,6 +28,10 @@ public:
     /// Linux. Where the system does not tell, `block` is never called.
     [[nodiscard]] virtual std::unique_ptr<Subscription> observeWake(std::function<void()> block) = 0;
 
+    /// Opens `url` with what the user has chosen for it. A settings pane of macOS ("x-apple.systempreferences:...") opens its
+    /// counterpart where the desktop has one. Does nothing, quietly, where nothing can open it. Never waits.
+    virtual void openURL(const std::string& url) = 0;
+
     /// All screens, the one with the menu bar first; may be empty.
     [[nodiscard]] virtual std::vector<Screen> screens() const = 0;
     /// The screen that holds the key window; absent when there is none.

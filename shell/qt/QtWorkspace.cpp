@@ -1,10 +1,18 @@
 #include "shell/qt/QtWorkspace.h"
 
+#include "shell/qt/QtConversions.h"
+
 #include <QDBusConnection>
+#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QObject>
+#include <QProcess>
 #include <QScreen>
+#include <QStandardPaths>
+#include <QUrl>
 #include <QWindow>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace vantry {
@@ -16,6 +24,25 @@ Screen screenOf(const QScreen& screen) {
     return {screen.name().toStdString(),
             {static_cast<double>(frame.x()), static_cast<double>(frame.y()), static_cast<double>(frame.width()),
              static_cast<double>(frame.height())}};
+}
+
+constexpr std::string_view storageSettingsURL = "x-apple.systempreferences:com.apple.settings.Storage";
+
+// What desktops have in place of the storage pane: a disk-usage application, then one for disks, else the file manager.
+void openDiskUsage() {
+    static constexpr std::array<std::pair<const char*, const char*>, 6> applications{{
+        {"baobab", "/"},
+        {"filelight", "/"},
+        {"mate-disk-usage-analyzer", "/"},
+        {"qdirstat", "/"},
+        {"gnome-disks", nullptr},
+        {"partitionmanager", nullptr},
+    }};
+    for (const auto& [name, argument] : applications)
+        if (const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name)); !program.isEmpty())
+            if (QProcess::startDetached(program, argument ? QStringList{QString::fromLatin1(argument)} : QStringList()))
+                return;
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QStringLiteral("/")));
 }
 
 } // namespace
@@ -44,6 +71,13 @@ private:
 
 std::unique_ptr<Subscription> QtWorkspace::observeWake(std::function<void()> block) {
     return std::make_unique<WakeObserver>(std::move(block));
+}
+
+void QtWorkspace::openURL(const std::string& url) {
+    if (url == storageSettingsURL)
+        openDiskUsage();
+    else
+        QDesktopServices::openUrl(QUrl(qString(url)));
 }
 
 std::vector<Screen> QtWorkspace::screens() const {

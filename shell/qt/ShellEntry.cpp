@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QLibraryInfo>
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <xcb/xcb.h>
@@ -43,23 +42,13 @@ bool choosePlatform() {
     return waylandCanBeUsed() && qputenv("QT_QPA_PLATFORM", "wayland");
 }
 
-AppServices makeServices(const std::shared_ptr<QtMainQueue>& mainQueue, std::vector<std::string> arguments) {
-    return {.mainQueue = mainQueue,
-            .backgroundQueue = makeBackgroundQueue(),
-            .preferences = std::make_shared<QtPreferencesStore>(),
-            .workspace = std::make_shared<QtWorkspace>(),
-            .now = [] { return SystemTime(std::chrono::system_clock::now()); },
-            .readSystemVolume = StorageReader::readSystemVolume,
-            .wallpaper = {.currentWallpaperURL = [](const Screen&) { return std::nullopt; },
-                          .identity = [](const std::filesystem::path&) { return std::string(); },
-                          .palette = [](const std::filesystem::path&, int) { return std::nullopt; }},
-            .loginItem = {.isEnabled = [] { return false; },
-                          .setEnabled = [](bool) -> Result<void> {
-                              return std::unexpected(Error{ErrorKind::unsupported, "Not supported."});
-                          }},
-            .openStorageSettings = [] {},
-            .makeCleanupWindow = [] { return nullptr; },
-            .arguments = std::move(arguments)};
+AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::string> arguments) {
+    AppServices services = systemServices();
+    services.mainQueue = std::move(mainQueue);
+    services.preferences = std::make_shared<QtPreferencesStore>();
+    services.workspace = std::make_shared<QtWorkspace>();
+    services.arguments = std::move(arguments);
+    return services;
 }
 
 int runShell(ShellLaunch launch) {

@@ -1,0 +1,78 @@
+#include "base/AtomicFile.h"
+
+#include "base/UniqueFd.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vantry {
+
+namespace {
+
+std::unexpected<Error> failed(const std::filesystem::path& path) {
+    return std::unexpected(errorFromErrno(errno, path.native()));
+}
+
+bool writeAll(int fd, std::string_view contents) {
+    while (!contents.empty()) {
+        const ssize_t written = write(fd, contents.data(), contents.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        contents.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+} // namespace
+
+Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode) {
+    // One fixed name, so that what a crash left is taken up by the next write.
+    const auto folder = file.parent_path();
+    const auto draft = folder / ("." + file.filename().native() + ".new");
+    if (unlink(draft.c_str()) != 0 && errno != ENOENT)
+        return failed(file);
+    UniqueFd fd(open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!fd)
+        return failed(file);
+    const bool complete = writeAll(fd.get(), contents) && fchmod(fd.get(), mode) == 0 && fsync(fd.get()) == 0 &&
+                          rename(draft.c_str(), file.c_str()) == 0;
+    if (!complete) {
+        const auto error = failed(file);
+        unlink(draft.c_str());
+        return error;
+    }
+    if (const UniqueFd folderFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)); folderFd)
+        fsync(folderFd.get()); // the file is whole and in its place; a folder that cannot be synced changes nothing of it
+    return {};
+}
+
+Result<std::string> readSmallFile(const std::filesystem::path& file, std::size_t limit) {
+    // A fifo in place of the file must not hold up the caller.
+    const UniqueFd fd(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat facts = {};
+    if (!fd || fstat(fd.get(), &facts) != 0)
+        return failed(file);
+    if (!S_ISREG(facts.st_mode))
+        return std::unexpected(Error{ErrorKind::invalid, file.native() + ": not a file"});
+    std::string contents;
+    std::string piece(65536, '\0');
+    for (;;) {
+        const ssize_t length = read(fd.get(), piece.data(), piece.size());
+        if (length < 0 && errno == EINTR)
+            continue;
+        if (length < 0)
+            return failed(file);
+        if (length == 0)
+            return contents;
+        contents.append(piece, 0, static_cast<std::size_t>(length));
+        if (contents.size() > limit)
+            return std::unexpected(Error{ErrorKind::invalid, file.native() + ": too large"});
+    }
+}
+
+} // namespace vantry
