@@ -35,7 +35,9 @@ std::optional<Screen> wallpaperScreen(const Workspace& workspace) {
 } // namespace
 
 AppDelegate::AppDelegate(Shell& shell, AppServices services)
-    : shell_(shell), services_(std::move(services)), wallpaperThemeColors_(fallbackPalette()) {}
+    : shell_(shell),
+      services_(std::move(services)),
+      wallpaperThemeColors_(fallbackPalette()) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     shell_.becomeAccessory();
@@ -163,19 +165,21 @@ void AppDelegate::wallpaperFound(bool force, const std::optional<std::filesystem
         applyWallpaperThemeColors(fallbackPalette());
         return;
     }
-    const bool fresh = wallpaperPaletteUpdatedAt_ && services_.now() - *wallpaperPaletteUpdatedAt_ < wallpaperPaletteLifetime;
+    const bool fresh =
+        wallpaperPaletteUpdatedAt_ && services_.now() - *wallpaperPaletteUpdatedAt_ < wallpaperPaletteLifetime;
     if (!force && fresh && wallpaperIdentity_ == identity) {
         wallpaperRefreshInFlight_ = false;
         return;
     }
     wallpaperIdentity_ = identity;
-    services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
-                                                                  palette = services_.wallpaper.palette, url, identity] {
-        queue->post([weak, identity, colors = palette(*url, wallpaperColorCount)] {
-            if (const auto self = weak.lock())
-                self->wallpaperSampled(identity, colors);
+    services_.backgroundQueue->submit(
+        QualityOfService::utility,
+        [weak = weak_from_this(), queue = services_.mainQueue, palette = services_.wallpaper.palette, url, identity] {
+            queue->post([weak, identity, colors = palette(*url, wallpaperColorCount)] {
+                if (const auto self = weak.lock())
+                    self->wallpaperSampled(identity, colors);
+            });
         });
-    });
 }
 
 void AppDelegate::wallpaperSampled(const std::string& identity, std::optional<std::vector<Rgba>> palette) {

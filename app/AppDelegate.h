@@ -14,10 +14,10 @@ namespace vantry {
 /// How the status item was pressed. A click with the control key held is a left one.
 enum class MouseEvent { leftMouseUp, rightMouseUp };
 
-/// The application's controller: it owns what the status item and the popover show, reads the volume every minute, on wake
-/// and on request, and keeps the wallpaper's colours current. At most one read and one sampling run at a time; a request
-/// that arrives during a read is dropped.
-/// Main thread. To be owned by a `std::shared_ptr`: whatever is posted, scheduled or asked holds it weakly.
+/// The application's controller: it owns what the status item and the popover show, reads the volume every minute, on
+/// wake and on request, and keeps the wallpaper's colours current. At most one read and one sampling run at a time; a
+/// request that arrives during a read is dropped. Main thread. To be owned by a `std::shared_ptr`: whatever is posted,
+/// scheduled or asked holds it weakly.
 class AppDelegate : public StoragePopoverDelegate, public std::enable_shared_from_this<AppDelegate> {
 public:
     /// `shell` outlives the delegate.
@@ -33,8 +33,8 @@ public:
 
     /// Reads the volume in the background; the bar, the popover and the tooltip follow.
     void refreshStorage();
-    /// Samples the wallpaper in the background, unless the same one was sampled less than 600 seconds ago; `force` samples
-    /// always.
+    /// Samples the wallpaper in the background, unless the same one was sampled less than 600 seconds ago; `force`
+    /// samples always.
     void refreshWallpaperTheme(bool force);
     void applyWallpaperThemeColors(std::vector<Rgba> colors);
 

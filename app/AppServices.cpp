@@ -17,8 +17,8 @@ LoginItemServices loginItemServices() {
                 .setEnabled = [error = environment.error()](bool) -> Result<void> { return std::unexpected(error); },
                 .refreshIfEnabled = [] { return Result<void>{}; }};
     return {.isEnabled = [environment = *environment] { return Controller::isEnabled(environment); },
-            .setEnabled = [environment = *environment](
-                              bool enabled) { return Controller::setEnabled(environment, enabled); },
+            .setEnabled = [environment =
+                               *environment](bool enabled) { return Controller::setEnabled(environment, enabled); },
             .refreshIfEnabled = [environment = *environment] { return Controller::refreshIfEnabled(environment); }};
 }
 

@@ -8,8 +8,17 @@
 namespace vantry {
 
 /// What choosing an item does; `none` for separators and items that only hold a submenu.
-enum class MenuCommand { none, refresh, openStorageSettings, freeUpSpace, showPercentage, barStyle, segmentSizing,
-                         launchAtLogin, quit };
+enum class MenuCommand {
+    none,
+    refresh,
+    openStorageSettings,
+    freeUpSpace,
+    showPercentage,
+    barStyle,
+    segmentSizing,
+    launchAtLogin,
+    quit
+};
 
 struct MenuItemContent {
     std::string title; ///< empty for a separator

@@ -55,9 +55,10 @@ struct PopoverContent {
     LabelContent availableTitleLabel{"Available"};
     SolidSwatchView availableSwatchView{SolidSwatchView::Kind::available};
     LabelContent availableValueLabel{"—"};
-    LabelContent detailLabel{"The color strip shows total used space with the macOS Storage palette. Open Storage Settings "
-                             "for Apple’s category breakdown.",
-                             SystemColor::secondaryLabel};
+    LabelContent detailLabel{
+        "The color strip shows total used space with the macOS Storage palette. Open Storage Settings "
+        "for Apple’s category breakdown.",
+        SystemColor::secondaryLabel};
     LabelContent errorLabel{"", SystemColor::red, true};
     LabelContent updateLabel{"", SystemColor::tertiaryLabel};
     ButtonContent cleanupButton{

@@ -20,13 +20,13 @@ ProcessEvents::ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDe
                              std::unique_ptr<SingleInstance> instance, int terminationDescriptor)
     : instance_(std::move(instance)) {
     if (instance_)
-        requests_ = queue.whenReadable(instance_->descriptor(),
-                                       [from = instance_.get(), delegate = std::move(delegate)] {
-                                           const auto target = delegate.lock();
-                                           while (const auto request = from->receive())
-                                               if (target)
-                                                   answer(*target, *request);
-                                       });
+        requests_ =
+            queue.whenReadable(instance_->descriptor(), [from = instance_.get(), delegate = std::move(delegate)] {
+                const auto target = delegate.lock();
+                while (const auto request = from->receive())
+                    if (target)
+                        answer(*target, *request);
+            });
     if (terminationDescriptor >= 0)
         termination_ = queue.whenReadable(terminationDescriptor, [terminationDescriptor, &shell] {
             char signal = 0;

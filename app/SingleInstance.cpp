@@ -73,8 +73,7 @@ Result<std::unique_ptr<SingleInstance>> SingleInstance::claim(const std::filesys
     unlink(path.c_str());
     if (bind(socket->get(), generic(*address), sizeof *address) != 0 || chmod(path.c_str(), 0600) != 0)
         return std::unexpected(errorFromErrno(errno, path.native()));
-    return std::unique_ptr<SingleInstance>(
-        new SingleInstance(std::move(lock), std::move(*socket), std::move(path)));
+    return std::unique_ptr<SingleInstance>(new SingleInstance(std::move(lock), std::move(*socket), std::move(path)));
 }
 
 Result<void> SingleInstance::ask(const std::filesystem::path& folder, const std::string& name,
@@ -99,7 +98,9 @@ Result<void> SingleInstance::ask(const std::filesystem::path& folder, const std:
 }
 
 SingleInstance::SingleInstance(UniqueFd lock, UniqueFd socket, std::filesystem::path socketPath)
-    : lock_(std::move(lock)), socket_(std::move(socket)), socketPath_(std::move(socketPath)) {}
+    : lock_(std::move(lock)),
+      socket_(std::move(socket)),
+      socketPath_(std::move(socketPath)) {}
 
 SingleInstance::~SingleInstance() { unlink(socketPath_.c_str()); }
 

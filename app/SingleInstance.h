@@ -13,12 +13,12 @@ namespace vantry {
 /// What a second start asks of the running instance.
 enum class InstanceRequest { showPopover, showCleanup };
 
-/// The one Ombrel of a user session and home folder. It holds a lock, which the system releases however the process ends,
-/// and listens on a socket beside it for what later starts ask. Main thread.
+/// The one Ombrel of a user session and home folder. It holds a lock, which the system releases however the process
+/// ends, and listens on a socket beside it for what later starts ask. Main thread.
 class SingleInstance {
 public:
-    /// Becomes the instance called `name` in `folder`. Null when another process is it already; an error when that cannot be
-    /// told, so that the caller may go on without this.
+    /// Becomes the instance called `name` in `folder`. Null when another process is it already; an error when that
+    /// cannot be told, so that the caller may go on without this.
     [[nodiscard]] static Result<std::unique_ptr<SingleInstance>> claim(const std::filesystem::path& folder,
                                                                        const std::string& name);
     /// Hands `request` to the running instance, waiting up to two seconds for one that is just starting.

@@ -6,8 +6,8 @@
 
 namespace vantry {
 
-/// The item in the menu bar, the tray or the strip: a button with neither title nor image of its own that hosts the bar.
-/// The button carries the accessibility text; the bar inside stays silent.
+/// The item in the menu bar, the tray or the strip: a button with neither title nor image of its own that hosts the
+/// bar. The button carries the accessibility text; the bar inside stays silent.
 struct StatusItemContent {
     double length = 60; ///< points
     std::string tooltip;

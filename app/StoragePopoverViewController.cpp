@@ -46,9 +46,8 @@ const char* detailText(BarStyle style, SegmentSizing sizing) {
 StoragePopoverViewController::StoragePopoverViewController() {
     content_.barStylePopUp =
         choicePopUp(allBarStyles, "Choose Rainbow, macOS Storage Colors, Vivid Theme, or the active wallpaper.");
-    content_.segmentSizingPopUp =
-        choicePopUp(allSegmentSizings,
-                    "Use equal-width colors or the latest verified macOS Storage category proportions.");
+    content_.segmentSizingPopUp = choicePopUp(
+        allSegmentSizings, "Use equal-width colors or the latest verified macOS Storage category proportions.");
 }
 
 void StoragePopoverViewController::update(const std::optional<StorageSnapshot>& snapshot) {

@@ -25,8 +25,8 @@ public:
     virtual void storagePopoverRequestedSegmentSizingChange(SegmentSizing sizing) = 0;
 };
 
-/// The popover's state. It owns no setting: every control reports to the delegate, which persists the choice and calls the
-/// update operations back; after them the owner renders `content()` again. Main thread.
+/// The popover's state. It owns no setting: every control reports to the delegate, which persists the choice and calls
+/// the update operations back; after them the owner renders `content()` again. Main thread.
 class StoragePopoverViewController {
 public:
     StoragePopoverViewController();

@@ -47,7 +47,8 @@ Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_
         return error;
     }
     if (const UniqueFd folderFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)); folderFd)
-        fsync(folderFd.get()); // the file is whole and in its place; a folder that cannot be synced changes nothing of it
+        fsync(
+            folderFd.get()); // the file is whole and in its place; a folder that cannot be synced changes nothing of it
     return {};
 }
 

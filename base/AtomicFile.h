@@ -10,10 +10,10 @@
 
 namespace vantry {
 
-/// Replaces what stands at `file` by `contents` with the permissions `mode`, or makes it. A crash at any moment leaves the
-/// old file or the new one, never a torn one; what it may leave beside it is gone after the next successful call. A link is
-/// replaced, not followed. The folder must exist; one writer at a time.
-/// Blocking (it waits for the disk); any thread.
+/// Replaces what stands at `file` by `contents` with the permissions `mode`, or makes it. A crash at any moment leaves
+/// the old file or the new one, never a torn one; what it may leave beside it is gone after the next successful call. A
+/// link is replaced, not followed. The folder must exist; one writer at a time. Blocking (it waits for the disk); any
+/// thread.
 [[nodiscard]] Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents,
                                                mode_t mode);
 

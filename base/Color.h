@@ -18,7 +18,8 @@ struct Rgba {
     bool operator==(const Rgba&) const = default;
 };
 
-/// The colours that the system defines by role and that follow its appearance (`platform/SystemColors.h` resolves them).
+/// The colours that the system defines by role and that follow its appearance (`platform/SystemColors.h` resolves
+/// them).
 enum class SystemColor {
     red,
     orange,

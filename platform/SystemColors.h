@@ -4,9 +4,9 @@
 
 namespace vantry {
 
-/// The sRGB value of a system colour in an appearance: on macOS what the system says at this moment, elsewhere the values
-/// that Apple publishes for macOS (Human Interface Guidelines, Color, Specifications) and, for the text roles, the values
-/// of AppKit's catalog. Main thread.
+/// The sRGB value of a system colour in an appearance: on macOS what the system says at this moment, elsewhere the
+/// values that Apple publishes for macOS (Human Interface Guidelines, Color, Specifications) and, for the text roles,
+/// the values of AppKit's catalog. Main thread.
 [[nodiscard]] Rgba resolvedSystemColor(SystemColor role, Appearance appearance);
 
 } // namespace vantry

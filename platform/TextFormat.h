@@ -11,10 +11,10 @@ namespace vantry {
 /// Which units a byte text may use.
 enum class ByteUnits { all, gigabytesAndTerabytes };
 
-/// A byte count as the system writes a file's size: on macOS its byte-count formatter in the file count style; elsewhere the
-/// same rules, so decimal units, "1 byte" and "512 bytes", kilobytes without, megabytes with one and larger units with up to
-/// two fraction digits, no padding zeros, the locale's decimal separator. Halves round away from zero, and a figure that
-/// rounds up to 1000 takes the next unit. Nothing is "0 B". Any thread; never fails.
+/// A byte count as the system writes a file's size: on macOS its byte-count formatter in the file count style;
+/// elsewhere the same rules, so decimal units, "1 byte" and "512 bytes", kilobytes without, megabytes with one and
+/// larger units with up to two fraction digits, no padding zeros, the locale's decimal separator. Halves round away
+/// from zero, and a figure that rounds up to 1000 takes the next unit. Nothing is "0 B". Any thread; never fails.
 [[nodiscard]] std::string byteCountText(std::int64_t bytes, ByteUnits units = ByteUnits::all);
 
 /// A fraction as a percentage with 0 to 1 fraction digits in the user's locale; absent for what is no number.

@@ -21,13 +21,13 @@ struct VolumeCapacity {
     bool operator==(const VolumeCapacity&) const = default;
 };
 
-/// The volume that holds `path`: on macOS four resource values in one request; on Linux the blocks and the blocks available
-/// to ordinary users of `statvfs`, and the file system's label. Products too large for 64 bits are held at the largest value.
-/// Blocking; any thread. Fails only when the volume cannot be asked at all.
+/// The volume that holds `path`: on macOS four resource values in one request; on Linux the blocks and the blocks
+/// available to ordinary users of `statvfs`, and the file system's label. Products too large for 64 bits are held at
+/// the largest value. Blocking; any thread. Fails only when the volume cannot be asked at all.
 [[nodiscard]] Result<VolumeCapacity> readVolumeCapacity(const std::filesystem::path& path);
 
-/// The same volume by the attributes of its file system (macOS: the file manager's, Linux: `statvfs`), without a figure for
-/// important usage. The name is absent also when it alone cannot be read. Blocking; any thread.
+/// The same volume by the attributes of its file system (macOS: the file manager's, Linux: `statvfs`), without a figure
+/// for important usage. The name is absent also when it alone cannot be read. Blocking; any thread.
 [[nodiscard]] Result<VolumeCapacity> readFileSystemAttributes(const std::filesystem::path& path);
 
 } // namespace vantry

@@ -24,12 +24,12 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Calls `block` after every wake from sleep: the workspace's notification on macOS, logind's `PrepareForSleep(false)` on
-    /// Linux. Where the system does not tell, `block` is never called.
+    /// Calls `block` after every wake from sleep: the workspace's notification on macOS, logind's
+    /// `PrepareForSleep(false)` on Linux. Where the system does not tell, `block` is never called.
     [[nodiscard]] virtual std::unique_ptr<Subscription> observeWake(std::function<void()> block) = 0;
 
-    /// Opens `url` with what the user has chosen for it. A settings pane of macOS ("x-apple.systempreferences:...") opens its
-    /// counterpart where the desktop has one. Does nothing, quietly, where nothing can open it. Never waits.
+    /// Opens `url` with what the user has chosen for it. A settings pane of macOS ("x-apple.systempreferences:...")
+    /// opens its counterpart where the desktop has one. Does nothing, quietly, where nothing can open it. Never waits.
     virtual void openURL(const std::string& url) = 0;
 
     /// All screens, the one with the menu bar first; may be empty.

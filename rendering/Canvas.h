@@ -49,8 +49,8 @@ struct Font {
     bool operator==(const Font&) const = default;
 };
 
-/// Everything that Ombrel draws by itself is drawn with these. Coordinates are those of a flipped view: y grows downwards.
-/// A dynamic colour is resolved by the canvas for the appearance that it draws in. Main thread.
+/// Everything that Ombrel draws by itself is drawn with these. Coordinates are those of a flipped view: y grows
+/// downwards. A dynamic colour is resolved by the canvas for the appearance that it draws in. Main thread.
 class Canvas {
 public:
     virtual ~Canvas() = default;

@@ -9,8 +9,8 @@
 
 namespace vantry {
 
-/// The colours of the storage bar, and the one routine that paints its used part: a bar and its swatch always look alike.
-/// Main thread (it draws).
+/// The colours of the storage bar, and the one routine that paints its used part: a bar and its swatch always look
+/// alike. Main thread (it draws).
 namespace StoragePalette {
 
 /// One segment of the macOS style: `weight` is its share under `SegmentSizing::verifiedSnapshot`.

@@ -13,8 +13,8 @@
 namespace vantry {
 
 /// The storage bar: a capsule whose left part, as wide as the used share of the volume, is painted in the chosen style,
-/// optionally followed by the percentage. A value: its owner sets the properties and hands a copy to the front end, which
-/// draws again whenever the copy differs from the last one or the appearance changes. Lengths are points.
+/// optionally followed by the percentage. A value: its owner sets the properties and hands a copy to the front end,
+/// which draws again whenever the copy differs from the last one or the appearance changes. Lengths are points.
 struct VantryView {
     std::optional<StorageSnapshot> snapshot;
     double barHeight = 7.0;

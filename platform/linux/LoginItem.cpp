@@ -12,8 +12,8 @@ namespace vantry {
 
 namespace {
 
-// An argument of "Exec": quoted, the shell's special characters escaped inside the quotes, "%" doubled, and then all of it
-// written as a string value, in which a backslash is escaped once more.
+// An argument of "Exec": quoted, the shell's special characters escaped inside the quotes, "%" doubled, and then all of
+// it written as a string value, in which a backslash is escaped once more.
 std::string execArgument(std::string_view argument) {
     std::string quoted = "\"";
     for (const char character : argument) {

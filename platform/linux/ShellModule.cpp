@@ -12,7 +12,8 @@ Result<void*> loadShellSymbol(const std::string& symbol) {
     if (failure)
         return std::unexpected(errorFromErrno(failure.value(), "/proc/self/exe"));
     const auto folder = executable.parent_path();
-    const std::array candidates{folder / OMBREL_SHELL_MODULE, folder / OMBREL_RELATIVE_MODULE_FOLDER / OMBREL_SHELL_MODULE};
+    const std::array candidates{folder / OMBREL_SHELL_MODULE,
+                                folder / OMBREL_RELATIVE_MODULE_FOLDER / OMBREL_SHELL_MODULE};
 
     std::string reasons;
     for (const auto& candidate : candidates) {

@@ -7,7 +7,8 @@
 
 namespace vantry {
 
-/// A `VantryView` that a screen reader sees as the view says: a progress indicator with its label and value, or nothing.
+/// A `VantryView` that a screen reader sees as the view says: a progress indicator with its label and value, or
+/// nothing.
 class BarWidget : public ViewWidget<VantryView> {
     Q_OBJECT
 

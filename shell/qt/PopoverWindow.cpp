@@ -71,7 +71,8 @@ void renderLabel(QLabel& label, const LabelContent& content, Appearance appearan
 } // namespace
 
 PopoverWindow::PopoverWindow(const QtAppearance& appearance)
-    : QWidget(nullptr, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint), appearance_(appearance) {
+    : QWidget(nullptr, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),
+      appearance_(appearance) {
     setWindowTitle(QStringLiteral("Ombrel"));
     setAccessibleName(QStringLiteral("Ombrel"));
     // The click that closes the popover is not to open it again when it was on the item.
@@ -257,8 +258,9 @@ void PopoverWindow::openAt(const QRect& item) {
     if (!screen)
         screen = QGuiApplication::primaryScreen();
     const QRect area = screen ? screen->availableGeometry() : item;
-    const QSize size(static_cast<int>(content_.size.width),
-                     std::max(static_cast<int>(content_.size.height), heightForWidth(static_cast<int>(content_.size.width))));
+    const QSize size(
+        static_cast<int>(content_.size.width),
+        std::max(static_cast<int>(content_.size.height), heightForWidth(static_cast<int>(content_.size.width))));
     setFixedSize(size);
     const int below = item.bottom() + 1 + distanceFromItem;
     const int above = item.top() - distanceFromItem - size.height();

@@ -54,7 +54,7 @@ QPalette paletteFor(Appearance appearance) {
 
 } // namespace
 
-QtAppearance::QtAppearance() : current_(appearanceOfPalette()) {
+QtAppearance::QtAppearance() : withoutPreference_(appearanceOfPalette()), current_(withoutPreference_) {
     apply(current_);
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
@@ -89,7 +89,7 @@ void QtAppearance::setColorScheme(const QVariant& value) {
     switch (scheme.toUInt()) {
     case preferDark: apply(Appearance::dark); break;
     case preferLight: apply(Appearance::light); break;
-    default: break;
+    default: apply(withoutPreference_); break;
     }
 }
 

@@ -9,8 +9,8 @@ class QDBusVariant;
 
 namespace vantry {
 
-/// Whether the desktop is light or dark: what the desktop portal says ("org.freedesktop.appearance"), else how light the
-/// palette of the application is. Gives the application a palette that fits. Main thread.
+/// Whether the desktop is light or dark: what the desktop portal says ("org.freedesktop.appearance"), else how light
+/// the palette of the application is. Gives the application a palette that fits. Main thread.
 class QtAppearance : public QObject {
     Q_OBJECT
 
@@ -30,6 +30,7 @@ private:
     void setColorScheme(const QVariant& value);
     void apply(Appearance appearance);
 
+    const Appearance withoutPreference_; ///< of the palette that the desktop gave
     Appearance current_;
 };
 

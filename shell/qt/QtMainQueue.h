@@ -19,7 +19,8 @@ public:
                                                             std::function<void()> block) override;
     [[nodiscard]] std::unique_ptr<Subscription> whenReadable(int fd, std::function<void()> block) override;
 
-    /// Drops what waits and what comes: called when the event loop has ended, while background work may go on. Main thread.
+    /// Drops what waits and what comes: called when the event loop has ended, while background work may go on. Main
+    /// thread.
     void close();
 
 private:

@@ -1,13 +1,16 @@
 #include "shell/qt/QtShell.h"
 
 #include "shell/qt/ContextMenuRenderer.h"
+#include "shell/qt/OmbrelStyle.h"
 
 #include <QApplication>
 #include <QCursor>
 
 namespace vantry {
 
-QtShell::QtShell() : popover_(std::make_unique<PopoverWindow>(appearance_)) {
+QtShell::QtShell() {
+    QApplication::setStyle(new OmbrelStyle(appearance_)); // the application's from here on
+    popover_ = std::make_unique<PopoverWindow>(appearance_);
     connect(&tracker_, &TrayTracker::changed, this, &QtShell::placeStatusItem);
     connect(&trayMenu_, &QMenu::aboutToShow, this, &QtShell::renderTrayMenu);
 }
@@ -45,7 +48,8 @@ void QtShell::placeStatusItem() {
     strip_.reset();
     if (const TrayKind kind = tracker_.kind(); kind != TrayKind::none) {
         renderTrayMenu();
-        tray_ = std::make_unique<TrayItem>(kind, appearance_, [this](MouseEvent event) { pressed(event); }, trayMenu_);
+        tray_ = std::make_unique<TrayItem>(
+            kind, appearance_, [this](MouseEvent event) { pressed(event); }, trayMenu_);
         tray_->setContent(statusItem_);
     } else {
         strip_ = std::make_unique<StripWindow>(appearance_, [this](MouseEvent event) { pressed(event); });
@@ -88,7 +92,7 @@ void QtShell::chosen(const MenuItemContent& item) {
 }
 
 QRect QtShell::statusItemGeometry() const {
-    const QRect item = strip_ ? strip_->geometry() : tray_ ? tray_->geometry() : QRect();
+    const QRect item = strip_ ? strip_->itemGeometry() : tray_ ? tray_->geometry() : QRect();
     return item.isValid() ? item : QRect(QCursor::pos(), QSize(1, 1));
 }
 

@@ -14,8 +14,8 @@
 
 namespace vantry {
 
-/// The front end on Qt Widgets: the item in the tray, or in a strip of its own while there is no tray, with the popover and
-/// the menu.
+/// The front end on Qt Widgets: the item in the tray, or in a strip of its own while there is no tray, with the popover
+/// and the menu.
 class QtShell : public QObject, public Shell {
     Q_OBJECT
 

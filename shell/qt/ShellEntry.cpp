@@ -1,6 +1,6 @@
+#include "app/ShellEntry.h"
 #include "app/AppDelegate.h"
 #include "app/ProcessEvents.h"
-#include "app/ShellEntry.h"
 #include "app/TerminationSignals.h"
 #include "shell/qt/BarWidget.h"
 #include "shell/qt/QtMainQueue.h"

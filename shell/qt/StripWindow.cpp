@@ -18,11 +18,14 @@ constexpr int stripHeight = 24;
 } // namespace
 
 StripWindow::StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed)
-    : appearance_(appearance), pressed_(std::move(pressed)) {
+    : appearance_(appearance),
+      pressed_(std::move(pressed)) {
     setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    setAttribute(Qt::WA_X11NetWmWindowTypeDock); // on every desktop, in no task list
     setAttribute(Qt::WA_ShowWithoutActivating);
     setWindowTitle(QStringLiteral("Ombrel"));
-    connect(this, &QAbstractButton::clicked, this, [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
+    connect(this, &QAbstractButton::clicked, this,
+            [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
     connect(&appearance_, &QtAppearance::changed, this, qOverload<>(&QWidget::update));
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &StripWindow::place);
     for (const QScreen* screen : QGuiApplication::screens())
@@ -43,7 +46,8 @@ void StripWindow::setContent(const StatusItemContent& content) {
 void StripWindow::place() {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
-        move(area.right() + 1 - width(), area.top());
+        placedAt_ = {area.right() + 1 - width(), area.top()};
+        move(placedAt_);
     }
 }
 

@@ -9,8 +9,8 @@
 
 namespace vantry {
 
-/// Stands in for the tray where there is none: a slim strip at the top right edge of the screen, above other windows, that
-/// shows the bar in its natural shape. One button with the item's accessibility text; the bar inside is silent.
+/// Stands in for the tray where there is none: a slim strip at the top right edge of the screen, above other windows,
+/// that shows the bar in its natural shape. One button with the item's accessibility text; the bar inside is silent.
 class StripWindow : public QAbstractButton {
     Q_OBJECT
 
@@ -18,6 +18,8 @@ public:
     StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed);
 
     void setContent(const StatusItemContent& content);
+    /// Where the strip was put. What Qt says of a window that a window manager has just framed may be off.
+    [[nodiscard]] QRect itemGeometry() const { return {placedAt_, size()}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -30,6 +32,7 @@ private:
     const QtAppearance& appearance_;
     std::function<void(MouseEvent)> pressed_;
     StatusItemContent content_;
+    QPoint placedAt_;
 };
 
 } // namespace vantry

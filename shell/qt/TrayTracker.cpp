@@ -62,9 +62,8 @@ void TrayTracker::readNotifierHost() {
         setNotifierHost(false);
         return;
     }
-    auto question = QDBusMessage::createMethodCall(watcherService, watcherPath,
-                                                   QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                   QStringLiteral("Get"));
+    auto question = QDBusMessage::createMethodCall(
+        watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     question << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
     const QDBusReply<QDBusVariant> answer = bus.call(question, QDBus::Block, answerTimeoutMilliseconds);
     setNotifierHost(answer.isValid() && answer.value().variant().toBool());
@@ -91,7 +90,8 @@ void TrayTracker::watchTraySelection() {
     firstXfixesEvent_ = xfixes->first_event;
 
     const Owned<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
-        connection_, xcb_xfixes_query_version(connection_, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION), nullptr));
+        connection_, xcb_xfixes_query_version(connection_, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION),
+        nullptr));
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
     xcb_xfixes_select_selection_input(connection_, root, traySelection_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |

@@ -12,8 +12,8 @@ namespace vantry {
 /// geometry; an XEmbed tray takes a small window of ours.
 enum class TrayKind { none, statusNotifier, xembed };
 
-/// Knows whether there is a tray, also one that comes or goes later: the D-Bus name of the StatusNotifierItem watcher, and
-/// the owner of the X11 tray selection. Wakes only when one of them changes. Main thread.
+/// Knows whether there is a tray, also one that comes or goes later: the D-Bus name of the StatusNotifierItem watcher,
+/// and the owner of the X11 tray selection. Wakes only when one of them changes. Main thread.
 class TrayTracker : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 

@@ -8,12 +8,15 @@
 
 namespace vantry {
 
-/// Draws a toolkit-free view (`VantryView`, `SolidSwatchView`) and draws it again when it or the appearance has changed.
+/// Draws a toolkit-free view (`VantryView`, `SolidSwatchView`) and draws it again when it or the appearance has
+/// changed.
 template <class View>
 class ViewWidget : public QWidget {
 public:
     ViewWidget(const QtAppearance& appearance, View view, QWidget* parent)
-        : QWidget(parent), appearance_(appearance), view_(std::move(view)) {
+        : QWidget(parent),
+          appearance_(appearance),
+          view_(std::move(view)) {
         connect(&appearance_, &QtAppearance::changed, this, qOverload<>(&QWidget::update));
     }
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/Result.h"
+
+#include <string>
+#include <string_view>
+
+#if !defined(__OBJC__) || !__has_feature(objc_arc)
+#error "For Objective-C++ with -fobjc-arc only."
+#endif
+
+@class NSError, NSString;
+
+namespace vantry {
+
+/// UTF-8; empty for nil and for text that is no valid Unicode. Any thread.
+[[nodiscard]] std::string textFromFoundation(NSString* text);
+
+/// Nil when `text` is no UTF-8. Any thread.
+[[nodiscard]] NSString* foundationText(std::string_view text);
+
+/// The message is the system's localized description, unchanged. Nil, from a call that failed without saying why, is an
+/// error of kind `system`. Any thread.
+[[nodiscard]] Error errorFromFoundation(NSError* error);
+
+} // namespace vantry

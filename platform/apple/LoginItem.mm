@@ -1,0 +1,26 @@
+#include "platform/LoginItem.h"
+
+#include "platform/apple/FoundationValues.h"
+
+#include <Foundation/Foundation.h>
+
+namespace vantry {
+
+Result<std::filesystem::path> runningApplicationPath() {
+    @autoreleasepool {
+        NSBundle* bundle = [NSBundle mainBundle];
+        // An executable outside of a bundle has the folder that it lies in for a main bundle, without an identifier.
+        NSURL* application = bundle.bundleIdentifier ? bundle.bundleURL : bundle.executableURL;
+        if (!application)
+            return std::unexpected(Error{ErrorKind::notFound, "The path of the application is unknown."});
+        return std::filesystem::path(application.fileSystemRepresentation);
+    }
+}
+
+std::optional<std::filesystem::path> autostartFile(const std::string&) { return std::nullopt; }
+
+Result<std::string> autostartEntry(const std::string&, const std::filesystem::path&) {
+    return std::unexpected(Error{ErrorKind::unsupported, "macOS has no autostart entries."});
+}
+
+} // namespace vantry

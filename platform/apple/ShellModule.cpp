@@ -1,0 +1,14 @@
+#include "platform/ShellModule.h"
+
+#include <dlfcn.h>
+
+namespace vantry {
+
+Result<void*> loadShellSymbol(const std::string& symbol) {
+    if (void* address = dlsym(RTLD_MAIN_ONLY, symbol.c_str()))
+        return address;
+    const char* reason = dlerror();
+    return std::unexpected(Error{ErrorKind::notFound, reason ? reason : symbol + " is missing"});
+}
+
+} // namespace vantry

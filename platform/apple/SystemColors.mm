@@ -1,0 +1,51 @@
+#include "platform/SystemColors.h"
+
+#include <AppKit/AppKit.h>
+
+namespace vantry {
+
+namespace {
+
+NSColor* dynamicColor(SystemColor role) {
+    switch (role) {
+    case SystemColor::red: return [NSColor systemRedColor];
+    case SystemColor::orange: return [NSColor systemOrangeColor];
+    case SystemColor::yellow: return [NSColor systemYellowColor];
+    case SystemColor::green: return [NSColor systemGreenColor];
+    case SystemColor::teal: return [NSColor systemTealColor];
+    case SystemColor::blue: return [NSColor systemBlueColor];
+    case SystemColor::pink: return [NSColor systemPinkColor];
+    case SystemColor::cyan: return [NSColor systemCyanColor];
+    case SystemColor::mint: return [NSColor systemMintColor];
+    case SystemColor::gray: return [NSColor systemGrayColor];
+    case SystemColor::label: return [NSColor labelColor];
+    case SystemColor::secondaryLabel: return [NSColor secondaryLabelColor];
+    case SystemColor::tertiaryLabel: return [NSColor tertiaryLabelColor];
+    case SystemColor::disabledControlText: return [NSColor disabledControlTextColor];
+    case SystemColor::separator: return [NSColor separatorColor];
+    case SystemColor::windowBackground: return [NSColor windowBackgroundColor];
+    }
+    return [NSColor labelColor];
+}
+
+} // namespace
+
+Rgba resolvedSystemColor(SystemColor role, Appearance appearance) {
+    @autoreleasepool {
+        NSAppearance* drawn = [NSAppearance
+            appearanceNamed:appearance == Appearance::dark ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua];
+        // The conversion is what resolves a dynamic colour, so it has to happen under the appearance.
+        __block NSColor* resolved = nil;
+        [drawn performAsCurrentDrawingAppearance:^{
+            resolved = [dynamicColor(role) colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
+        }];
+        CGFloat red = 0;
+        CGFloat green = 0;
+        CGFloat blue = 0;
+        CGFloat alpha = 1;
+        [resolved getRed:&red green:&green blue:&blue alpha:&alpha];
+        return {red, green, blue, alpha};
+    }
+}
+
+} // namespace vantry

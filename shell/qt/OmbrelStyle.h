@@ -1,0 +1,43 @@
+#pragma once
+
+#include "shell/qt/QtAppearance.h"
+
+#include <QProxyStyle>
+
+namespace vantry {
+
+/// The look of Ombrel's own controls: rounded push buttons, check boxes, pop-up buttons and menus, light and dark,
+/// crisp at every scale. What it does not draw, Qt's Fusion style does.
+class OmbrelStyle : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    explicit OmbrelStyle(const QtAppearance& appearance);
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    [[nodiscard]] QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                       const QWidget* widget) const override;
+    [[nodiscard]] QRect subElementRect(SubElement element, const QStyleOption* option,
+                                       const QWidget* widget) const override;
+    [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                         const QWidget* widget) const override;
+    [[nodiscard]] int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+    [[nodiscard]] int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                                QStyleHintReturn* answer) const override;
+
+private:
+    void drawFace(QPainter& painter, const QStyleOption& option, double radius) const;
+    void drawCheckBox(QPainter& painter, const QStyleOption& option) const;
+    void drawPopUpButton(QPainter& painter, const QStyleOption& option) const;
+    void drawMenuItem(QPainter& painter, const QStyleOption& option, const QWidget* widget) const;
+    [[nodiscard]] QColor accent(const QStyleOption& option) const;
+
+    const QtAppearance& appearance_;
+};
+
+} // namespace vantry
