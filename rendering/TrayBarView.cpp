@@ -8,9 +8,9 @@ namespace vantry::TrayBarView {
 
 namespace {
 
-constexpr Rgba lightLine{1, 1, 1, 0.75};
+constexpr Rgba trackColor{0.82, 0.824, 0.835, 0.92};
+constexpr Rgba endMark{1, 1, 1, 0.9};
 constexpr Rgba darkLine{0, 0, 0, 0.55};
-constexpr Rgba track{0.55, 0.56, 0.58, 0.6};
 
 struct Figure {
     std::string text;
@@ -51,13 +51,15 @@ void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect) {
     canvas.fill(outer, darkLine);
     canvas.save();
     canvas.clip(capsule);
-    canvas.fill(inside, lightLine);
-    canvas.fill(inside, track);
+    canvas.fill(inside, trackColor);
     const double fraction = bar.snapshot ? bar.snapshot->usedFraction() : 0;
-    if (fraction > 0)
-        StoragePalette::drawUsedFill(canvas,
-                                     {inside.x, inside.y, std::max(inside.width * fraction, 1.0), inside.height},
-                                     bar.barStyle, bar.segmentSizing, bar.themeColors);
+    if (fraction > 0) {
+        const double usedWidth = std::max(inside.width * fraction, 1.0);
+        StoragePalette::drawUsedFill(canvas, {inside.x, inside.y, usedWidth, inside.height}, bar.barStyle,
+                                     bar.segmentSizing, bar.themeColors);
+        if (usedWidth < inside.width - 1) // the grey segments end where the grey track begins
+            canvas.fill(Rect{std::floor(inside.x + usedWidth), inside.y, 1, inside.height}, endMark);
+    }
     canvas.restore();
 }
 

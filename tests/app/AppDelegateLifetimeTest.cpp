@@ -1,0 +1,101 @@
+#include "tests/app/AppDelegateFixture.h"
+
+namespace vantry {
+
+namespace {
+
+using testing::IsEmpty;
+
+// Whatever is posted, scheduled, observed or submitted may be called after the application's controller is gone, and does
+// nothing then. None of it keeps the controller alive.
+class AppDelegateLifetime : public AppDelegateFixture {
+protected:
+    /// Destroys the delegate, which nothing may hold, and forgets what was asked until then.
+    void destroy() {
+        const std::weak_ptr<AppDelegate> last = delegate;
+        delegate.reset();
+        ASSERT_TRUE(last.expired());
+        log.clear();
+    }
+
+    void expectNothingShown() const { EXPECT_THAT(log.only({"shell.", "cleanupWindow.", "loginItem."}), IsEmpty()); }
+};
+
+TEST_F(AppDelegateLifetime, EndsItsTimerAndItsObserver) {
+    launchAndSettle();
+    delegate.reset();
+    EXPECT_THAT(log.only({"mainQueue.", "workspace."}),
+                testing::UnorderedElementsAre("mainQueue.stopTimer", "workspace.stopObservingWake"));
+}
+
+TEST_F(AppDelegateLifetime, AReadThatHasNotBegunDoesNothing) {
+    launchAndSettle();
+    delegate->refreshStorage();
+    destroy();
+    world.settle();
+    expectNothingShown();
+}
+
+TEST_F(AppDelegateLifetime, AReadThatHasEndedDoesNothing) {
+    for (const StorageReadResult& result :
+         {world.volume, StorageReadResult(std::unexpected(StorageReadFailure{StorageReadError::missingCapacity}))}) {
+        world.volume = result;
+        launchAndSettle();
+        delegate->refreshStorage();
+        world.backgroundQueue->runNext();
+        ASSERT_EQ(world.mainQueue->postedCount(), 1);
+        destroy();
+        world.mainQueue->runNext();
+        EXPECT_THAT(log.calls(), IsEmpty());
+    }
+}
+
+TEST_F(AppDelegateLifetime, ASamplingDoesNothingWhicheverStepItHasReached) {
+    for (int stepsBefore = 0; stepsBefore <= 3; ++stepsBefore) {
+        SCOPED_TRACE(stepsBefore);
+        launchAndSettle();
+        delegate->refreshWallpaperTheme(true);
+        for (int step = 0; step < stepsBefore; ++step)
+            ASSERT_TRUE(world.backgroundQueue->runNext() || world.mainQueue->runNext());
+        ASSERT_EQ(world.backgroundQueue->waitingCount() + world.mainQueue->postedCount(), 1);
+        destroy();
+        world.settle();
+        expectNothingShown();
+    }
+}
+
+TEST_F(AppDelegateLifetime, TheCleanupWindowIsNotShown) {
+    world.arguments = {"--show-cleanup"};
+    launch();
+    ASSERT_EQ(world.mainQueue->postedCount(), 1);
+    destroy();
+    world.mainQueue->runNext();
+    EXPECT_THAT(log.calls(), IsEmpty());
+}
+
+TEST_F(AppDelegateLifetime, ATickThatIsOnItsWayDoesNothing) {
+    launchAndSettle();
+    const auto tick = world.mainQueue->lastTimerBlock();
+    destroy();
+    tick();
+    EXPECT_THAT(log.calls(), IsEmpty());
+}
+
+TEST_F(AppDelegateLifetime, AWakeThatIsOnItsWayDoesNothing) {
+    launchAndSettle();
+    const auto wake = world.workspace->wakeBlock();
+    destroy();
+    wake();
+    EXPECT_THAT(log.calls(), IsEmpty());
+}
+
+TEST_F(AppDelegateLifetime, ResultsThatArriveAfterTheEndOfTheApplicationAreStillTaken) {
+    launch();
+    delegate->applicationWillTerminate();
+    world.settle();
+    EXPECT_EQ(shell.statusItem().tooltip, "Data: 300 GB used, 200 GB available");
+}
+
+} // namespace
+
+} // namespace vantry

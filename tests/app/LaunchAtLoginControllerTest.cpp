@@ -1,0 +1,251 @@
+#include "app/LaunchAtLoginController.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+namespace vantry {
+namespace {
+
+namespace Controller = LaunchAtLoginController;
+
+// A home of its own, with the autostart folder in it wherever the system has one.
+class LaunchAtLogin : public testing::Test {
+protected:
+    [[nodiscard]] Controller::Environment environment(const std::string& application = "/opt/ombrel/ombrel") const {
+        return {.home = home_.path(),
+                .runningApplication = application,
+                .installedApplication = home_ / "Applications/Ombrel.app"};
+    }
+    [[nodiscard]] std::filesystem::path agents() const { return home_ / "Library/LaunchAgents"; }
+    [[nodiscard]] std::filesystem::path agent() const { return agents() / "app.ombrel.Ombrel.plist"; }
+    [[nodiscard]] std::filesystem::path autostart() const {
+        return home_ / ".config/autostart/app.ombrel.Ombrel.desktop";
+    }
+    [[nodiscard]] std::set<std::string> agentNames() const {
+        std::set<std::string> names;
+        if (std::filesystem::exists(agents()))
+            for (const auto& entry : std::filesystem::directory_iterator(agents()))
+                names.insert(entry.path().filename().native());
+        return names;
+    }
+    void enableOrFail() const {
+        const auto enabled = Controller::setEnabled(environment(), true);
+        ASSERT_TRUE(enabled) << enabled.error().message;
+    }
+
+    TemporaryFolder home_;
+    ScopedEnvironment homeVariable_{"HOME", home_.path().c_str()};
+    ScopedEnvironment configurationVariable_{"XDG_CONFIG_HOME", nullptr};
+};
+
+TEST_F(LaunchAtLogin, TheAgentFileIsNamedAfterTheBundleIdentifier) {
+    EXPECT_EQ(Controller::launchAgentURL(environment()), agent());
+}
+
+TEST_F(LaunchAtLogin, EnablingMakesTheFolderAndWritesExactlyFiveKeys) {
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    enableOrFail();
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_EQ(readFile(agent()),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+              "<plist version=\"1.0\">\n"
+              "<dict>\n"
+              "\t<key>Label</key>\n"
+              "\t<string>app.ombrel.Ombrel</string>\n"
+              "\t<key>ProgramArguments</key>\n"
+              "\t<array>\n"
+              "\t\t<string>/usr/bin/open</string>\n"
+              "\t\t<string>-g</string>\n"
+              "\t\t<string>/opt/ombrel/ombrel</string>\n"
+              "\t</array>\n"
+              "\t<key>RunAtLoad</key>\n"
+              "\t<true/>\n"
+              "\t<key>LimitLoadToSessionType</key>\n"
+              "\t<string>Aqua</string>\n"
+              "\t<key>ProcessType</key>\n"
+              "\t<string>Interactive</string>\n"
+              "</dict>\n"
+              "</plist>\n");
+}
+
+TEST_F(LaunchAtLogin, TheAgentFileIsReadableByAllWhateverTheUmask) {
+    const mode_t before = umask(0077);
+    enableOrFail();
+    umask(before);
+    struct stat facts = {};
+    ASSERT_EQ(stat(agent().c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0644U);
+}
+
+TEST_F(LaunchAtLogin, EnablingTwiceLeavesOneFileWithTheSameContent) {
+    enableOrFail();
+    const std::string first = readFile(agent());
+    enableOrFail();
+    EXPECT_EQ(readFile(agent()), first);
+    EXPECT_EQ(agentNames(), std::set<std::string>{"app.ombrel.Ombrel.plist"});
+}
+
+TEST_F(LaunchAtLogin, DisablingRemovesTheAgentAndTheAutostartEntry) {
+    enableOrFail();
+    ASSERT_TRUE(std::filesystem::exists(autostart()));
+    ASSERT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_TRUE(agentNames().empty());
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLogin, DisablingWithNoFilePresentSucceedsAndMakesNothing) {
+    ASSERT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_FALSE(std::filesystem::exists(home_ / "Library"));
+    EXPECT_FALSE(std::filesystem::exists(home_ / ".config"));
+}
+
+TEST_F(LaunchAtLogin, AnInstalledBundleIsPreferredToTheRunningCopy) {
+    std::filesystem::create_directories(home_ / "Applications/Ombrel.app");
+    enableOrFail();
+    const std::string expected = "<string>" + (home_ / "Applications/Ombrel.app").native() + "</string>";
+    EXPECT_NE(readFile(agent()).find(expected), std::string::npos);
+    EXPECT_EQ(readFile(agent()).find("/opt/ombrel/ombrel"), std::string::npos);
+}
+
+TEST_F(LaunchAtLogin, AFileCalledLikeTheBundleIsNoBundle) {
+    std::filesystem::create_directories(home_ / "Applications");
+    writeFile(home_ / "Applications/Ombrel.app", "");
+    enableOrFail();
+    EXPECT_NE(readFile(agent()).find("<string>/opt/ombrel/ombrel</string>"), std::string::npos);
+}
+
+TEST_F(LaunchAtLogin, RefreshingWritesAnExistingAgentForTheCurrentLocation) {
+    enableOrFail();
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment("/new/place/ombrel")));
+    EXPECT_NE(readFile(agent()).find("<string>/new/place/ombrel</string>"), std::string::npos);
+    EXPECT_NE(readFile(autostart()).find("Exec=\"/new/place/ombrel\"\n"), std::string::npos);
+}
+
+TEST_F(LaunchAtLogin, RefreshingWithoutAnAgentMakesNone) {
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    EXPECT_FALSE(std::filesystem::exists(home_ / "Library"));
+}
+
+TEST_F(LaunchAtLogin, AnUnusualApplicationPathIsWrittenAsItIs) {
+    ASSERT_TRUE(Controller::setEnabled(environment("/R&D <new> \"é\" 100%/ombrel"), true));
+    EXPECT_NE(readFile(agent()).find("/R&amp;D &lt;new&gt; \"é\" 100%/ombrel"), std::string::npos);
+    EXPECT_NE(readFile(autostart()).find(R"(Exec="/R&D <new> \\"é\\" 100%%/ombrel")"), std::string::npos);
+}
+
+TEST_F(LaunchAtLogin, APathThatNeitherFileCanHoldIsAnErrorAndChangesNothing) {
+    enableOrFail();
+    const std::string before = readFile(agent());
+    for (const char* path : {"/\xff/ombrel", "/line\nbreak/ombrel"})
+        EXPECT_FALSE(Controller::setEnabled(environment(path), true)) << path;
+    EXPECT_EQ(readFile(agent()), before);
+}
+
+TEST_F(LaunchAtLogin, TheFilesExistenceIsTheOnlyTruth) {
+    enableOrFail();
+    std::filesystem::remove(agent());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    writeFile(agent(), "anything");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+}
+
+TEST_F(LaunchAtLogin, AFolderInThePlaceOfTheFileIsNoAgentAndStays) {
+    std::filesystem::create_directories(agent() / "inside");
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(Controller::setEnabled(environment(), true));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+    EXPECT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_TRUE(std::filesystem::exists(agent() / "inside"));
+}
+
+TEST_F(LaunchAtLogin, ADanglingLinkIsNoAgentAndIsReplacedByEnabling) {
+    std::filesystem::create_directories(agents());
+    std::filesystem::create_symlink(home_ / "nowhere", agent());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    enableOrFail();
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(std::filesystem::is_symlink(agent()));
+    EXPECT_FALSE(std::filesystem::exists(home_ / "nowhere"));
+}
+
+TEST_F(LaunchAtLogin, WhatALinkLeadsToIsNeverRemoved) {
+    std::filesystem::create_directories(agents());
+    writeFile(home_ / "kept", "kept");
+    std::filesystem::create_symlink(home_ / "kept", agent());
+    ASSERT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_EQ(readFile(home_ / "kept"), "kept");
+}
+
+TEST_F(LaunchAtLogin, WhenTheAutostartEntryCannotBeWrittenTheAgentIsPutBackToItsBytesOrItsAbsence) {
+    writeFile(home_ / ".config", "a file in place of the folder");
+    const auto refused = Controller::setEnabled(environment(), true);
+    ASSERT_FALSE(refused);
+    EXPECT_FALSE(refused.error().message.empty());
+    EXPECT_TRUE(agentNames().empty());
+
+    writeFile(agent(), "what stood there before");
+    ASSERT_FALSE(Controller::setEnabled(environment(), true));
+    EXPECT_EQ(readFile(agent()), "what stood there before");
+}
+
+// As an ordinary user, since root may write everywhere.
+TEST_F(LaunchAtLogin, AReadOnlyFolderIsAnErrorWithTheSystemsTextAndNothingChanges) {
+    std::filesystem::create_directories(agents());
+    std::filesystem::permissions(home_.path(), std::filesystem::perms::all);
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    const auto answer = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()))
+            return "no other user";
+        const auto refused = Controller::setEnabled(environment(), true);
+        return refused ? "enabled" : refused.error().message;
+    });
+    EXPECT_EQ(answer, agent().native() + ": Permission denied");
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
+    enableOrFail();
+    const std::string entry = readFile(autostart());
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    const auto answer = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()))
+            return "no other user";
+        const auto refused = Controller::setEnabled(environment(), false);
+        return refused ? "disabled" : refused.error().message;
+    });
+    EXPECT_EQ(answer, agent().native() + ": Permission denied");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_EQ(readFile(autostart()), entry);
+}
+
+TEST_F(LaunchAtLogin, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
+    std::filesystem::create_directories(agents());
+    const auto answer = inChildProcess([&]() -> std::string {
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("none", agents().c_str(), "tmpfs", 0, "size=16k") != 0)
+            return "cannot mount";
+        writeFile(agent(), "old");
+        std::ofstream(agents() / "filler") << std::string(1 << 20, 'x'); // fails where the space ends
+        const auto refused = Controller::setEnabled(environment(), true);
+        const bool draftLeft = std::filesystem::exists(agents() / ".app.ombrel.Ombrel.plist.new");
+        return (refused ? "enabled" : refused.error().message) + (draftLeft ? ", draft left" : "") + ", " +
+               readFile(agent());
+    });
+    if (answer == "cannot mount")
+        GTEST_SKIP() << "SKIPPED: this user may not mount a small disk";
+    EXPECT_EQ(answer, agent().native() + ": No space left on device, old");
+}
+
+} // namespace
+} // namespace vantry

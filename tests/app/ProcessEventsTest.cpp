@@ -1,0 +1,155 @@
+#include "app/ProcessEvents.h"
+#include "app/TerminationSignals.h"
+#include "tests/app/AppDelegateFixture.h"
+#include "tests/app/PrivateFolder.h"
+#include "tests/app/RestoredSignals.h"
+
+#include <array>
+#include <csignal>
+#include <unistd.h>
+
+namespace vantry {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* name = "ombrel-test";
+
+class LaterStarts : public AppDelegateFixture {
+protected:
+    void listen() {
+        auto instance = SingleInstance::claim(folder.path(), name);
+        ASSERT_TRUE(instance && *instance);
+        events = std::make_unique<ProcessEvents>(*world.mainQueue, shell, delegate, std::move(*instance), -1);
+        log.clear();
+    }
+
+    void ask(InstanceRequest request) { ASSERT_TRUE(SingleInstance::ask(folder.path(), name, request)); }
+
+    PrivateFolder folder;
+    std::unique_ptr<ProcessEvents> events;
+};
+
+TEST_F(LaterStarts, OpenThePopoverUpToDate) {
+    launchAndSettle();
+    listen();
+    world.preferences->values = {{"barStyle", "vividTheme"}};
+    ask(InstanceRequest::showPopover);
+    EXPECT_THAT(log.calls(), IsEmpty()) << "nothing happens before the loop turns";
+    EXPECT_EQ(world.mainQueue->fireReadable(), 1);
+    EXPECT_THAT(log.only({"shell.renderPopover", "shell.openPopover"}),
+                ElementsAre("shell.renderPopover", "shell.openPopover"));
+    EXPECT_EQ(shell.popover().barStylePopUp.selectedIndex, 2);
+    EXPECT_EQ(world.mainQueue->fireReadable(), 0);
+}
+
+TEST_F(LaterStarts, DoNotCloseAPopoverThatIsOpen) {
+    launchAndSettle();
+    listen();
+    shell.popoverShown = true;
+    ask(InstanceRequest::showPopover);
+    world.mainQueue->fireReadable();
+    EXPECT_THAT(log.calls(), IsEmpty());
+    EXPECT_TRUE(shell.popoverShown);
+}
+
+TEST_F(LaterStarts, OpenTheCleanupWindow) {
+    launchAndSettle();
+    listen();
+    ask(InstanceRequest::showCleanup);
+    world.mainQueue->fireReadable();
+    EXPECT_THAT(log.calls(), ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan"));
+}
+
+TEST_F(LaterStarts, AreAllAnsweredInTheirOrder) {
+    launchAndSettle();
+    listen();
+    ask(InstanceRequest::showCleanup);
+    ask(InstanceRequest::showPopover);
+    ask(InstanceRequest::showCleanup);
+    world.mainQueue->fireReadable();
+    EXPECT_THAT(log.only({"cleanupWindow.", "shell.openPopover"}),
+                ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan", "shell.openPopover",
+                            "cleanupWindow.showAndScan"));
+    EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "nothing is left over";
+}
+
+TEST_F(LaterStarts, AreHeardAndForgottenWhenTheDelegateIsGone) {
+    launchAndSettle();
+    listen();
+    const std::weak_ptr<AppDelegate> last = delegate;
+    delegate.reset();
+    EXPECT_TRUE(last.expired());
+    log.clear();
+    ask(InstanceRequest::showPopover);
+    ask(InstanceRequest::showCleanup);
+    EXPECT_EQ(world.mainQueue->fireReadable(), 1);
+    EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "a request that stays would keep the loop awake";
+    EXPECT_THAT(log.calls(), IsEmpty());
+}
+
+TEST_F(LaterStarts, AreNotHeardAnyMoreWhenTheEventsEnd) {
+    launchAndSettle();
+    listen();
+    events.reset();
+    EXPECT_THAT(log.calls(), ElementsAre("mainQueue.stopWatching"));
+    const auto next = SingleInstance::claim(folder.path(), name);
+    EXPECT_TRUE(next && *next) << "the place is free again";
+}
+
+TEST_F(LaterStarts, AreNoMatterWithoutAnInstance) {
+    launchAndSettle();
+    const ProcessEvents none(*world.mainQueue, shell, delegate, nullptr, -1);
+    EXPECT_EQ(log.count("mainQueue.whenReadable"), 0);
+}
+
+class Termination : public AppDelegateFixture {
+protected:
+    RestoredSignals restored;
+};
+
+TEST_F(Termination, EndsTheLoopForEachSignal) {
+    launchAndSettle();
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        SCOPED_TRACE(signal);
+        const auto fd = catchTerminationSignals();
+        ASSERT_TRUE(fd) << fd.error().message;
+        const UniqueFd owned(*fd);
+        const ProcessEvents events(*world.mainQueue, shell, delegate, nullptr, *fd);
+        log.clear();
+        EXPECT_EQ(world.mainQueue->fireReadable(), 0);
+        ASSERT_EQ(raise(signal), 0);
+        EXPECT_THAT(log.calls(), IsEmpty());
+        EXPECT_EQ(world.mainQueue->fireReadable(), 1);
+        EXPECT_THAT(log.calls(), ElementsAre("shell.terminate"));
+        EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "asked once";
+    }
+}
+
+TEST_F(Termination, NeedsNoDelegate) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const UniqueFd readEnd(ends[0]);
+    const UniqueFd writeEnd(ends[1]);
+    const ProcessEvents events(*world.mainQueue, shell, {}, nullptr, readEnd.get());
+    ASSERT_EQ(write(writeEnd.get(), "", 1), 1);
+    EXPECT_EQ(world.mainQueue->fireReadable(), 1);
+    EXPECT_EQ(log.count("shell.terminate"), 1);
+}
+
+TEST_F(Termination, IsNotWatchedAnyMoreWhenTheEventsEnd) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const UniqueFd readEnd(ends[0]);
+    const UniqueFd writeEnd(ends[1]);
+    std::make_unique<ProcessEvents>(*world.mainQueue, shell, std::weak_ptr<AppDelegate>(), nullptr, readEnd.get()).reset();
+    ASSERT_EQ(write(writeEnd.get(), "", 1), 1);
+    EXPECT_EQ(world.mainQueue->fireReadable(), 0);
+    EXPECT_EQ(log.count("shell.terminate"), 0);
+}
+
+} // namespace
+
+} // namespace vantry

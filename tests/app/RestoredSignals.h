@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <csignal>
+#include <cstddef>
+
+namespace vantry {
+
+/// Puts the handlers of the termination signals back as they were, so that a test that catches them leaves no trace.
+class RestoredSignals {
+public:
+    RestoredSignals() {
+        for (std::size_t i = 0; i < signals.size(); ++i)
+            sigaction(signals[i], nullptr, &saved_[i]);
+    }
+    RestoredSignals(const RestoredSignals&) = delete;
+    RestoredSignals& operator=(const RestoredSignals&) = delete;
+    ~RestoredSignals() {
+        for (std::size_t i = 0; i < signals.size(); ++i)
+            sigaction(signals[i], &saved_[i], nullptr);
+    }
+
+private:
+    static constexpr std::array<int, 3> signals{SIGTERM, SIGINT, SIGHUP};
+
+    std::array<struct sigaction, signals.size()> saved_{};
+};
+
+} // namespace vantry

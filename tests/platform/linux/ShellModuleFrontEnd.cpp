@@ -1,0 +1,1 @@
+extern "C" const char* nameOfFrontEnd() { return FRONT_END; }

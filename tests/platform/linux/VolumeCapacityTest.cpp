@@ -1,0 +1,166 @@
+#include "platform/linux/VolumeCapacity.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <sched.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/statvfs.h>
+
+namespace vantry {
+
+namespace {
+
+constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto largestCount = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t one = 1;
+
+} // namespace
+
+TEST(CapacityFromStatvfs, MultipliesBlocksWithTheFragmentSizeAndHoldsWhatOverflows) {
+    const struct {
+        std::uint64_t fragmentSize;
+        std::uint64_t blockSize;
+        std::uint64_t blocks;
+        std::uint64_t available;
+        std::int64_t totalBytes;
+        std::int64_t availableBytes;
+    } cases[] = {
+        {4096, 4096, 1000, 250, 4'096'000, 1'024'000},
+        {512, 65536, 1000, 250, 512'000, 128'000},     // the counts are in fragments
+        {0, 1024, 1000, 250, 1'024'000, 256'000},      // a file system that leaves the fragment size out
+        {0, 0, 1000, 250, 0, 0},                       // or both
+        {4096, 4096, 0, 0, 0, 0},                      // a virtual file system without blocks
+        {4096, 4096, 10, 20, 40'960, 81'920},          // nothing is judged here
+        {1, 1, one << 62, 1, std::int64_t{1} << 62, 1},
+        {1, 1, largest, largest, largest, largest},    // the largest that fits
+        {1, 1, one << 63, 1, largest, 1},              // too large for a signed number
+        {1, 1, largestCount, largestCount, largest, largest},
+        {2, 2, one << 62, 5, largest, 10},
+        {4096, 4096, one << 52, one << 51, largest, largest}, // 2^64: its low 64 bits are all zero
+        {4096, 4096, (one << 52) + 1, 1, largest, 4096},
+        {largestCount, 512, largestCount, 1, largest, largest},
+    };
+    for (const auto& [fragmentSize, blockSize, blocks, available, totalBytes, availableBytes] : cases) {
+        struct statvfs said = {};
+        said.f_frsize = fragmentSize;
+        said.f_bsize = blockSize;
+        said.f_blocks = blocks;
+        said.f_bavail = available;
+        said.f_bfree = 77; // what only root may fill is not available
+        const VolumeCapacity capacity = capacityFromStatvfs(said);
+        EXPECT_EQ(capacity.totalBytes, totalBytes) << blocks << " of " << fragmentSize;
+        EXPECT_EQ(capacity.availableBytes, availableBytes) << available << " of " << fragmentSize;
+        EXPECT_EQ(capacity.availableForImportantUsageBytes, std::nullopt);
+        EXPECT_EQ(capacity.name, std::nullopt);
+    }
+}
+
+TEST(DecodedUdevName, ReplacesEscapedBytesAndNothingElse) {
+    const struct {
+        std::string name;
+        std::string decoded;
+    } cases[] = {
+        {"", ""},
+        {"Data", "Data"},
+        {"My\\x20Disk", "My Disk"},
+        {"\\x20", " "},
+        {"a\\x2fb", "a/b"},
+        {"a\\x2Fb", "a/b"},
+        {"Gr\\xc3\\xb6\\xc3\\x9fe", "Größe"},
+        {"Größe", "Größe"},
+        {"\\x5cx20", "\\x20"}, // what was decoded is not decoded again
+        {"\\x41\\x42", "AB"},
+        {"\\x41B", "AB"},
+        {"\\x4", "\\x4"}, // cut short
+        {"\\x", "\\x"},
+        {"\\", "\\"},
+        {"\\x4g", "\\x4g"}, // no number
+        {"\\xg4", "\\xg4"},
+        {"\\x-1", "\\x-1"},
+        {"\\x 4", "\\x 4"},
+        {"\\X20", "\\X20"},
+        {"x20", "x20"},
+        {"/x20", "/x20"},
+        {"\\\\x20", "\\ "},
+        {"\\x00end", std::string("\0end", 4)},
+    };
+    for (const auto& [name, decoded] : cases)
+        EXPECT_EQ(decodedUdevName(name), decoded) << name;
+}
+
+// Other processes write while the tests run, so what is available agrees to a share of the volume only.
+TEST(VolumeCapacity, OfTheRootFolderIsWhatStatvfsSays) {
+    struct statvfs facts = {};
+    ASSERT_EQ(statvfs("/", &facts), 0);
+    for (const auto& read : {readVolumeCapacity("/"), readFileSystemAttributes("/")}) {
+        ASSERT_TRUE(read) << read.error().message;
+        EXPECT_EQ(read->totalBytes, capacityFromStatvfs(facts).totalBytes);
+        EXPECT_NEAR(static_cast<double>(read->availableBytes.value()),
+                    static_cast<double>(capacityFromStatvfs(facts).availableBytes.value()),
+                    static_cast<double>(read->totalBytes.value()) * 0.05);
+        EXPECT_EQ(read->availableForImportantUsageBytes, std::nullopt);
+        EXPECT_NE(read->name, "");
+    }
+}
+
+TEST(VolumeCapacity, OfAMissingPathIsNotFound) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "");
+    for (const auto& path : {folder / "missing", folder / "missing/deeper", folder / "file/below", std::filesystem::path()})
+        for (const auto& read : {readVolumeCapacity(path), readFileSystemAttributes(path)}) {
+            ASSERT_FALSE(read) << path;
+            EXPECT_EQ(read.error().kind, ErrorKind::notFound) << path;
+            EXPECT_TRUE(read.error().message.starts_with(path.native())) << read.error().message;
+        }
+}
+
+TEST(VolumeCapacity, OfAFileIsThatOfTheVolumeThatHoldsIt) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "");
+    EXPECT_EQ(readVolumeCapacity(folder / "file")->totalBytes, readVolumeCapacity(folder.path())->totalBytes);
+}
+
+TEST(VolumeCapacity, AFileSystemWithoutALabelHasNoName) {
+    // Mounted for the child alone, and gone with it.
+    const TemporaryFolder folder;
+    const std::string answer = inChildProcess([&]() -> std::string {
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", folder.path().c_str(), "tmpfs", 0, "size=1m") != 0)
+            return "not mounted";
+        const auto read = readVolumeCapacity(folder.path());
+        return read->name.value_or("unnamed") + " " + std::to_string(read->totalBytes.value()) + " " +
+               std::to_string(read->availableBytes.value());
+    });
+    if (answer == "not mounted")
+        GTEST_SKIP() << "may not mount a file system";
+    EXPECT_EQ(answer, "unnamed 1048576 1048576");
+}
+
+TEST(VolumeCapacity, TheLabelOfAFileSystemIsItsName) {
+    const TemporaryFolder folder;
+    const auto image = (folder / "image").native();
+    const auto point = folder / "point";
+    std::filesystem::create_directory(point);
+    const std::string answer = inChildProcess([&]() -> std::string {
+        // The mount tool sets the loop device up so that it goes with the mount, which goes with the child.
+        const std::string commands = "PATH=$PATH:/usr/sbin:/sbin; exec >/dev/null 2>&1; truncate -s 4M " + image +
+                                     " && mkfs.ext4 -q -F -L 'My Disk' " + image + " && mount -o loop,ro " + image + " " +
+                                     point.native();
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            std::system(commands.c_str()) != 0)
+            return "not mounted";
+        return readVolumeCapacity(point)->name.value_or("unnamed");
+    });
+    if (answer == "not mounted")
+        GTEST_SKIP() << "may not mount a file system";
+    EXPECT_EQ(answer, "My Disk");
+}
+
+} // namespace vantry
