@@ -2,9 +2,10 @@
 
 #include "shell/qt/QtConversions.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -12,6 +13,7 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <algorithm>
 
 namespace vantry {
@@ -71,12 +73,10 @@ void renderLabel(QLabel& label, const LabelContent& content, Appearance appearan
 } // namespace
 
 PopoverWindow::PopoverWindow(const QtAppearance& appearance)
-    : QWidget(nullptr, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       appearance_(appearance) {
     setWindowTitle(QStringLiteral("Ombrel"));
     setAccessibleName(QStringLiteral("Ombrel"));
-    // The click that closes the popover is not to open it again when it was on the item.
-    setAttribute(Qt::WA_NoMouseReplay);
     build();
     connectControls();
     connect(&appearance_, &QtAppearance::changed, this, [this] { render(content_); });
@@ -122,6 +122,7 @@ void PopoverWindow::build() {
         *popUp = new QComboBox(this);
         (*popUp)->setFont(qFont(bodyFont, *this));
         (*popUp)->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        (*popUp)->view()->window()->installEventFilter(this);
     }
     stack->addWidget(makeChoiceRow(barStyleLabel_ = makeLabel(bodyFont), barStylePopUp_));
     stack->addWidget(makeChoiceRow(segmentSizingLabel_ = makeLabel(bodyFont), segmentSizingPopUp_));
@@ -269,9 +270,49 @@ void PopoverWindow::openAt(const QRect& item) {
     const int y = below + size.height() <= area.bottom() + 1 ? below : above;
     move(x, std::clamp(y, area.top(), std::max(area.top(), area.bottom() + 1 - size.height())));
     show();
+    raise();
     activateWindow();
-    barView_->setFocusPolicy(Qt::NoFocus);
     cleanupButton_->setFocus(Qt::PopupFocusReason);
+    catchClicksOutside();
+}
+
+// The pointer's events all come here while the popover is shown; those inside reach its controls as ever.
+void PopoverWindow::catchClicksOutside() {
+    if (isVisible())
+        windowHandle()->setMouseGrabEnabled(true);
+}
+
+void PopoverWindow::closeByItself() {
+    closedByItself_.start();
+    close();
+}
+
+bool PopoverWindow::closedByItselfJustNow() const {
+    constexpr int longestClickMilliseconds = 250;
+    return closedByItself_.isValid() && closedByItself_.elapsed() < longestClickMilliseconds;
+}
+
+bool PopoverWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate && isVisible() && !QApplication::activePopupWidget())
+        closeByItself();
+    return QWidget::event(event);
+}
+
+bool PopoverWindow::eventFilter(QObject* watched, QEvent* event) {
+    // An open list takes the pointer, and gives it back to nobody.
+    if (event->type() == QEvent::Hide)
+        QMetaObject::invokeMethod(this, &PopoverWindow::catchClicksOutside, Qt::QueuedConnection);
+    return QWidget::eventFilter(watched, event);
+}
+
+void PopoverWindow::hideEvent(QHideEvent* event) {
+    windowHandle()->setMouseGrabEnabled(false);
+    QWidget::hideEvent(event);
+}
+
+void PopoverWindow::mousePressEvent(QMouseEvent* event) {
+    if (!rect().contains(event->position().toPoint()))
+        closeByItself();
 }
 
 void PopoverWindow::paintEvent(QPaintEvent* /*event*/) {

@@ -4,6 +4,7 @@
 #include "shell/qt/BarWidget.h"
 #include "shell/qt/QtAppearance.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 #include <memory>
 
@@ -14,7 +15,9 @@ class QPushButton;
 
 namespace vantry {
 
-/// The storage popover: closes on a click outside and on Escape. Shows `PopoverContent` and reports to its controller.
+/// The storage popover: a window of its own kind, not a Qt popup, which screen readers would not find. It closes on a
+/// click outside, on Escape and when another window becomes active. Shows `PopoverContent` and reports to its
+/// controller.
 class PopoverWindow : public QWidget {
     Q_OBJECT
 
@@ -25,10 +28,16 @@ public:
     void render(const PopoverContent& content);
     /// Shows the popover below `item` (above it where there is no room), inside its screen, and gives it the keyboard.
     void openAt(const QRect& item);
+    /// Whether it closed by itself a moment ago: then a click on the item was that click outside, and is spent.
+    [[nodiscard]] bool closedByItselfJustNow() const;
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     using SwatchWidget = ViewWidget<SolidSwatchView>;
@@ -39,6 +48,8 @@ private:
     };
 
     void build();
+    void catchClicksOutside();
+    void closeByItself();
     void connectControls();
     void applyColors();
     QLabel* makeLabel(const Font& font, bool wraps = false);
@@ -57,6 +68,7 @@ private:
     const QtAppearance& appearance_;
     std::weak_ptr<StoragePopoverViewController> controller_;
     PopoverContent content_;
+    QElapsedTimer closedByItself_; ///< valid once that has happened
 
     QLabel* titleLabel_ = nullptr;
     QLabel* summaryLabel_ = nullptr;

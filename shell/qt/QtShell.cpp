@@ -82,6 +82,8 @@ void QtShell::renderTrayMenu() {
 }
 
 void QtShell::pressed(MouseEvent event) {
+    if (event == MouseEvent::leftMouseUp && popover_->closedByItselfJustNow())
+        return;
     if (const auto target = delegate_.lock())
         target->statusItemPressed(event);
 }
