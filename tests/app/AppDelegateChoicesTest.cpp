@@ -42,9 +42,9 @@ TEST_F(AppDelegateChoices, ThePercentageIsStoredAndMakesTheItemWider) {
         for (const bool persist : {true, false}) {
             log.clear();
             delegate->updatePercentageDisplay(enabled, persist);
-            EXPECT_THAT(log.calls(), ElementsAre(std::string("preferences.write showUsedPercentage ") +
-                                                     (enabled ? "true" : "false"),
-                                                 "shell.showStatusItem", "shell.renderPopover"));
+            EXPECT_THAT(log.calls(),
+                        ElementsAre(std::string("preferences.write showUsedPercentage ") + (enabled ? "true" : "false"),
+                                    "shell.showStatusItem", "shell.renderPopover"));
             EXPECT_EQ(world.preferences->values, (Stored{{"showUsedPercentage", enabled}}));
             EXPECT_EQ(shell.statusItem().length, enabled ? 94 : 60);
             EXPECT_EQ(shell.statusItem().view.showsPercentageLabel, enabled);
@@ -88,8 +88,9 @@ TEST_F(AppDelegateChoices, LaunchAtLoginFollowsTheFile) {
         delegate->setLaunchAtLogin(enabled);
         EXPECT_EQ(log.count(enabled ? "loginItem.setEnabled true" : "loginItem.setEnabled false"), 1);
         EXPECT_EQ(world.agentFileExists, enabled);
-        EXPECT_EQ(shell.popover().launchAtLoginButton,
-                  (CheckBoxContent{"Launch at Login", "Starts Ombrel silently in the menu bar when you log in.", enabled}));
+        EXPECT_EQ(
+            shell.popover().launchAtLoginButton,
+            (CheckBoxContent{"Launch at Login", "Starts Ombrel silently in the menu bar when you log in.", enabled}));
         EXPECT_EQ(shell.popover().errorLabel, (LabelContent{"", SystemColor::red, true}));
     }
 }
@@ -106,8 +107,9 @@ TEST_F(AppDelegateChoices, AFailureToChangeLoginItemsIsSaidAndTheCheckBoxReadAga
         world.loginItemError = Error{ErrorKind::permissionDenied, "LaunchAgents: Permission denied"};
         delegate->setLaunchAtLogin(wanted);
         EXPECT_EQ(shell.popover().launchAtLoginButton.checked, exists);
-        EXPECT_EQ(shell.popover().errorLabel,
-                  (LabelContent{"Could not change Login Items: LaunchAgents: Permission denied", SystemColor::red, false}));
+        EXPECT_EQ(
+            shell.popover().errorLabel,
+            (LabelContent{"Could not change Login Items: LaunchAgents: Permission denied", SystemColor::red, false}));
         EXPECT_THAT(log.only({"loginItem.setEnabled", "loginItem.isEnabled", "shell."}),
                     ElementsAre(wanted ? "loginItem.setEnabled true" : "loginItem.setEnabled false",
                                 "loginItem.isEnabled", "shell.showStatusItem", "shell.renderPopover"));
@@ -144,7 +146,9 @@ TEST_F(AppDelegateChoices, EveryControlOfThePopoverReachesItsOperation) {
         {"refresh",
          [](auto& controls) { controls.refreshPressed(); },
          {"volume.read", "wallpaper.find Built-in", "wallpaper.palette /pictures/lake.heic 7"}},
-        {"settings", [](auto& controls) { controls.settingsPressed(); }, {"shell.closePopover", "settings.open"}},
+        {"settings",
+         [](auto& controls) { controls.settingsPressed(); },
+         {"shell.closePopover", "workspace.openURL x-apple.systempreferences:com.apple.settings.Storage"}},
         {"cleanup",
          [](auto& controls) { controls.cleanupPressed(); },
          {"shell.closePopover", "cleanupWindow.make", "cleanupWindow.showAndScan"}},
@@ -165,7 +169,7 @@ TEST_F(AppDelegateChoices, EveryControlOfThePopoverReachesItsOperation) {
         launchAndSettle();
         act(delegate->popoverController());
         world.settle();
-        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "settings.", "cleanupWindow.",
+        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanupWindow.",
                               "loginItem.setEnabled", "preferences.write", "shell.closePopover", "shell.openPopover",
                               "shell.popUpContextMenu", "shell.terminate"}),
                     ElementsAreArray(asked));

@@ -9,9 +9,6 @@ using testing::IsEmpty;
 
 using AppDelegateClicks = AppDelegateFixture;
 
-constexpr std::initializer_list<std::string_view> visible{"shell.openPopover", "shell.closePopover",
-                                                          "shell.popUpContextMenu"};
-
 TEST_F(AppDelegateClicks, GoWhereTheButtonOfTheMouseSays) {
     struct Case {
         std::string name;
@@ -33,7 +30,7 @@ TEST_F(AppDelegateClicks, GoWhereTheButtonOfTheMouseSays) {
         shell.popoverShown = popoverShown;
         log.clear();
         delegate->statusItemPressed(event);
-        EXPECT_THAT(log.only(visible), ElementsAre(call));
+        EXPECT_THAT(log.only({"shell.openPopover", "shell.closePopover", "shell.popUpContextMenu"}), ElementsAre(call));
     }
 }
 

@@ -14,8 +14,9 @@ namespace vantry {
 class AppDelegateFixture : public testing::Test {
 protected:
     /// Launches and leaves everything that was asked of the queues waiting.
-    void launch() {
-        delegate = std::make_shared<AppDelegate>(shell, world.appServices());
+    void launch() { launchWith(world.appServices()); }
+    void launchWith(AppServices services) {
+        delegate = std::make_shared<AppDelegate>(shell, std::move(services));
         delegate->applicationDidFinishLaunching();
     }
 

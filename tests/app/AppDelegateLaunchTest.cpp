@@ -1,5 +1,8 @@
+#include "app/LaunchAtLoginController.h"
 #include "rendering/WallpaperThemeReader.h"
 #include "tests/app/AppDelegateFixture.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace vantry {
 
@@ -15,9 +18,9 @@ TEST_F(AppDelegateLaunch, TakesItsStepsInOrder) {
     world.agentFileExists = true;
     world.arguments = {"--show-cleanup"};
     launch();
-    EXPECT_THAT(log.only({"shell.becomeAccessory", "loginItem.setEnabled", "backgroundQueue.", "mainQueue.",
+    EXPECT_THAT(log.only({"shell.becomeAccessory", "loginItem.refreshIfEnabled", "backgroundQueue.", "mainQueue.",
                           "workspace.observeWake"}),
-                ElementsAre("shell.becomeAccessory", "loginItem.setEnabled true", "backgroundQueue.submit utility",
+                ElementsAre("shell.becomeAccessory", "loginItem.refreshIfEnabled", "backgroundQueue.submit utility",
                             "backgroundQueue.submit utility", "mainQueue.post", "mainQueue.repeatEvery 60000 ms",
                             "workspace.observeWake"));
 }
@@ -43,15 +46,24 @@ TEST_F(AppDelegateLaunch, DoesNothingSlowByItself) {
 }
 
 TEST_F(AppDelegateLaunch, RewritesTheLaunchAgentOnlyWhenThereIsOne) {
-    for (const bool exists : {false, true}) {
-        SCOPED_TRACE(exists);
-        world.agentFileExists = exists;
-        log.clear();
-        launch();
-        EXPECT_EQ(log.count("loginItem.setEnabled true"), exists ? 1 : 0);
-        EXPECT_EQ(log.count("loginItem.setEnabled"), exists ? 1 : 0);
-        EXPECT_EQ(world.agentFileExists, exists);
-    }
+    const TemporaryFolder home;
+    const ScopedEnvironment configuration("XDG_CONFIG_HOME", (home / "configuration").c_str());
+    const LaunchAtLoginController::Environment environment{.home = home.path(),
+                                                           .runningApplication = "/opt/ombrel/bin/ombrel",
+                                                           .installedApplication = home / "no such bundle"};
+    const auto agent = LaunchAtLoginController::launchAgentURL(environment);
+    AppServices services = world.appServices();
+    services.loginItem.refreshIfEnabled = [environment] {
+        return LaunchAtLoginController::refreshIfEnabled(environment);
+    };
+    launchWith(services);
+    EXPECT_TRUE(std::filesystem::is_empty(home.path()));
+
+    std::filesystem::create_directories(agent.parent_path());
+    writeFile(agent, "of an application that has moved");
+    launchWith(services);
+    EXPECT_THAT(readFile(agent), testing::HasSubstr("<string>/opt/ombrel/bin/ombrel</string>"));
+    EXPECT_EQ(log.count("loginItem.setEnabled"), 0);
 }
 
 TEST_F(AppDelegateLaunch, IgnoresThatTheLaunchAgentCannotBeRewritten) {
@@ -81,8 +93,7 @@ TEST_F(AppDelegateLaunch, ShowsTheItemOfAFreshUser) {
 }
 
 TEST_F(AppDelegateLaunch, TakesTheItemFromTheStore) {
-    world.preferences->values = {
-        {"showUsedPercentage", true}, {"barStyle", "vividTheme"}, {"segmentSizing", "equal"}};
+    world.preferences->values = {{"showUsedPercentage", true}, {"barStyle", "vividTheme"}, {"segmentSizing", "equal"}};
     launch();
     EXPECT_EQ(shell.statusItem().length, 94);
     EXPECT_TRUE(shell.statusItem().view.showsPercentageLabel);
@@ -156,7 +167,7 @@ TEST_F(AppDelegateLaunch, ShowsTheCleanupWindowOnlyAfterTheLaunchIsOver) {
 
 TEST_F(AppDelegateLaunch, TakesNoOtherSpellingOfShowCleanup) {
     const std::vector<std::vector<std::string>> cases{
-        {},        {"--Show-Cleanup"},   {"-show-cleanup"},    {"show-cleanup"},      {"--show-cleanup "},
+        {},         {"--Show-Cleanup"},   {"-show-cleanup"},  {"show-cleanup"},       {"--show-cleanup "},
         {"--show"}, {"--show-cleanup=1"}, {"--show_cleanup"}, {"--show", "-cleanup"}, {"--show-cleanups"}};
     for (const auto& arguments : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
@@ -175,6 +186,15 @@ TEST_F(AppDelegateLaunch, MakesTheCleanupWindowOnce) {
     delegate->showCleanupWindow();
     EXPECT_THAT(log.only({"cleanupWindow."}),
                 ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan", "cleanupWindow.showAndScan"));
+}
+
+TEST_F(AppDelegateLaunch, LivesWithoutACleanupWindowAndAsksForItAgain) {
+    world.hasCleanupWindow = false;
+    launchAndSettle();
+    delegate->showCleanupWindow();
+    world.hasCleanupWindow = true;
+    delegate->showCleanupWindow();
+    EXPECT_THAT(log.calls(), ElementsAre("cleanupWindow.make", "cleanupWindow.make", "cleanupWindow.showAndScan"));
 }
 
 TEST_F(AppDelegateLaunch, ReadsAndSamplesOnEveryTickOfTheTimer) {

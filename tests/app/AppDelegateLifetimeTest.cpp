@@ -6,8 +6,8 @@ namespace {
 
 using testing::IsEmpty;
 
-// Whatever is posted, scheduled, observed or submitted may be called after the application's controller is gone, and does
-// nothing then. None of it keeps the controller alive.
+// Whatever is posted, scheduled, observed or submitted may be called after the application's controller is gone, and
+// does nothing then. None of it keeps the controller alive.
 class AppDelegateLifetime : public AppDelegateFixture {
 protected:
     /// Destroys the delegate, which nothing may hold, and forgets what was asked until then.

@@ -32,11 +32,16 @@ TEST_F(Preferences, AStyleIsReadByItsRawValueAlone) {
     };
     using enum BarStyle;
     const std::vector<Case> cases{
-        {"storageGradient", storageGradient}, {"macOSSegments", macOSSegments},
-        {"vividTheme", vividTheme},           {"currentTheme", currentTheme},
-        {"vivid theme", storageGradient},     {"Vivid Theme", storageGradient},
-        {"VividTheme", storageGradient},      {"vividTheme ", storageGradient},
-        {"", storageGradient},                {"2", storageGradient},
+        {"storageGradient", storageGradient},
+        {"macOSSegments", macOSSegments},
+        {"vividTheme", vividTheme},
+        {"currentTheme", currentTheme},
+        {"vivid theme", storageGradient},
+        {"Vivid Theme", storageGradient},
+        {"VividTheme", storageGradient},
+        {"vividTheme ", storageGradient},
+        {"", storageGradient},
+        {"2", storageGradient},
         {true, storageGradient},
     };
     for (const auto& [stored, style] : cases) {

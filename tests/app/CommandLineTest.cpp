@@ -36,9 +36,9 @@ TEST(CommandLine, TheFirstArgumentThatNamesAModeDecides) {
 }
 
 TEST(CommandLine, UnknownArgumentsAreIgnored) {
-    for (const char* argument : {"", "-h", "-help", "help", "--Help", "--HELP", "--help ", "--helps", "--version=1", "-v",
-                                 "--status=", "--status=JSON", "--status=xml", "--statusjson", "--", "--directory-metrics",
-                                 "--Show-Cleanup"})
+    for (const char* argument :
+         {"", "-h", "-help", "help", "--Help", "--HELP", "--help ", "--helps", "--version=1", "-v",
+          "--status=", "--status=JSON", "--status=xml", "--statusjson", "--", "--directory-metrics", "--Show-Cleanup"})
         EXPECT_EQ(launchMode(Arguments{argument}), LaunchMode::userInterface) << argument;
 }
 
@@ -57,8 +57,8 @@ protected:
     int run(const Arguments& arguments) {
         const EntrySteps steps{.runFilesystemWorkerIfRequested =
                                    [this](std::span<const std::string> given) {
-                                       taken.push_back("worker? " + testing::PrintToString(Arguments(
-                                                                        given.begin(), given.end())));
+                                       taken.push_back("worker? " +
+                                                       testing::PrintToString(Arguments(given.begin(), given.end())));
                                        return isWorker;
                                    },
                                .runInTerminal =

@@ -147,7 +147,7 @@ TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
     };
     const std::vector<Case> cases{
         {{"Refresh"}, {"volume.read", "wallpaper.find Built-in", "wallpaper.palette /pictures/lake.heic 7"}},
-        {{"Open Storage Settings…"}, {"settings.open"}},
+        {{"Open Storage Settings…"}, {"workspace.openURL x-apple.systempreferences:com.apple.settings.Storage"}},
         {{"Free Up Space…"}, {"cleanupWindow.make", "cleanupWindow.showAndScan"}},
         {{"Show % Used"}, {"preferences.write showUsedPercentage true"}},
         {{"Bar Style"}, {}},
@@ -171,7 +171,7 @@ TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
         launchAndSettle();
         choose(path);
         world.settle();
-        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "settings.", "cleanupWindow.",
+        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanupWindow.",
                               "loginItem.setEnabled", "preferences.write", "shell.closePopover", "shell.openPopover",
                               "shell.terminate"}),
                     testing::ElementsAreArray(asked));
@@ -236,13 +236,13 @@ TEST_F(ContextMenuCommands, ThePercentageInvertsWhatIsStoredAtThatMoment) {
 }
 
 TEST_F(ContextMenuCommands, UnknownRepresentedObjectsDoNothing) {
-    const std::vector<std::string> noStyles{"",      "Rainbow",          "rainbow",      "StorageGradient",
+    const std::vector<std::string> noStyles{"",      "Rainbow",          "rainbow",     "StorageGradient",
                                             "equal", "storageGradient ", "vivid Theme", "0"};
-    const std::vector<std::string> noSizings{"",           "Equal",         "EQUAL", "Equal Colors",
-                                             "vividTheme", "verified snapshot", "equal ", "1"};
+    const std::vector<std::string> noSizings{
+        "", "Equal", "EQUAL", "Equal Colors", "vividTheme", "verified snapshot", "equal ", "1"};
     launchAndSettle();
-    for (const auto& [command, texts] : {std::pair{MenuCommand::barStyle, noStyles},
-                                         std::pair{MenuCommand::segmentSizing, noSizings}})
+    for (const auto& [command, texts] :
+         {std::pair{MenuCommand::barStyle, noStyles}, std::pair{MenuCommand::segmentSizing, noSizings}})
         for (const auto& text : texts)
             delegate->performMenuItem({.command = command, .representedObject = text});
     EXPECT_THAT(log.calls(), IsEmpty());

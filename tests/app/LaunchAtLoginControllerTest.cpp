@@ -51,28 +51,27 @@ TEST_F(LaunchAtLogin, EnablingMakesTheFolderAndWritesExactlyFiveKeys) {
     EXPECT_FALSE(Controller::isEnabled(environment()));
     enableOrFail();
     EXPECT_TRUE(Controller::isEnabled(environment()));
-    EXPECT_EQ(readFile(agent()),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-              "<plist version=\"1.0\">\n"
-              "<dict>\n"
-              "\t<key>Label</key>\n"
-              "\t<string>app.ombrel.Ombrel</string>\n"
-              "\t<key>ProgramArguments</key>\n"
-              "\t<array>\n"
-              "\t\t<string>/usr/bin/open</string>\n"
-              "\t\t<string>-g</string>\n"
-              "\t\t<string>/opt/ombrel/ombrel</string>\n"
-              "\t</array>\n"
-              "\t<key>RunAtLoad</key>\n"
-              "\t<true/>\n"
-              "\t<key>LimitLoadToSessionType</key>\n"
-              "\t<string>Aqua</string>\n"
-              "\t<key>ProcessType</key>\n"
-              "\t<string>Interactive</string>\n"
-              "</dict>\n"
-              "</plist>\n");
+    EXPECT_EQ(readFile(agent()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                 "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                                 "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                                 "<plist version=\"1.0\">\n"
+                                 "<dict>\n"
+                                 "\t<key>Label</key>\n"
+                                 "\t<string>app.ombrel.Ombrel</string>\n"
+                                 "\t<key>ProgramArguments</key>\n"
+                                 "\t<array>\n"
+                                 "\t\t<string>/usr/bin/open</string>\n"
+                                 "\t\t<string>-g</string>\n"
+                                 "\t\t<string>/opt/ombrel/ombrel</string>\n"
+                                 "\t</array>\n"
+                                 "\t<key>RunAtLoad</key>\n"
+                                 "\t<true/>\n"
+                                 "\t<key>LimitLoadToSessionType</key>\n"
+                                 "\t<string>Aqua</string>\n"
+                                 "\t<key>ProcessType</key>\n"
+                                 "\t<string>Interactive</string>\n"
+                                 "</dict>\n"
+                                 "</plist>\n");
 }
 
 TEST_F(LaunchAtLogin, TheAgentFileIsReadableByAllWhateverTheUmask) {

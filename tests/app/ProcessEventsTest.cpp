@@ -1,8 +1,8 @@
 #include "app/ProcessEvents.h"
 #include "app/TerminationSignals.h"
 #include "tests/app/AppDelegateFixture.h"
-#include "tests/app/PrivateFolder.h"
 #include "tests/app/RestoredSignals.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <array>
 #include <csignal>
@@ -28,7 +28,7 @@ protected:
 
     void ask(InstanceRequest request) { ASSERT_TRUE(SingleInstance::ask(folder.path(), name, request)); }
 
-    PrivateFolder folder;
+    TemporaryFolder folder;
     std::unique_ptr<ProcessEvents> events;
 };
 
@@ -144,7 +144,8 @@ TEST_F(Termination, IsNotWatchedAnyMoreWhenTheEventsEnd) {
     ASSERT_EQ(pipe(ends.data()), 0);
     const UniqueFd readEnd(ends[0]);
     const UniqueFd writeEnd(ends[1]);
-    std::make_unique<ProcessEvents>(*world.mainQueue, shell, std::weak_ptr<AppDelegate>(), nullptr, readEnd.get()).reset();
+    std::make_unique<ProcessEvents>(*world.mainQueue, shell, std::weak_ptr<AppDelegate>(), nullptr, readEnd.get())
+        .reset();
     ASSERT_EQ(write(writeEnd.get(), "", 1), 1);
     EXPECT_EQ(world.mainQueue->fireReadable(), 0);
     EXPECT_EQ(log.count("shell.terminate"), 0);

@@ -1,9 +1,8 @@
 #include "app/SingleInstance.h"
-#include "tests/app/PrivateFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <chrono>
 #include <cstring>
-#include <fstream>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,7 +42,7 @@ protected:
                   static_cast<ssize_t>(bytes.size()));
     }
 
-    PrivateFolder folder;
+    TemporaryFolder folder;
 
 private:
     [[nodiscard]] sockaddr_un addressOfSocket() const {
@@ -142,9 +141,10 @@ TEST_F(TheOneInstance, KeepsItsFilesFromOthers) {
 
 TEST_F(TheOneInstance, DoesNotFollowALinkInThePlaceOfItsLock) {
     const auto target = folder.path() / "somebody's file";
-    std::ofstream(target) << "untouched";
+    writeFile(target, "untouched");
     std::filesystem::create_symlink(target, folder.path() / (std::string(name) + ".lock"));
     EXPECT_FALSE(claim());
+    EXPECT_EQ(readFile(target), "untouched");
 }
 
 TEST_F(TheOneInstance, IsAnErrorWhereItCannotBeTold) {
@@ -155,7 +155,7 @@ TEST_F(TheOneInstance, IsAnErrorWhereItCannotBeTold) {
         ErrorKind kind;
     };
     const auto file = folder.path() / "file";
-    std::ofstream(file) << "no folder";
+    writeFile(file, "no folder");
     const std::vector<Case> cases{
         {"the folder is missing", folder.path() / "missing", name, ErrorKind::notFound},
         {"the folder is a file", file, name, ErrorKind::notFound},
@@ -181,7 +181,7 @@ TEST_F(TheOneInstance, FreesItsLockWhenItCouldNotBecomeOne) {
 
 TEST_F(TheOneInstance, IsNotAskedWhereItsAddressCannotBe) {
     const auto file = folder.path() / "file";
-    std::ofstream(file) << "no folder";
+    writeFile(file, "no folder");
     const auto start = std::chrono::steady_clock::now();
     const auto tooLong = SingleInstance::ask(folder.path(), std::string(110, 'n'), InstanceRequest::showPopover);
     const auto inAFile = SingleInstance::ask(file, name, InstanceRequest::showPopover);
@@ -213,8 +213,8 @@ TEST_F(TheOneInstance, AskingNobodyFailsAfterTwoSeconds) {
 
 TEST(InstanceName, TellsHomesAndSessionsApart) {
     const std::vector<std::string> names{
-        instanceName("/home/ada", ":0"), instanceName("/home/ada", ":1"),  instanceName("/home/ada", ""),
-        instanceName("/home/bob", ":0"), instanceName("/home", "ada:0"),   instanceName("/home/ada:", "0"),
+        instanceName("/home/ada", ":0"), instanceName("/home/ada", ":1"), instanceName("/home/ada", ""),
+        instanceName("/home/bob", ":0"), instanceName("/home", "ada:0"),  instanceName("/home/ada:", "0"),
         instanceName("/home/ada/x", ""), instanceName("/home/ad", "a:0"), instanceName("", ""),
     };
     for (std::size_t i = 0; i < names.size(); ++i)

@@ -41,11 +41,12 @@ TEST(StatusText, KeepsTheNameAsItIs) {
 }
 
 TEST(StatusJson, IsOneLineWithTheseFieldsInThisOrder) {
-    EXPECT_EQ(statusJson(snapshot),
-              R"({"volumeName":"Data","totalBytes":500000000000,"usedBytes":300000000000,"availableBytes":200000000000,)"
-              R"("totalText":"500 GB","usedText":"300 GB","availableText":"200 GB","usedFraction":0.6,)"
-              R"("updatedAt":"2023-11-14T22:13:20Z"})"
-              "\n");
+    EXPECT_EQ(
+        statusJson(snapshot),
+        R"({"volumeName":"Data","totalBytes":500000000000,"usedBytes":300000000000,"availableBytes":200000000000,)"
+        R"("totalText":"500 GB","usedText":"300 GB","availableText":"200 GB","usedFraction":0.6,)"
+        R"("updatedAt":"2023-11-14T22:13:20Z"})"
+        "\n");
 }
 
 TEST(StatusJson, GivesBytesExactly) {

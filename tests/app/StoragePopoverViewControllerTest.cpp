@@ -45,10 +45,11 @@ TEST(StoragePopover, BeginsWithTheseTexts) {
     EXPECT_EQ(content.usedValueLabel, (LabelContent{"\u2014", SystemColor::label, false}));
     EXPECT_EQ(content.availableTitleLabel, (LabelContent{"Available", SystemColor::label, false}));
     EXPECT_EQ(content.availableValueLabel, (LabelContent{"\u2014", SystemColor::label, false}));
-    EXPECT_EQ(content.detailLabel,
-              (LabelContent{"The color strip shows total used space with the macOS Storage palette. Open Storage Settings "
-                            "for Apple\u2019s category breakdown.",
-                            SystemColor::secondaryLabel, false}));
+    EXPECT_EQ(
+        content.detailLabel,
+        (LabelContent{"The color strip shows total used space with the macOS Storage palette. Open Storage Settings "
+                      "for Apple\u2019s category breakdown.",
+                      SystemColor::secondaryLabel, false}));
     EXPECT_EQ(content.errorLabel, (LabelContent{"", SystemColor::red, true}));
     EXPECT_EQ(content.updateLabel, (LabelContent{"", SystemColor::tertiaryLabel, false}));
     EXPECT_EQ(content.barStyleLabel, (LabelContent{"Bar Style", SystemColor::label, false}));
@@ -58,9 +59,10 @@ TEST(StoragePopover, BeginsWithTheseTexts) {
 TEST(StoragePopover, BeginsWithTheseControls) {
     const StoragePopoverViewController controller;
     const PopoverContent& content = controller.content();
-    EXPECT_EQ(content.cleanupButton,
-              (ButtonContent{"Free Up Space\u2026",
-                             "Find explainable cleanup suggestions and review everything before moving it to the Trash."}));
+    EXPECT_EQ(
+        content.cleanupButton,
+        (ButtonContent{"Free Up Space\u2026",
+                       "Find explainable cleanup suggestions and review everything before moving it to the Trash."}));
     EXPECT_EQ(content.launchAtLoginButton.title, "Launch at Login");
     EXPECT_FALSE(content.launchAtLoginButton.checked);
     EXPECT_EQ(content.showPercentageButton, (CheckBoxContent{"Show % Used in Menu Bar", "", false}));
@@ -215,10 +217,10 @@ TEST(StoragePopover, ExplainsStyleAndSizing) {
         "Keeps the fixed blue, purple, pink, red, and orange colors from the previous Current Theme.";
     const std::string wallpaper = "Samples the wallpaper actually rendering on the desktop and adds a soft inner glow.";
     const std::vector<Case> cases{
-        {storageGradient, equal, rainbow}, {storageGradient, verifiedSnapshot, rainbow},
+        {storageGradient, equal, rainbow},   {storageGradient, verifiedSnapshot, rainbow},
         {macOSSegments, equal, equalWidths}, {macOSSegments, verifiedSnapshot, verified},
-        {vividTheme, equal, vivid},        {vividTheme, verifiedSnapshot, vivid},
-        {currentTheme, equal, wallpaper},  {currentTheme, verifiedSnapshot, wallpaper},
+        {vividTheme, equal, vivid},          {vividTheme, verifiedSnapshot, vivid},
+        {currentTheme, equal, wallpaper},    {currentTheme, verifiedSnapshot, wallpaper},
     };
     for (const bool styleFirst : {true, false}) {
         StoragePopoverViewController controller;
@@ -286,6 +288,8 @@ TEST(StoragePopover, GivesThemeColorsToBarAndUsedSwatchOnly) {
     EXPECT_EQ(controller.content(), expected);
 }
 
+constexpr std::size_t outOfSight = std::numeric_limits<std::size_t>::max();
+
 struct ControlCase {
     std::string name;
     std::function<void(StoragePopoverViewController&)> act;
@@ -293,7 +297,6 @@ struct ControlCase {
 };
 
 std::vector<ControlCase> controlCases() {
-    constexpr auto largest = std::numeric_limits<std::size_t>::max();
     return {
         {"refresh", [](auto& controls) { controls.refreshPressed(); }, {"refresh"}},
         {"settings", [](auto& controls) { controls.settingsPressed(); }, {"settings"}},
@@ -308,12 +311,12 @@ std::vector<ControlCase> controlCases() {
         {"style 2", [](auto& controls) { controls.barStyleChanged(2); }, {"style vividTheme"}},
         {"style 3", [](auto& controls) { controls.barStyleChanged(3); }, {"style currentTheme"}},
         {"style 4", [](auto& controls) { controls.barStyleChanged(4); }, {}},
-        {"style far out", [](auto& controls) { controls.barStyleChanged(largest); }, {}},
+        {"style far out", [](auto& controls) { controls.barStyleChanged(outOfSight); }, {}},
         {"no style", [](auto& controls) { controls.barStyleChanged(std::nullopt); }, {}},
         {"sizing 0", [](auto& controls) { controls.segmentSizingChanged(0); }, {"sizing equal"}},
         {"sizing 1", [](auto& controls) { controls.segmentSizingChanged(1); }, {"sizing verifiedSnapshot"}},
         {"sizing 2", [](auto& controls) { controls.segmentSizingChanged(2); }, {}},
-        {"sizing far out", [](auto& controls) { controls.segmentSizingChanged(largest); }, {}},
+        {"sizing far out", [](auto& controls) { controls.segmentSizingChanged(outOfSight); }, {}},
         {"no sizing", [](auto& controls) { controls.segmentSizingChanged(std::nullopt); }, {}},
     };
 }

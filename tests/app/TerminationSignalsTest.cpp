@@ -44,6 +44,7 @@ TEST_F(TerminationSignals, TheDescriptorIsNotInherited) {
 }
 
 TEST_F(TerminationSignals, TheSameOnceMoreEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a sanitizer may have started a thread
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         EXPECT_EXIT(
             {

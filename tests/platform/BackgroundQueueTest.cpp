@@ -67,8 +67,7 @@ TEST(BackgroundQueue, RunsSeveralBlocksAtOnce) {
             std::unique_lock lock(meeting->mutex);
             ++meeting->present;
             meeting->changed.notify_all();
-            promise->set_value(
-                meeting->changed.wait_for(lock, patience, [&] { return meeting->present == blocks; }));
+            promise->set_value(meeting->changed.wait_for(lock, patience, [&] { return meeting->present == blocks; }));
         });
     }
     for (auto& answer : met)

@@ -178,9 +178,8 @@ TEST_F(TextFormat, APercentageHasUpToOneFractionDigit) {
 }
 
 TEST_F(TextFormat, WhatIsNoNumberHasNoPercentage) {
-    for (const double fraction :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-          -std::numeric_limits<double>::infinity(), std::nan("")})
+    for (const double fraction : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                                  -std::numeric_limits<double>::infinity(), std::nan("")})
         EXPECT_EQ(percentText(fraction), std::nullopt);
 }
 
@@ -278,7 +277,8 @@ TEST_F(TextFormatOfLocale, WithADecimalPointAndAClockOfTwelveHours) {
         std::int64_t seconds;
         const char* text;
     } cases[] = {
-        {morning, "8:15 AM"}, {morning + 12 * 3600, "8:15 PM"}, {0, "12:00 AM"}, {12 * 3600, "12:00 PM"}, {-60, "11:59 PM"},
+        {morning, "8:15 AM"}, {morning + 12 * 3600, "8:15 PM"}, {0, "12:00 AM"}, {12 * 3600, "12:00 PM"},
+        {-60, "11:59 PM"},
     };
     for (const auto& [seconds, text] : cases)
         EXPECT_EQ(shortTimeText(at(seconds)), text) << seconds;

@@ -43,7 +43,8 @@ std::string modeText(const fs::path& folder) {
 
 std::string answerText(const Result<fs::path>& answer) {
     return answer ? answer->native()
-                  : (answer.error().kind == ErrorKind::permissionDenied ? "refused: " : "failed: ") + answer.error().message;
+                  : (answer.error().kind == ErrorKind::permissionDenied ? "refused: " : "failed: ") +
+                        answer.error().message;
 }
 
 /// Runs `block` as a user whom nobody else is, so that the folder that belongs to their number is the test's own.
@@ -151,7 +152,8 @@ TEST(UserRuntimeFolder, IsMadeInTheTemporaryFolderWithoutOneOfTheSession) {
             prepare(folder.path());
             const std::string given = answerText(userRuntimeFolder());
             const std::string again = answerText(userRuntimeFolder());
-            return given == fallbackFolder(user).native() && again == given ? "made " + modeText(given) : given + " " + again;
+            return given == fallbackFolder(user).native() && again == given ? "made " + modeText(given)
+                                                                            : given + " " + again;
         });
         if (answer == noSuchUser)
             GTEST_SKIP() << answer;

@@ -33,14 +33,14 @@ TEST(CapacityFromStatvfs, MultipliesBlocksWithTheFragmentSizeAndHoldsWhatOverflo
         std::int64_t availableBytes;
     } cases[] = {
         {4096, 4096, 1000, 250, 4'096'000, 1'024'000},
-        {512, 65536, 1000, 250, 512'000, 128'000},     // the counts are in fragments
-        {0, 1024, 1000, 250, 1'024'000, 256'000},      // a file system that leaves the fragment size out
-        {0, 0, 1000, 250, 0, 0},                       // or both
-        {4096, 4096, 0, 0, 0, 0},                      // a virtual file system without blocks
-        {4096, 4096, 10, 20, 40'960, 81'920},          // nothing is judged here
+        {512, 65536, 1000, 250, 512'000, 128'000}, // the counts are in fragments
+        {0, 1024, 1000, 250, 1'024'000, 256'000},  // a file system that leaves the fragment size out
+        {0, 0, 1000, 250, 0, 0},                   // or both
+        {4096, 4096, 0, 0, 0, 0},                  // a virtual file system without blocks
+        {4096, 4096, 10, 20, 40'960, 81'920},      // nothing is judged here
         {1, 1, one << 62, 1, std::int64_t{1} << 62, 1},
-        {1, 1, largest, largest, largest, largest},    // the largest that fits
-        {1, 1, one << 63, 1, largest, 1},              // too large for a signed number
+        {1, 1, largest, largest, largest, largest}, // the largest that fits
+        {1, 1, one << 63, 1, largest, 1},           // too large for a signed number
         {1, 1, largestCount, largestCount, largest, largest},
         {2, 2, one << 62, 5, largest, 10},
         {4096, 4096, one << 52, one << 51, largest, largest}, // 2^64: its low 64 bits are all zero
@@ -113,7 +113,8 @@ TEST(VolumeCapacity, OfTheRootFolderIsWhatStatvfsSays) {
 TEST(VolumeCapacity, OfAMissingPathIsNotFound) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
-    for (const auto& path : {folder / "missing", folder / "missing/deeper", folder / "file/below", std::filesystem::path()})
+    for (const auto& path :
+         {folder / "missing", folder / "missing/deeper", folder / "file/below", std::filesystem::path()})
         for (const auto& read : {readVolumeCapacity(path), readFileSystemAttributes(path)}) {
             ASSERT_FALSE(read) << path;
             EXPECT_EQ(read.error().kind, ErrorKind::notFound) << path;
@@ -151,8 +152,8 @@ TEST(VolumeCapacity, TheLabelOfAFileSystemIsItsName) {
     const std::string answer = inChildProcess([&]() -> std::string {
         // The mount tool sets the loop device up so that it goes with the mount, which goes with the child.
         const std::string commands = "PATH=$PATH:/usr/sbin:/sbin; exec >/dev/null 2>&1; truncate -s 4M " + image +
-                                     " && mkfs.ext4 -q -F -L 'My Disk' " + image + " && mount -o loop,ro " + image + " " +
-                                     point.native();
+                                     " && mkfs.ext4 -q -F -L 'My Disk' " + image + " && mount -o loop,ro " + image +
+                                     " " + point.native();
         if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
             std::system(commands.c_str()) != 0)
             return "not mounted";

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <chrono>
+
+namespace vantry {
+
+/// The moment at which work has to stop. Steady: a clock that is set moves no deadline.
+using Deadline = std::chrono::steady_clock::time_point;
+
+[[nodiscard]] inline Deadline deadlineIn(std::chrono::nanoseconds duration) {
+    return std::chrono::steady_clock::now() + duration;
+}
+
+[[nodiscard]] inline bool hasPassed(Deadline deadline) { return std::chrono::steady_clock::now() >= deadline; }
+
+} // namespace vantry

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "base/Deadline.h"
+#include "base/Time.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace vantry {
+
+/// How much a folder holds. Sizes are allocated bytes. What is not `complete` is a lower bound, 0 when nothing is
+/// known.
+struct DirectoryMetrics {
+    std::int64_t size = 0;
+    std::optional<SystemTime> newestModificationDate; ///< of a regular file in it
+    bool complete = false;
+
+    bool operator==(const DirectoryMetrics&) const = default;
+};
+
+namespace CleanupScanner {
+
+/// Measures `folder` in this process: regular files only, links neither followed nor counted, what cannot be read
+/// passed over. A regular file is measured by itself. Stops at the earlier of `deadline` and half a second from now;
+/// the answer is then not complete, and neither is it for a link, for what cannot be opened or for a sum that would
+/// overflow. Blocking, as long as a file system does not answer; any thread.
+[[nodiscard]] DirectoryMetrics directoryMetricsInProcess(const std::filesystem::path& folder, Deadline deadline);
+
+} // namespace CleanupScanner
+
+} // namespace vantry

@@ -1,0 +1,202 @@
+#include "cleanup/scan/WorkerHost.h"
+
+#include "base/AtomicFile.h"
+#include "cleanup/scan/FilesystemWorker.h"
+#include "cleanup/scan/WorkerPayload.h"
+#include "platform/UserSession.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <poll.h>
+#include <random>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+constexpr std::chrono::milliseconds longestJob{500};
+constexpr std::chrono::milliseconds measuringGrace{200};
+constexpr std::chrono::milliseconds stopPatience{120}; // after SIGTERM, and again after SIGKILL
+constexpr std::size_t largestOutput = 64 << 20;
+
+enum class ReadResult { more, end, tooMuch };
+
+// Takes what the pipe holds right now.
+ReadResult drain(int pipe, std::string& output) {
+    std::array<char, 65536> buffer{};
+    for (;;) {
+        const ssize_t length = read(pipe, buffer.data(), buffer.size());
+        if (length < 0 && errno == EINTR)
+            continue;
+        if (length < 0)
+            return errno == EAGAIN ? ReadResult::more : ReadResult::end;
+        if (length == 0)
+            return ReadResult::end;
+        if (output.size() + static_cast<std::size_t>(length) > largestOutput)
+            return ReadResult::tooMuch;
+        output.append(buffer.data(), static_cast<std::size_t>(length));
+    }
+}
+
+int millisecondsUntil(Deadline deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+}
+
+bool endsWithin(ChildProcess& worker, std::chrono::milliseconds patience) {
+    for (const auto deadline = deadlineIn(patience); !worker.exitStatus();) {
+        pollfd ended{worker.exitDescriptor(), POLLIN, 0};
+        if (poll(&ended, 1, millisecondsUntil(deadline)) == 0)
+            return worker.exitStatus().has_value();
+    }
+    return true;
+}
+
+bool isFolder(const std::filesystem::path& path) {
+    struct stat facts = {};
+    return lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+}
+
+bool isRegularFile(const std::filesystem::path& path) {
+    struct stat facts = {};
+    return lstat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode);
+}
+
+/// A name for a worker's list; what stands there is removed at the end, whatever happened.
+class TemporaryList {
+public:
+    explicit TemporaryList(const std::filesystem::path& folder)
+        : path_(folder / ("ombrel-children-" + uuid() + ".json")) {}
+    TemporaryList(const TemporaryList&) = delete;
+    TemporaryList& operator=(const TemporaryList&) = delete;
+    ~TemporaryList() { unlink(path_.c_str()); }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+private:
+    static std::string uuid();
+
+    std::filesystem::path path_;
+};
+
+std::string TemporaryList::uuid() {
+    std::random_device device;
+    const auto word = [&] { return static_cast<std::uint32_t>(device()); };
+    return fmt::format("{:08X}-{:04X}-4{:03X}-{:04X}-{:04X}{:08X}", word(), word() & 0xffff, word() & 0xfff,
+                       0x8000 | (word() & 0x3fff), word() & 0xffff, word());
+}
+
+} // namespace
+
+Result<WorkerHost::Environment> WorkerHost::currentEnvironment() {
+    auto executable = ownExecutable();
+    if (!executable)
+        return std::unexpected(executable.error());
+    std::error_code failure;
+    auto folder = std::filesystem::temp_directory_path(failure);
+    if (failure)
+        return std::unexpected(errorFromErrno(failure.value(), "temporary folder"));
+    return Environment{std::move(*executable), std::move(folder)};
+}
+
+WorkerHost::WorkerHost(Environment environment) : environment_(std::move(environment)) {}
+
+WorkerHost::~WorkerHost() { reapAbandoned(); }
+
+DirectoryMetrics WorkerHost::directoryMetrics(const std::filesystem::path& folder, Deadline deadline) {
+    if (isRegularFile(folder))
+        return CleanupScanner::directoryMetricsInProcess(folder, deadline);
+    if (hasPassed(deadline))
+        return {};
+    const auto budget = std::min<std::chrono::nanoseconds>(deadline - std::chrono::steady_clock::now(), longestJob);
+    const auto finished = run({CleanupScanner::directoryMetricsFlag, folder.native(),
+                               fmt::format("{:.6f}", std::max(std::chrono::duration<double>(budget).count(), 1e-6))},
+                              ChildOutput::pipe, deadlineIn(budget + measuringGrace));
+    const auto payload =
+        finished && finished->exitStatus == 0 ? decodedDirectoryMetrics(finished->output) : std::nullopt;
+    if (!payload)
+        return {};
+    DirectoryMetrics metrics{.size = payload->size, .complete = payload->complete};
+    if (payload->newestModificationTime)
+        metrics.newestModificationDate = timeFromSecondsSince1970(*payload->newestModificationTime);
+    return metrics;
+}
+
+ShallowChildren WorkerHost::shallowChildren(const std::filesystem::path& folder, Deadline deadline) {
+    if (hasPassed(deadline) || !isFolder(folder))
+        return {};
+    const TemporaryList list(environment_.temporaryFolder);
+    const auto finished = run({CleanupScanner::shallowChildrenFlag, folder.native(), list.path().native()},
+                              ChildOutput::nullDevice, std::min(deadline, deadlineIn(longestJob)));
+    if (!finished || finished->exitStatus != 0)
+        return {};
+    const auto json = readSmallFile(list.path(), largestOutput);
+    const auto payload = json ? decodedShallowChildren(*json) : std::nullopt;
+    if (!payload)
+        return {};
+    ShallowChildren children{.complete = payload->complete};
+    for (const auto& name : payload->names)
+        children.urls.push_back(folder / name);
+    return children;
+}
+
+// Reads while the worker runs, since a pipe holds little, and waits for its end: one that closes its output and lives
+// on is not finished. Absent when it could not be started, wrote too much or was not seen to end in time.
+std::optional<WorkerHost::Finished> WorkerHost::run(const std::vector<std::string>& arguments, ChildOutput output,
+                                                    Deadline deadline) {
+    reapAbandoned();
+    auto worker = ChildProcess::start(environment_.executable, arguments, output);
+    if (!worker)
+        return std::nullopt;
+    Finished finished;
+    bool reading = output == ChildOutput::pipe;
+    for (;;) {
+        const auto status = worker->exitStatus();
+        if (reading)
+            switch (drain(worker->output(), finished.output)) {
+            case ReadResult::more: break;
+            case ReadResult::end: reading = false; break;
+            case ReadResult::tooMuch: stopWorker(std::move(*worker)); return std::nullopt;
+            }
+        if (status) {
+            // What it wrote was in the pipe before it ended; whoever else holds the other end is not waited for.
+            finished.exitStatus = *status;
+            return finished;
+        }
+        if (hasPassed(deadline)) {
+            stopWorker(std::move(*worker));
+            return std::nullopt;
+        }
+        std::array<pollfd, 2> events{{{worker->exitDescriptor(), POLLIN, 0}, {worker->output(), POLLIN, 0}}};
+        poll(events.data(), reading ? 2 : 1, millisecondsUntil(deadline));
+    }
+}
+
+void WorkerHost::stopWorker(ChildProcess worker) {
+    if (worker.exitStatus())
+        return;
+    worker.sendSignal(SIGTERM);
+    if (endsWithin(worker, stopPatience))
+        return;
+    worker.sendSignal(SIGKILL);
+    if (!endsWithin(worker, stopPatience))
+        abandoned_.push_back(std::move(worker));
+}
+
+void WorkerHost::reapAbandoned() {
+    std::erase_if(abandoned_, [](ChildProcess& worker) { return worker.exitStatus().has_value(); });
+}
+
+std::size_t WorkerHost::abandonedCount() {
+    reapAbandoned();
+    return abandoned_.size();
+}
+
+} // namespace vantry

@@ -1,0 +1,174 @@
+#include "cleanup/scan/WorkerPayload.h"
+
+#include "base/Base64.h"
+#include "base/Utf8.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <set>
+
+namespace vantry {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* sizeKey = "size";
+constexpr const char* newestKey = "newestModificationTime";
+constexpr const char* completeKey = "complete";
+constexpr const char* namesKey = "names";
+constexpr const char* encodedNamesKey = "encodedNames";
+
+bool canBeInAFolder(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
+// Reads one object without making a document of it. What a payload may hold is taken by `take`; everything else, and a
+// key that comes twice, ends the reading.
+template <class Derived>
+class ObjectReader : public nlohmann::json_sax<Json> {
+public:
+    bool null() override { return false; }
+    bool boolean(bool value) override { return atTop() && self().take(key_, value); }
+    bool number_integer(number_integer_t value) override { return atTop() && self().take(key_, value); }
+    bool number_unsigned(number_unsigned_t value) override {
+        return value <= static_cast<number_unsigned_t>(std::numeric_limits<std::int64_t>::max()) &&
+               number_integer(static_cast<std::int64_t>(value));
+    }
+    bool number_float(number_float_t value, const string_t& /*text*/) override {
+        return atTop() && self().take(key_, value);
+    }
+    bool string(string_t& value) override { return inArray_ && self().takeElement(key_, std::move(value)); }
+    bool binary(binary_t& /*value*/) override { return false; }
+    bool start_object(std::size_t /*count*/) override { return !std::exchange(inObject_, true); }
+    bool key(string_t& value) override {
+        key_ = std::move(value);
+        return keys_.insert(key_).second;
+    }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t /*count*/) override {
+        return atTop() && self().takeArray(key_) && !std::exchange(inArray_, true);
+    }
+    bool end_array() override {
+        inArray_ = false;
+        return true;
+    }
+    bool parse_error(std::size_t /*at*/, const std::string& /*token*/,
+                     const nlohmann::json::exception& /*error*/) override {
+        return false;
+    }
+
+    [[nodiscard]] bool has(const char* key) const { return keys_.contains(key); }
+
+private:
+    Derived& self() { return static_cast<Derived&>(*this); }
+    [[nodiscard]] bool atTop() const { return inObject_ && !inArray_; }
+
+    std::string key_;
+    std::set<std::string> keys_;
+    bool inObject_ = false;
+    bool inArray_ = false;
+};
+
+class MetricsReader : public ObjectReader<MetricsReader> {
+public:
+    DirectoryMetricsPayload payload;
+
+    bool take(const std::string& key, bool value) {
+        payload.complete = value;
+        return key == completeKey;
+    }
+    bool take(const std::string& key, std::int64_t value) {
+        if (key == newestKey)
+            return take(key, static_cast<double>(value));
+        payload.size = value;
+        return key == sizeKey && value >= 0;
+    }
+    bool take(const std::string& key, double value) {
+        payload.newestModificationTime = value;
+        return key == newestKey && timeFromSecondsSince1970(value);
+    }
+    static bool takeArray(const std::string& /*key*/) { return false; }
+    static bool takeElement(const std::string& /*key*/, std::string /*value*/) { return false; }
+};
+
+class ChildrenReader : public ObjectReader<ChildrenReader> {
+public:
+    ShallowChildrenPayload payload;
+
+    bool take(const std::string& key, bool value) {
+        payload.complete = value;
+        return key == completeKey;
+    }
+    static bool take(const std::string& /*key*/, std::int64_t /*value*/) { return false; }
+    static bool take(const std::string& /*key*/, double /*value*/) { return false; }
+    static bool takeArray(const std::string& key) { return key == namesKey || key == encodedNamesKey; }
+    bool takeElement(const std::string& key, std::string value) {
+        if (key == encodedNamesKey) {
+            auto bytes = bytesOfBase64(value);
+            if (!bytes || isUtf8(*bytes))
+                return false;
+            value = std::move(*bytes);
+        }
+        if (!canBeInAFolder(value))
+            return false;
+        payload.names.push_back(std::move(value));
+        return true;
+    }
+};
+
+} // namespace
+
+std::string encoded(const DirectoryMetricsPayload& payload) {
+    Json object{{sizeKey, payload.size}};
+    if (payload.newestModificationTime)
+        object[newestKey] = *payload.newestModificationTime;
+    object[completeKey] = payload.complete;
+    return object.dump();
+}
+
+std::string encoded(const ShallowChildrenPayload& payload) {
+    Json names = Json::array();
+    Json encodedNames = Json::array();
+    for (const auto& name : payload.names)
+        if (isUtf8(name))
+            names.push_back(name);
+        else
+            encodedNames.push_back(base64Text(name));
+    Json object{{namesKey, std::move(names)}, {completeKey, payload.complete}};
+    if (!encodedNames.empty())
+        object[encodedNamesKey] = std::move(encodedNames);
+    return object.dump();
+}
+
+std::optional<DirectoryMetricsPayload> decodedDirectoryMetrics(std::string_view json) {
+    MetricsReader reader;
+    if (!Json::sax_parse(json, &reader) || !reader.has(sizeKey) || !reader.has(completeKey))
+        return std::nullopt;
+    return reader.payload;
+}
+
+std::optional<ShallowChildrenPayload> decodedShallowChildren(std::string_view json) {
+    ChildrenReader reader;
+    if (!Json::sax_parse(json, &reader) || !reader.has(namesKey) || !reader.has(completeKey))
+        return std::nullopt;
+    return std::move(reader.payload);
+}
+
+// Whole seconds that `SystemTime` holds on either side of 1970, one kept back for rounding.
+constexpr double largestSeconds = 9'223'372'035;
+
+double secondsSince1970(SystemTime time) {
+    return std::clamp(std::chrono::duration<double>(time.time_since_epoch()).count(), -largestSeconds, largestSeconds);
+}
+
+std::optional<SystemTime> timeFromSecondsSince1970(double seconds) {
+    if (!(std::abs(seconds) <= largestSeconds))
+        return std::nullopt;
+    return SystemTime(std::chrono::round<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds)));
+}
+
+} // namespace vantry

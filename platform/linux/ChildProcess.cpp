@@ -1,0 +1,139 @@
+#include "platform/ChildProcess.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+extern "C" { // glibc 2.36 forgot it
+#include <sys/pidfd.h>
+}
+
+namespace vantry {
+
+namespace {
+
+constexpr int signalStatusOffset = 256;
+constexpr const char* nullDevice = "/dev/null";
+
+// Collects the failures of a sequence of calls that return an errno; later ones are not made.
+class SpawnPlan {
+public:
+    SpawnPlan() {
+        failure_ = posix_spawn_file_actions_init(&actions_);
+        if (failure_ == 0)
+            failure_ = posix_spawnattr_init(&attributes_);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+    ~SpawnPlan() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+
+    template <class Function, class... Arguments>
+    void action(Function function, Arguments... arguments) {
+        if (failure_ == 0)
+            failure_ = function(&actions_, arguments...);
+    }
+    template <class Function, class... Arguments>
+    void attribute(Function function, Arguments... arguments) {
+        if (failure_ == 0)
+            failure_ = function(&attributes_, arguments...);
+    }
+    [[nodiscard]] int spawn(pid_t& pid, const char* program, char* const* arguments) {
+        return failure_ != 0 ? failure_ : posix_spawn(&pid, program, &actions_, &attributes_, arguments, environ);
+    }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+    int failure_ = 0;
+};
+
+void startWithDefaultSignals(SpawnPlan& plan) {
+    sigset_t none;
+    sigemptyset(&none);
+    sigset_t changeable;
+    sigfillset(&changeable);
+    plan.attribute(posix_spawnattr_setsigmask, &none);
+    plan.attribute(posix_spawnattr_setsigdefault, &changeable);
+    plan.attribute(posix_spawnattr_setflags, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
+}
+
+} // namespace
+
+Result<ChildProcess> ChildProcess::start(const std::filesystem::path& program,
+                                         const std::vector<std::string>& arguments, ChildOutput output) {
+    UniqueFd readEnd;
+    UniqueFd writeEnd;
+    if (output == ChildOutput::pipe) {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0)
+            return std::unexpected(errorFromErrno(errno, "pipe"));
+        readEnd.reset(ends[0]);
+        writeEnd.reset(ends[1]);
+        if (fcntl(readEnd.get(), F_SETFL, O_NONBLOCK) != 0)
+            return std::unexpected(errorFromErrno(errno, "pipe"));
+    }
+
+    SpawnPlan plan;
+    plan.action(posix_spawn_file_actions_addopen, STDIN_FILENO, nullDevice, O_RDONLY, mode_t{0});
+    if (writeEnd)
+        plan.action(posix_spawn_file_actions_adddup2, writeEnd.get(), STDOUT_FILENO);
+    else
+        plan.action(posix_spawn_file_actions_addopen, STDOUT_FILENO, nullDevice, O_WRONLY, mode_t{0});
+    plan.action(posix_spawn_file_actions_addopen, STDERR_FILENO, nullDevice, O_WRONLY, mode_t{0});
+    plan.action(posix_spawn_file_actions_addclosefrom_np, STDERR_FILENO + 1);
+    startWithDefaultSignals(plan);
+
+    std::vector<std::string> copies{program.native()};
+    copies.insert(copies.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (auto& copy : copies)
+        pointers.push_back(copy.data());
+    pointers.push_back(nullptr);
+
+    pid_t pid = -1;
+    if (const int failure = plan.spawn(pid, program.c_str(), pointers.data()); failure != 0)
+        return std::unexpected(errorFromErrno(failure, program.native()));
+    UniqueFd exit(pidfd_open(pid, 0));
+    if (!exit) {
+        // Without a way to see it end, the child is of no use.
+        const auto error = errorFromErrno(errno, "pidfd_open");
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, WNOHANG);
+        return std::unexpected(error);
+    }
+    return ChildProcess(pid, std::move(exit), std::move(readEnd));
+}
+
+ChildProcess::ChildProcess(int pid, UniqueFd exit, UniqueFd output)
+    : pid_(pid),
+      exit_(std::move(exit)),
+      output_(std::move(output)) {}
+
+std::optional<int> ChildProcess::exitStatus() {
+    if (status_)
+        return status_;
+    siginfo_t info = {};
+    if (waitid(P_PIDFD, static_cast<id_t>(exit_.get()), &info, WEXITED | WNOHANG) != 0)
+        status_ = signalStatusOffset; // somebody else has reaped it
+    else if (info.si_pid == pid_)
+        status_ = info.si_code == CLD_EXITED ? info.si_status : signalStatusOffset + info.si_status;
+    return status_;
+}
+
+void ChildProcess::sendSignal(int signal) {
+    if (!status_)
+        pidfd_send_signal(exit_.get(), signal, nullptr, 0);
+}
+
+// The link leads to the file that runs, also when it has no name any more; the child follows it before it is replaced.
+Result<std::filesystem::path> ownExecutable() { return "/proc/self/exe"; }
+
+} // namespace vantry

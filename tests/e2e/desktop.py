@@ -1,0 +1,387 @@
+"""A desktop of its own for the application: X server, window manager, tray, message buses, home folder.
+
+Nothing of it is shared with the desktop on which the tests run, and all of it is gone after `Desktop.close()`.
+"""
+
+import configparser
+import ctypes
+import os
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+from gi.repository import GLib
+
+from accessibility import AccessibilityBus
+from bus import Connection, LoginManager, Loop, SettingsPortal
+from notifier import NotifierItem, NotifierTray
+from screen import Screen
+from waiting import wait_until
+
+SOURCES = Path(__file__).resolve().parents[2]
+PROGRAM = Path(os.environ.get("OMBREL", SOURCES / "build/release/ombrel")).resolve()
+FAKE_VOLUME = Path(os.environ.get("OMBREL_FAKE_VOLUME", SOURCES / "build/e2e/libfakevolume.so")).resolve()
+ACCESSIBILITY_LAUNCHERS = ("/usr/libexec/at-spi-bus-launcher", "/usr/lib/at-spi2-core/at-spi-bus-launcher")
+MARK = "OMBREL_TEST_DESKTOP"  # in the environment of all that belongs to a desktop
+
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={socket}</listen>
+  <servicedir>{services}</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+# A panel with nothing on it but the tray.
+XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="{dark}"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="icon-size" type="uint" value="22"/>
+      <property name="size" type="uint" value="{height}"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+    </property>
+  </property>
+</channel>
+"""
+
+
+def _die_with_parent():
+    ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
+
+
+class Volume:
+    """What the application is told about the volume of "/", from its next look at it on."""
+
+    def __init__(self, path):
+        self.path = path
+        self.set(1000 * 10**9, 500 * 10**9)
+
+    def set(self, total, available, name="Disk"):
+        self._write(f"{total} {available} {name}")
+
+    def set_used(self, fraction):
+        self.set(1000 * 10**9, round(1000 * 10**9 * (1 - fraction)))
+
+    def fail(self, errno):
+        self._write(f"error {errno}")
+
+    def _write(self, text):
+        new = self.path.with_suffix(".new")
+        new.write_text(text + "\n")
+        new.rename(self.path)
+
+
+class Home:
+    """A user's home folder."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.configuration = folder / ".config"
+        self.settings_file = self.configuration / "ombrel/settings.ini"
+        self.agent_file = folder / "Library/LaunchAgents/app.ombrel.Ombrel.plist"
+        self.autostart_file = self.configuration / "autostart/app.ombrel.Ombrel.desktop"
+        self.configuration.mkdir(parents=True)
+
+    def set_preferences(self, **values):
+        self.settings_file.parent.mkdir(parents=True, exist_ok=True)
+        new = self.settings_file.with_suffix(".new")
+        lines = [f"{key}={str(value).lower() if isinstance(value, bool) else value}" for key, value in values.items()]
+        new.write_text("\n".join(["[General]", *lines, ""]))
+        new.rename(self.settings_file)
+
+    def preferences(self):
+        """What is stored; texts, as they are in the file."""
+        parser = configparser.ConfigParser()
+        parser.optionxform = str
+        parser.read(self.settings_file)
+        return dict(parser["General"]) if parser.has_section("General") else {}
+
+    def preference(self, key):
+        return self.preferences().get(key)
+
+
+class Application:
+    """A running Ombrel."""
+
+    def __init__(self, desktop, home, arguments, environment):
+        self.desktop, self.home = desktop, home
+        self._log = Path(f"{home.folder}.log")
+        with self._log.open("a") as log:
+            self._process = desktop.spawn([str(PROGRAM), *arguments], stdout=log, stderr=log, home=home.folder,
+                                          environment={"LD_PRELOAD": str(FAKE_VOLUME),
+                                                       "OMBREL_FAKE_VOLUME_FILE": str(desktop.volume.path),
+                                                       "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **environment})
+        self.pid = self._process.pid
+
+    def is_running(self):
+        return self._process.poll() is None
+
+    def signal(self, number):
+        self._process.send_signal(number)
+
+    def wait_for_end(self, seconds=10):
+        """The exit status; negative when a signal ended it."""
+        try:
+            return self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"still running after {seconds} s") from None
+
+    def output(self):
+        """What it has printed."""
+        return self._log.read_text(errors="replace")
+
+    def kill(self):
+        self._process.kill()
+        self._process.wait()
+
+    def close(self):
+        """Ends it as a session does. The exit status; fails when it does not end."""
+        if self.is_running():
+            self.signal(signal.SIGTERM)
+        try:
+            return self.wait_for_end()
+        finally:
+            self.kill()
+
+    # ---- what it shows
+
+    def windows(self, kind=None):
+        return [window for window in self.desktop.screen.windows(self.pid) if kind in (None, window.kind)]
+
+    def strip(self):
+        """The bar in its own window; absent when it is in a tray."""
+        return next((window for window in self.windows() if window.rect.height == 24 and window.rect.width in (60, 94)), None)
+
+    def wait_for_strip(self, width=None):
+        return wait_until(lambda: (found := self.strip()) and width in (None, found.rect.width) and found,
+                          f"a strip {width or 60} points wide")
+
+    def tray_icon(self):
+        """The window inside an XEmbed tray."""
+        owner = self.desktop.screen.selection_owner("_NET_SYSTEM_TRAY_S0")
+        return next((window for window in self.windows() if owner and window.depth > 1 and 8 <= window.rect.width <= 64
+                     and window.rect.width == window.rect.height), None)
+
+    def wait_for_tray_icon(self):
+        return wait_until(self.tray_icon, "an icon in the tray")
+
+    def popover(self):
+        return next((window for window in self.windows() if window.rect.width >= 380 and window.rect.height >= 452), None)
+
+    def wait_for_popover(self):
+        return wait_until(self.popover, "the popover")
+
+    def wait_until_popover_closed(self):
+        wait_until(lambda: not self.popover(), "the popover to close")
+
+    def menus(self):
+        """The open menus and lists: what is on the screen beside the bar, the popover and a tooltip."""
+        others = {window.id for window in (self.strip(), self.tray_icon(), self.popover()) if window}
+        return [window for window in self.windows() if window.id not in others and window.kind != "TOOLTIP"]
+
+    def accessible(self):
+        return self.desktop.accessibility.wait_for_application(self.pid)
+
+
+class Desktop:
+    """`tray` is "trayer" (XEmbed), "xfce" (xfce4-panel), "notifier" (`NotifierTray`) or None."""
+
+    def __init__(self, tray=None, scheme="light", size="1000x760", accessibility=True, portal=True, dark_panel=False):
+        # A socket's path has to be short, so it does not go where TMPDIR may point.
+        self.folder = Path(tempfile.mkdtemp(prefix="ombrel-", dir="/tmp"))
+        self._processes, self._closers, self._homes = [], [], 0
+        self.loop = self.portal = self.login = self.notifier = self.accessibility = None
+        self.environment = {"PATH": os.environ.get("PATH", "/usr/bin:/bin"), "LC_ALL": "C.UTF-8", "TZ": "UTC",
+                            MARK: str(self.folder)}
+        try:
+            self._start(tray, scheme, size, accessibility, portal, dark_panel)
+        except BaseException:
+            self.close()
+            raise
+
+    def _start(self, tray, scheme, size, accessibility, portal, dark_panel):
+        self.runtime = self.folder / "run"
+        self.runtime.mkdir(mode=0o700)
+        (self.folder / "services").mkdir()
+        self.home = self.new_home()
+        self.volume = Volume(self.folder / "volume")
+        self.environment |= {"XDG_RUNTIME_DIR": str(self.runtime), "DISPLAY": self._start_x_server(size)}
+        self.screen = Screen(self.environment["DISPLAY"])
+        self._closers.append(self.screen.close)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_bus("session")
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self._start_bus("system")
+        self.session_bus = Connection(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self._closers.append(self.session_bus.close)
+        self.loop = Loop()
+        self._closers.append(self.loop.close)
+        self.login = LoginManager(self.loop, self.environment["DBUS_SYSTEM_BUS_ADDRESS"])
+        self._closers.append(self.login.close)
+        if portal:
+            self.portal = SettingsPortal(self.loop, self.environment["DBUS_SESSION_BUS_ADDRESS"], scheme)
+            self._closers.append(self.portal.close)
+        self.spawn(["openbox", "--sm-disable"])
+        wait_until(self.screen.has_window_manager, "the window manager")
+        if accessibility:
+            self._start_accessibility()
+        if tray:
+            getattr(self, f"start_{tray}")(**({"dark": True} if dark_panel else {}))
+
+    def close(self):
+        for closer in reversed(self._closers):
+            try:
+                closer()
+            except Exception as problem:  # the rest is to go all the same
+                print(f"closing the desktop: {problem}", file=sys.stderr)
+        self._closers.clear()
+        for process in reversed(self._processes):
+            process.kill()
+            process.wait()
+        for _attempt in range(20):  # what they had started
+            stray = self._marked_processes()
+            if not stray:
+                break
+            for pid in stray:
+                try:
+                    os.kill(pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def _marked_processes(self):
+        mark = f"{MARK}={self.folder}".encode()
+        found = []
+        for entry in Path("/proc").iterdir():
+            try:
+                if entry.name.isdigit() and mark in (entry / "environ").read_bytes().split(b"\0"):
+                    found.append(int(entry.name))
+            except OSError:
+                pass  # ended, or somebody else's
+        return found
+
+    # ---- processes
+
+    def spawn(self, command, home=None, environment=None, **options):
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, cwd=self.folder, preexec_fn=_die_with_parent,
+                                   env=self.environment_of(home or self.home.folder, environment or {}),
+                                   **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options})
+        self._processes.append(process)
+        return process
+
+    def environment_of(self, home, changes):
+        """A change to None takes the variable away."""
+        merged = {**self.environment, "HOME": str(home), "XDG_CONFIG_HOME": str(Path(home) / ".config"),
+                  "XDG_DATA_HOME": str(Path(home) / ".local/share"), "XDG_CACHE_HOME": str(Path(home) / ".cache"),
+                  **changes}
+        return {name: value for name, value in merged.items() if value is not None}
+
+    def _spawn_and_read(self, command, option):
+        """Starts what writes a line about itself into a descriptor, and returns that line."""
+        reader, writer = os.pipe()
+        try:
+            self.spawn([*command, option.format(writer)] if "{" in option else [*command, option, str(writer)],
+                       pass_fds=[writer])
+        finally:
+            os.close(writer)
+        with os.fdopen(reader) as pipe:
+            if not select.select([pipe], [], [], 10)[0]:
+                raise AssertionError(f"{command[0]} does not start")
+            return pipe.readline().strip()
+
+    def _start_x_server(self, size):
+        number = self._spawn_and_read(["Xvfb", "-screen", "0", f"{size}x24", "-dpi", "96", "-nolisten", "tcp", "-noreset"],
+                                      "-displayfd")
+        if not number:
+            raise AssertionError("Xvfb does not start")
+        return f":{number}"
+
+    def _start_bus(self, name):
+        configuration = self.folder / f"{name}.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(socket=self.folder / name, services=self.folder / "services"))
+        return self._spawn_and_read(["dbus-daemon", f"--config-file={configuration}", "--nofork"], "--print-address={}")
+
+    def _start_accessibility(self):
+        launcher = next(path for path in ACCESSIBILITY_LAUNCHERS if os.path.exists(path))
+        self.spawn([launcher, "--launch-immediately"])
+        wait_until(lambda: self.session_bus.has_owner("org.a11y.Bus"), "the accessibility bus")
+        self.accessibility = AccessibilityBus(self.session_bus, self.loop)
+        self._closers.append(self.accessibility.close)
+
+    # ---- trays
+
+    def start_trayer(self):
+        self.trayer = self.spawn(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"])
+        wait_until(lambda: self.screen.selection_owner("_NET_SYSTEM_TRAY_S0"), "trayer")
+
+    def stop_trayer(self):
+        self.trayer.terminate()
+        self.trayer.wait(5)
+        wait_until(lambda: not self.screen.selection_owner("_NET_SYSTEM_TRAY_S0"), "trayer to end")
+
+    def start_notifier(self):
+        self.notifier = NotifierTray(self.loop, self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self._closers.append(self.notifier.close)
+
+    def stop_notifier(self):
+        self.notifier.close()
+        wait_until(lambda: not self.session_bus.has_owner(NotifierTray.name), "the tray to end")
+
+    def start_xfce(self, dark=False, height=26):
+        (self.folder / "services/xfconf.service").symlink_to("/usr/share/dbus-1/services/org.xfce.Xfconf.service")
+        channels = self.home.configuration / "xfce4/xfconf/xfce-perchannel-xml"
+        channels.mkdir(parents=True)
+        (channels / "xfce4-panel.xml").write_text(XFCE_PANEL.format(dark=str(dark).lower(), height=height))
+        self.session_bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig")
+        self.session_bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                              "UpdateActivationEnvironment",
+                              GLib.Variant("(a{ss})", (self.environment_of(self.home.folder, {}),)))
+        self.spawn(["xfce4-panel", "--disable-wm-check"], environment={"GSETTINGS_BACKEND": "memory"})
+        wait_until(self._host_is_registered, "xfce4-panel", seconds=20)
+
+    def _ask_watcher(self, name):
+        try:
+            return self.session_bus.get(NotifierTray.name, NotifierTray.path, NotifierTray.interface, name)
+        except GLib.Error:
+            return None  # there is none
+
+    def _host_is_registered(self):
+        return self._ask_watcher("IsStatusNotifierHostRegistered")
+
+    def notifier_items(self):
+        """The items of whichever tray of that kind there is."""
+        # Some watchers tell the name of a connection and a path, some the name that the item has registered.
+        parts = [registered.partition("/") for registered in self._ask_watcher("RegisteredStatusNotifierItems") or []]
+        return [NotifierItem(self.session_bus, name, slash + path or "/StatusNotifierItem") for name, slash, path in parts]
+
+    def wait_for_notifier_item(self):
+        """The only item there."""
+        return wait_until(lambda: len(items := self.notifier_items()) == 1 and items[0], "one item in the tray")
+
+    # ---- the application
+
+    def new_home(self):
+        self._homes += 1
+        return Home(self.folder / f"home{self._homes}")
+
+    def start(self, home=None, arguments=(), environment=None):
+        """Starts Ombrel, with a fresh home folder unless one is given."""
+        return Application(self, home or self.new_home(), arguments, environment or {})

@@ -1,0 +1,138 @@
+"""An X screen as a person meets it: windows, the picture, the mouse, the keyboard."""
+
+import time
+from collections import namedtuple
+
+from PIL import Image
+from Xlib import X, XK, display, error
+from Xlib.ext import xtest
+
+from waiting import wait_until
+
+LEFT, MIDDLE, RIGHT = 1, 2, 3
+
+Rect = namedtuple("Rect", "x y width height")
+
+
+def middle(rect):
+    return rect.x + rect.width // 2, rect.y + rect.height // 2
+
+
+class Window:
+    """A viewable window: its place on the screen, its process, its EWMH type ("TOOLTIP", "POPUP_MENU", ...)."""
+
+    def __init__(self, handle, rect, pid, title, kind, depth):
+        self.id, self.rect, self.pid, self.title, self.kind, self.depth = handle.id, rect, pid, title, kind, depth
+
+    def __repr__(self):
+        return f"<{self.kind} {self.title!r} of {self.pid} at {tuple(self.rect)}>"
+
+
+class Screen:
+    """One connection to a display."""
+
+    def __init__(self, name):
+        self.display = display.Display(name)
+        self.root = self.display.screen().root
+
+    def close(self):
+        self.display.close()
+
+    # ---- windows
+
+    def _property(self, window, name):
+        found = window.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+        return None if found is None else found.value
+
+    def _window(self, handle, depth):
+        if handle.get_attributes().map_state != X.IsViewable:
+            return None
+        geometry = handle.get_geometry()
+        place = handle.translate_coords(self.root, 0, 0)
+        pid = self._property(handle, "_NET_WM_PID")
+        types = self._property(handle, "_NET_WM_WINDOW_TYPE")
+        kind = self.display.get_atom_name(types[0]).replace("_NET_WM_WINDOW_TYPE_", "") if types else None
+        title = self._property(handle, "_NET_WM_NAME")
+        if isinstance(title, bytes):
+            title = title.decode(errors="replace")
+        # The coordinates of the root inside the window are the window's place, negated.
+        rect = Rect(-place.x, -place.y, geometry.width, geometry.height)
+        return Window(handle, rect, pid[0] if pid else None, title, kind, depth)
+
+    def windows(self, pid=None):
+        """The viewable windows, of one process or of all."""
+        found = []
+
+        def visit(parent, depth):
+            for child in parent.query_tree().children:
+                try:
+                    window = self._window(child, depth)
+                    if window is None:
+                        continue
+                    if window.pid is not None and pid in (None, window.pid):
+                        found.append(window)
+                    visit(child, depth + 1)
+                except (error.BadWindow, error.BadDrawable, error.BadMatch):
+                    pass  # gone in the meantime
+
+        visit(self.root, 0)
+        return found
+
+    def selection_owner(self, name):
+        """The id of the window that owns a selection, 0 when none does."""
+        owner = self.display.get_selection_owner(self.display.intern_atom(name))
+        return owner.id if owner else 0
+
+    def has_window_manager(self):
+        return self._property(self.root, "_NET_SUPPORTING_WM_CHECK") is not None
+
+    # ---- the picture
+
+    def picture(self, rect=None):
+        """What is seen there, as an RGB picture."""
+        if rect is None:
+            geometry = self.root.get_geometry()
+            rect = Rect(0, 0, geometry.width, geometry.height)
+        raw = self.root.get_image(rect.x, rect.y, rect.width, rect.height, X.ZPixmap, 0xFFFFFFFF)
+        return Image.frombytes("RGB", (rect.width, rect.height), raw.data, "raw", "BGRX")
+
+    def steady_picture(self, rect=None):
+        """The picture as soon as it has stopped to change."""
+        seen = [self.picture(rect)]
+
+        def unchanged():
+            seen.append(self.picture(rect))
+            return len(seen) > 4 and len({picture.tobytes() for picture in seen[-4:]}) == 1
+
+        wait_until(unchanged, "a picture that stands still", interval=0.04)
+        return seen[-1]
+
+    # ---- the mouse and the keyboard
+
+    def move_to(self, x, y):
+        xtest.fake_input(self.display, X.MotionNotify, x=x, y=y)
+        self.display.sync()
+
+    def press_button(self, button):
+        xtest.fake_input(self.display, X.ButtonPress, button)
+        self.display.sync()
+
+    def release_button(self, button):
+        xtest.fake_input(self.display, X.ButtonRelease, button)
+        self.display.sync()
+
+    def click(self, x, y, button=LEFT):
+        """Presses for as long as a quick finger does: what acts on the press has acted when the button comes up."""
+        self.move_to(x, y)
+        self.press_button(button)
+        time.sleep(0.04)
+        self.release_button(button)
+
+    def key(self, name, *modifiers):
+        """Presses and releases a key, with others held: `key("q", "Control_L")`."""
+        codes = [self.display.keysym_to_keycode(XK.string_to_keysym(each)) for each in (*modifiers, name)]
+        for code in codes:
+            xtest.fake_input(self.display, X.KeyPress, code)
+        for code in reversed(codes):
+            xtest.fake_input(self.display, X.KeyRelease, code)
+        self.display.sync()

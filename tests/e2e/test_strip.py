@@ -1,0 +1,222 @@
+"""The bar in its own strip, where the desktop has no tray."""
+
+import errno
+import itertools
+
+from case import DesktopCase
+from pictures import coloured_columns, ink, lightness, same
+from screen import RIGHT, Rect, middle
+from waiting import holds, wait_for_equal, wait_until
+
+HALF_FULL = "Disk: 500 GB used, 500 GB available"
+MENU = ["Refresh", "Open Storage Settings…", "Free Up Space…", "Show % Used", "Bar Style", "Segment Widths",
+        "Launch at Login", "", "Quit Ombrel"]
+
+
+class Strip(DesktopCase):
+    def start_and_wait(self, home=None, **options):
+        """The application with its first figures on the screen."""
+        application = self.start(home=home, **options)
+        strip = application.wait_for_strip()
+        wait_until(lambda: "available" in self.button(application).name, "the first figures")
+        return application, strip
+
+    def button(self, application):
+        (button,) = application.accessible().children
+        return button
+
+    def picture(self, strip):
+        return self.desktop.screen.steady_picture(strip.rect)
+
+    def test_stands_at_the_top_right_edge_and_is_one_button_for_a_screen_reader(self):
+        application, strip = self.start_and_wait()
+        self.assertEqual(strip.rect, Rect(1000 - 60, 0, 60, 24))
+        button = self.button(application)
+        self.assertEqual((button.role, button.name, button.children), ("push button", HALF_FULL, []))
+        self.assertEqual(button.description, HALF_FULL)
+        wait_for_equal(strip.rect, lambda: button.rect, "the button's place")
+
+    def test_shows_how_full_the_volume_is(self):
+        # The bar is 50 points wide; its ends are round.
+        for used, low, high in ((0.0, 0, 0), (0.1, 3, 6), (0.5, 23, 26), (0.9, 43, 46), (1.0, 48, 50)):
+            with self.subTest(used=used):
+                self.desktop.volume.set_used(used)
+                application, strip = self.start_and_wait()
+                columns = coloured_columns(self.picture(strip))
+                self.assertTrue(low <= columns <= high, f"{columns} coloured columns")
+                application.close()
+
+    def test_is_wider_by_the_figure_where_the_stored_preference_asks_for_it(self):
+        home = self.desktop.new_home()
+        figure = Rect(1000 - 35, 0, 32, 24)
+        for shows, width in ((False, 60), (True, 94), (False, 60)):
+            with self.subTest(shows=shows):
+                home.set_preferences(showUsedPercentage=shows)
+                application, strip = self.start_and_wait(home)
+                self.assertEqual(strip.rect.width, width)
+                self.picture(strip)
+                self.assertEqual(ink(self.desktop.screen.picture(figure)) > 0.05, shows)
+                application.close()
+
+    def test_every_stored_style_and_sizing_has_a_picture_of_its_own(self):
+        home = self.desktop.new_home()
+        pictures = {}
+        choices = [("storageGradient", "equal"), ("macOSSegments", "equal"), ("macOSSegments", "verifiedSnapshot"),
+                   ("vividTheme", "equal"), ("currentTheme", "equal")]
+        for style, sizing in choices:
+            home.set_preferences(barStyle=style, segmentSizing=sizing)
+            application, strip = self.start_and_wait(home)
+            pictures[style, sizing] = self.picture(strip)
+            application.close()
+        for one, other in itertools.combinations(choices, 2):
+            self.assertFalse(same(pictures[one], pictures[other]), f"{one} looks like {other}")
+
+    def test_a_failing_read_is_told_and_leaves_the_bar(self):
+        application, strip = self.start_and_wait()
+        before, button = self.picture(strip), self.button(application)
+        self.desktop.volume.fail(errno.EIO)
+        self.desktop.login.wake()
+        wait_until(lambda: button.description.startswith("Storage unavailable: "), "the failure in the tooltip")
+        self.assertGreater(len(button.description), len("Storage unavailable: "))
+        self.assertEqual(button.name, HALF_FULL)
+        self.assertTrue(same(before, self.picture(strip)))
+
+        self.desktop.volume.set_used(0.8)
+        self.desktop.login.wake()
+        wait_for_equal("Disk: 800 GB used, 200 GB available", lambda: button.name, "the new figures")
+        self.assertEqual(button.description, button.name)
+        wait_until(lambda: coloured_columns(self.desktop.screen.picture(strip.rect)) >= 38, "a longer bar")
+
+    def test_a_failing_first_read_shows_an_empty_bar(self):
+        self.desktop.volume.fail(errno.EACCES)
+        application = self.start()
+        strip = application.wait_for_strip()
+        wait_until(lambda: self.button(application).description.startswith("Storage unavailable: "), "the failure")
+        self.assertEqual(coloured_columns(self.picture(strip)), 0)
+
+    def test_going_to_sleep_reads_nothing(self):
+        application, _strip = self.start_and_wait()
+        button = self.button(application)
+        self.desktop.volume.set_used(0.8)
+        self.desktop.login.sleep()
+        holds(lambda: button.name == HALF_FULL, "the old figure")
+        self.desktop.login.wake()
+        wait_until(lambda: button.name != HALF_FULL, "the new figure")
+
+    def test_follows_the_desktop_from_light_to_dark_and_back(self):
+        application, strip = self.start_and_wait()
+        pictures = [self.picture(strip)]
+        for scheme in ("dark", "light"):
+            self.desktop.portal.set_scheme(scheme)
+            wait_until(lambda: not same(pictures[-1], self.desktop.screen.picture(strip.rect)), scheme)
+            pictures.append(self.picture(strip))
+        ground = [lightness(picture.getpixel((3, 3))) for picture in pictures]
+        self.assertGreater(ground[0], 0.7)
+        self.assertLess(ground[1], 0.4)
+        self.assertTrue(same(pictures[0], pictures[2]))
+
+    def test_starts_dark_on_a_dark_desktop(self):
+        self.desktop.portal.set_scheme("dark")
+        application, strip = self.start_and_wait()
+        wait_until(lambda: lightness(self.desktop.screen.picture(strip.rect).getpixel((3, 3))) < 0.4, "a dark strip")
+
+    def test_shows_its_tooltip_under_the_pointer(self):
+        application, strip = self.start_and_wait()
+        x, y = middle(strip.rect)
+        for column in (x, x + 1):
+            self.desktop.screen.move_to(column, y)
+        tooltip = wait_until(lambda: application.windows("TOOLTIP"), "the tooltip", seconds=5)[0]
+        self.assertGreater(tooltip.rect.width, 150)
+
+    def test_left_clicks_open_and_close_the_popover(self):
+        application, strip = self.start_and_wait()
+        for _repetition in range(2):
+            self.desktop.screen.click(*middle(strip.rect))
+            application.wait_for_popover()
+            self.desktop.screen.click(*middle(strip.rect))
+            application.wait_until_popover_closed()
+            holds(lambda: not application.popover(), "the closed popover")
+
+    def test_escape_and_a_click_outside_close_the_popover(self):
+        application, strip = self.start_and_wait()
+        for close in (lambda: self.desktop.screen.key("Escape"), lambda: self.desktop.screen.click(100, 600)):
+            self.open_popover(application, strip.rect)
+            close()
+            application.wait_until_popover_closed()
+            holds(lambda: not application.popover(), "the closed popover")
+
+    def test_a_right_click_opens_the_menu_and_not_the_popover(self):
+        application, strip = self.start_and_wait()
+        menu = self.open_menu(application, strip.rect)
+        self.assertIsNone(application.popover())
+        self.assertEqual([entry.name for entry in menu.children], MENU)
+        (window,) = application.menus()
+        self.assertLessEqual(window.rect.x + window.rect.width, 1000)
+        self.desktop.screen.key("Escape")
+        wait_until(lambda: not application.menus(), "the menu to close")
+
+    def test_the_menu_shows_what_is_stored_when_it_opens(self):
+        application, strip = self.start_and_wait()
+
+        def states():
+            menu = self.open_menu(application, strip.rect)
+            entries = {entry.name: entry for entry in menu.walk() if entry.role in ("menu item", "check menu item")}
+            result = ([name for name, entry in entries.items() if entry.has("checked")],
+                      entries["Segment Widths"].has("enabled"))
+            self.desktop.screen.key("Escape")
+            wait_until(lambda: not application.menus(), "the menu to close")
+            return result
+
+        self.assertEqual(states(), (["Rainbow", "Verified Storage Snapshot"], False))
+        application.home.set_preferences(showUsedPercentage=True, barStyle="macOSSegments", segmentSizing="equal")
+        self.assertEqual(states(), (["Show % Used", "macOS Storage Colors", "Equal Colors"], True))
+        application.home.set_preferences(barStyle="of another version")
+        self.assertEqual(states(), (["Rainbow", "Verified Storage Snapshot"], False))
+
+    def test_every_choice_of_the_menu_is_stored_and_shown_at_once(self):
+        application, strip = self.start_and_wait()
+        choices = [(("Bar Style", "macOS Storage Colors"), "barStyle", "macOSSegments"),
+                   (("Segment Widths", "Equal Colors"), "segmentSizing", "equal"),
+                   (("Segment Widths", "Verified Storage Snapshot"), "segmentSizing", "verifiedSnapshot"),
+                   (("Bar Style", "Vivid Theme"), "barStyle", "vividTheme"),
+                   (("Bar Style", "Current Theme"), "barStyle", "currentTheme"),
+                   (("Bar Style", "Rainbow"), "barStyle", "storageGradient")]
+        before = self.picture(strip)
+        for titles, key, value in choices:
+            with self.subTest(titles=titles):
+                self.choose_from_menu(self.open_menu(application, strip.rect), *titles)
+                wait_for_equal(value, lambda key=key: application.home.preference(key), key)
+                wait_until(lambda: not application.menus(), "the menu to close")
+                self.desktop.screen.move_to(5, 700)
+                wait_until(lambda: not same(before, self.desktop.screen.picture(strip.rect)), "another picture")
+                before = self.picture(strip)
+
+        for value, width in (("true", 94), ("false", 60)):
+            self.choose_from_menu(self.open_menu(application, application.strip().rect), "Show % Used")
+            wait_for_equal(value, lambda: application.home.preference("showUsedPercentage"), "the stored preference")
+            application.wait_for_strip(width)
+
+    def test_the_menu_refreshes(self):
+        application, strip = self.start_and_wait()
+        self.desktop.volume.set_used(0.25)
+        self.choose_from_menu(self.open_menu(application, strip.rect), "Refresh")
+        wait_for_equal("Disk: 250 GB used, 750 GB available", lambda: self.button(application).name, "the figures")
+
+    def test_the_menu_quits(self):
+        application, strip = self.start_and_wait()
+        self.choose_from_menu(self.open_menu(application, strip.rect), "Quit Ombrel")
+        self.assertEqual(application.wait_for_end(), 0)
+
+    def test_the_middle_button_does_nothing(self):
+        application, strip = self.start_and_wait()
+        self.desktop.screen.click(*middle(strip.rect), button=2)
+        holds(lambda: not application.popover() and not application.menus(), "nothing open")
+
+    def test_a_press_that_ends_elsewhere_is_none(self):
+        application, strip = self.start_and_wait()
+        for button in (1, RIGHT):
+            self.desktop.screen.move_to(*middle(strip.rect))
+            self.desktop.screen.press_button(button)
+            self.desktop.screen.move_to(300, 500)
+            self.desktop.screen.release_button(button)
+            holds(lambda: not application.popover() and not application.menus(), "nothing open", seconds=0.3)

@@ -1,0 +1,74 @@
+#include "rendering/BarStyle.h"
+
+#include <gtest/gtest.h>
+
+namespace vantry {
+
+namespace {
+
+template <class Case>
+struct Row {
+    Case value;
+    const char* rawValue;
+    const char* displayName;
+};
+
+constexpr Row<BarStyle> styles[] = {
+    {BarStyle::storageGradient, "storageGradient", "Rainbow"},
+    {BarStyle::macOSSegments, "macOSSegments", "macOS Storage Colors"},
+    {BarStyle::vividTheme, "vividTheme", "Vivid Theme"},
+    {BarStyle::currentTheme, "currentTheme", "Current Theme"},
+};
+
+constexpr Row<SegmentSizing> sizings[] = {
+    {SegmentSizing::equal, "equal", "Equal Colors"},
+    {SegmentSizing::verifiedSnapshot, "verifiedSnapshot", "Verified Storage Snapshot"},
+};
+
+template <class Listed, class Expected>
+void expectListed(const Listed& listed, const Expected& expected) {
+    ASSERT_EQ(std::size(listed), std::size(expected));
+    for (std::size_t i = 0; i < std::size(listed); ++i) {
+        EXPECT_EQ(listed[i].value, expected[i].value);
+        EXPECT_EQ(static_cast<std::size_t>(expected[i].value), i) << "the order of the cases";
+        EXPECT_EQ(listed[i].rawValue, expected[i].rawValue);
+        EXPECT_EQ(listed[i].displayName, expected[i].displayName);
+    }
+}
+
+} // namespace
+
+TEST(BarStyle, EveryStyleIsListedInOrder) { expectListed(allBarStyles, styles); }
+
+TEST(BarStyle, IsStoredByItsRawValueAndShownByItsDisplayName) {
+    for (const auto& [style, raw, shown] : styles) {
+        EXPECT_EQ(rawValue(style), raw);
+        EXPECT_EQ(displayName(style), shown);
+        EXPECT_EQ(barStyleFromRawValue(raw), style);
+    }
+}
+
+TEST(BarStyle, OnlyAnExactRawValueIsAStyle) {
+    for (const char* text :
+         {"", "rainbow", "Rainbow", "vivid theme", "Vivid Theme", "StorageGradient", "storagegradient",
+          "storageGradient ", " storageGradient", "storageGradien", "storage", "macosSegments", "equal", "0"})
+        EXPECT_EQ(barStyleFromRawValue(text), std::nullopt) << text;
+}
+
+TEST(SegmentSizing, EverySizingIsListedInOrder) { expectListed(allSegmentSizings, sizings); }
+
+TEST(SegmentSizing, IsStoredByItsRawValueAndShownByItsDisplayName) {
+    for (const auto& [sizing, raw, shown] : sizings) {
+        EXPECT_EQ(rawValue(sizing), raw);
+        EXPECT_EQ(displayName(sizing), shown);
+        EXPECT_EQ(segmentSizingFromRawValue(raw), sizing);
+    }
+}
+
+TEST(SegmentSizing, OnlyAnExactRawValueIsASizing) {
+    for (const char* text : {"", "Equal", "EQUAL", "equal ", "Equal Colors", "verifiedsnapshot", "VerifiedSnapshot",
+                             "Verified Storage Snapshot", "storageGradient"})
+        EXPECT_EQ(segmentSizingFromRawValue(text), std::nullopt) << text;
+}
+
+} // namespace vantry

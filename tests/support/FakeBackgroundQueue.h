@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/BackgroundQueue.h"
+#include "tests/support/FakeCallLog.h"
+
+#include <deque>
+#include <utility>
+
+namespace vantry {
+
+/// A background queue whose blocks run on the test's thread when the test says so, in the order in which they came.
+class FakeBackgroundQueue : public BackgroundQueue {
+public:
+    explicit FakeBackgroundQueue(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
+
+    void submit(QualityOfService quality, std::function<void()> block) override {
+        log_->add(quality == QualityOfService::utility ? "backgroundQueue.submit utility"
+                                                       : "backgroundQueue.submit userInitiated");
+        blocks_.push_back(std::move(block));
+    }
+
+    [[nodiscard]] std::size_t waitingCount() const { return blocks_.size(); }
+
+    /// Runs one block; false when none waits.
+    bool runNext() {
+        if (blocks_.empty())
+            return false;
+        const auto block = std::move(blocks_.front());
+        blocks_.pop_front();
+        block();
+        return true;
+    }
+
+private:
+    std::shared_ptr<FakeCallLog> log_;
+    std::deque<std::function<void()>> blocks_;
+};
+
+} // namespace vantry

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "app/Shell.h"
+#include "tests/support/FakeCallLog.h"
+
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+/// A front end that keeps what it was given to show. The popover opens and closes as it is told.
+class FakeShell : public Shell {
+public:
+    explicit FakeShell(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
+
+    void becomeAccessory() override { log_->add("shell.becomeAccessory"); }
+
+    [[nodiscard]] bool statusItemHasButton() const override { return hasButton; }
+    void showStatusItem(const StatusItemContent& content) override {
+        log_->add("shell.showStatusItem");
+        statusItems.push_back(content);
+    }
+
+    void renderPopover(const PopoverContent& content) override {
+        log_->add("shell.renderPopover");
+        popovers.push_back(content);
+    }
+    void openPopover() override {
+        log_->add("shell.openPopover");
+        popoverShown = true;
+    }
+    void closePopover() override {
+        log_->add("shell.closePopover");
+        popoverShown = false;
+    }
+    [[nodiscard]] bool popoverIsShown() const override { return popoverShown; }
+
+    void popUpContextMenu(const ContextMenuContent& content) override {
+        log_->add("shell.popUpContextMenu");
+        menu = content;
+    }
+
+    void terminate() override { log_->add("shell.terminate"); }
+
+    /// What is on the screen; a test asks after the first rendering only.
+    [[nodiscard]] const StatusItemContent& statusItem() const { return statusItems.back(); }
+    [[nodiscard]] const PopoverContent& popover() const { return popovers.back(); }
+
+    bool hasButton = true;
+    bool popoverShown = false;
+    std::vector<StatusItemContent> statusItems; ///< every rendering, the last one is shown
+    std::vector<PopoverContent> popovers;       ///< the same
+    std::optional<ContextMenuContent> menu;     ///< popped up last
+
+private:
+    std::shared_ptr<FakeCallLog> log_;
+};
+
+} // namespace vantry

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/Workspace.h"
+#include "tests/support/FakeSubscription.h"
+
+#include <utility>
+
+namespace vantry {
+
+/// A desktop with the screens that the test gives it, which sleeps and wakes when the test says so.
+class FakeWorkspace : public Workspace {
+public:
+    explicit FakeWorkspace(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
+
+    std::unique_ptr<Subscription> observeWake(std::function<void()> block) override {
+        log_->add("workspace.observeWake");
+        observer_ = std::make_shared<FakeRegistration>(std::move(block));
+        return std::make_unique<FakeSubscription>(observer_, log_, "workspace.stopObservingWake");
+    }
+    void openURL(const std::string& url) override { log_->add("workspace.openURL " + url); }
+    [[nodiscard]] std::vector<Screen> screens() const override { return screenList; }
+    [[nodiscard]] std::optional<Screen> mainScreen() const override { return keyWindowScreen; }
+
+    void wake() {
+        if (const auto observer = observer_; observer && observer->active)
+            observer->block();
+    }
+
+    /// The observer's block, as a notification holds it that is on its way when the observer is removed.
+    [[nodiscard]] std::function<void()> wakeBlock() const { return observer_->block; }
+
+    std::vector<Screen> screenList;
+    std::optional<Screen> keyWindowScreen;
+
+private:
+    std::shared_ptr<FakeCallLog> log_;
+    std::shared_ptr<FakeRegistration> observer_;
+};
+
+} // namespace vantry

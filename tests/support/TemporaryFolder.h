@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace vantry {
+
+/// A folder of the test's own, 0700, removed with everything in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "ombrel-test-XXXXXX").native();
+        if (!mkdtemp(name.data()))
+            throw std::runtime_error("cannot make " + name);
+        path_ = name;
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+inline void writeFile(const std::filesystem::path& file, std::string_view text) {
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream << text;
+    stream.close();
+    if (!stream)
+        throw std::runtime_error("cannot write " + file.native());
+}
+
+/// Empty when there is no such file.
+[[nodiscard]] inline std::string readFile(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+} // namespace vantry
