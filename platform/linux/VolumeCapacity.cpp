@@ -85,7 +85,7 @@ Result<VolumeCapacity> readVolumeCapacity(const std::filesystem::path& path) {
         status = statvfs(path.c_str(), &said);
     while (status != 0 && errno == EINTR);
     if (status != 0)
-        return std::unexpected(errorFromErrno(errno, path.native()));
+        return std::unexpected(errorFromErrno(errno)); // shown as it is, after words that say what failed
     VolumeCapacity capacity = capacityFromStatvfs(said);
     capacity.name = volumeLabel(path);
     return capacity;

@@ -1,5 +1,6 @@
 #include "shell/qt/PopoverWindow.h"
 
+#include "shell/qt/ElidingLabel.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QAbstractItemView>
@@ -131,7 +132,7 @@ void PopoverWindow::build() {
 }
 
 QLabel* PopoverWindow::makeLabel(const Font& font, bool wraps) {
-    auto* label = new QLabel(this);
+    QLabel* label = wraps ? new QLabel(this) : new ElidingLabel(this);
     label->setFont(qFont(font, *this));
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(wraps);

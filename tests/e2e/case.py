@@ -60,11 +60,15 @@ class DesktopCase(unittest.TestCase):
     # ---- what a person does
 
     def open_popover(self, application, place):
+        """Clicks at `place` and returns the popover's window."""
+        self.desktop.screen.click(*middle(place))
+        return application.wait_for_popover()
+
+    def open_and_read_popover(self, application, place):
         """Clicks at `place` and returns the popover as a screen reader finds it: by where the keyboard is."""
         application.accessible()
         self.desktop.accessibility.forget_focus()
-        self.desktop.screen.click(*middle(place))
-        application.wait_for_popover()
+        self.open_popover(application, place)
         return self.focused_window("push button")
 
     def focused_window(self, *roles):

@@ -76,6 +76,13 @@ class XEmbedTray(DesktopCase):
             application.wait_until_popover_closed()
             holds(lambda: not application.popover(), "the closed popover")
 
+    def test_every_opening_is_told_to_a_screen_reader(self):
+        application, icon = self.start_and_wait()
+        for _repetition in range(2):
+            self.open_and_read_popover(application, icon.rect)
+            self.desktop.screen.key("Escape")
+            application.wait_until_popover_closed()
+
     def test_a_right_click_opens_the_menu_and_not_the_popover(self):
         application, icon = self.start_and_wait()
         menu = self.open_menu(application, icon.rect)

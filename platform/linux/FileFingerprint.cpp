@@ -1,0 +1,82 @@
+#include "platform/FileFingerprint.h"
+
+#include "base/UniqueFd.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+namespace vantry {
+
+namespace {
+
+// Younger than the C library's headers (Linux 6.8): a number that no later mount is given again.
+constexpr unsigned uniqueMountMask = 0x4000;
+
+// What the file system itself calls the file. It holds the inode's generation, which is new for each file, whereas
+// inode number and birth time of a file deleted and made again are often the same.
+std::optional<std::string> fileHandle(int fd) {
+    struct alignas(file_handle) Storage {
+        std::array<std::byte, sizeof(file_handle)> head;
+        std::array<unsigned char, MAX_HANDLE_SZ> handle;
+    } storage{};
+    file_handle head{};
+    head.handle_bytes = MAX_HANDLE_SZ;
+    std::memcpy(storage.head.data(), &head, sizeof head);
+    int mount = 0;
+    if (name_to_handle_at(fd, "", reinterpret_cast<file_handle*>(&storage), &mount, AT_EMPTY_PATH) != 0)
+        return std::nullopt;
+    std::memcpy(&head, storage.head.data(), sizeof head);
+    std::string text = fmt::format("handle {}:", head.handle_type);
+    for (std::size_t i = 0; i < head.handle_bytes && i < storage.handle.size(); ++i)
+        text += fmt::format("{:02x}", storage.handle[i]);
+    return text;
+}
+
+std::optional<std::string> resourceIdentifier(const std::optional<std::string>& handle, const struct statx& facts) {
+    const bool hasBirthTime = (facts.stx_mask & STATX_BTIME) != 0;
+    if ((facts.stx_mask & STATX_INO) == 0 || (!handle && !hasBirthTime))
+        return std::nullopt;
+    std::string text = handle ? *handle + ", " : std::string();
+    text += fmt::format("inode {}", std::uint64_t{facts.stx_ino});
+    if (hasBirthTime)
+        text += fmt::format(", born {}.{:09}", std::int64_t{facts.stx_btime.tv_sec},
+                            std::uint32_t{facts.stx_btime.tv_nsec});
+    return text;
+}
+
+// Not the file system's own number: `statfs` waits for servers. Not the device before the mount: files of an overlay
+// may be on other devices than the folder they are in.
+std::string volumeIdentifier(const struct statx& facts) {
+    if ((facts.stx_mask & (uniqueMountMask | STATX_MNT_ID)) != 0)
+        return fmt::format("mount {}", std::uint64_t{facts.stx_mnt_id});
+    return fmt::format("device {}:{}", std::uint32_t{facts.stx_dev_major}, std::uint32_t{facts.stx_dev_minor});
+}
+
+} // namespace
+
+FileFingerprint readFileFingerprint(int fd) {
+    struct statx facts = {};
+    if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW,
+              STATX_INO | STATX_MTIME | STATX_BTIME | STATX_MNT_ID | uniqueMountMask, &facts) != 0)
+        return {};
+    FileFingerprint fingerprint;
+    if ((facts.stx_mask & STATX_MTIME) != 0)
+        fingerprint.contentModificationDate = systemTimeFromUnix(facts.stx_mtime.tv_sec, facts.stx_mtime.tv_nsec);
+    fingerprint.resourceIdentifier = resourceIdentifier(fileHandle(fd), facts);
+    fingerprint.volumeIdentifier = volumeIdentifier(facts);
+    return fingerprint;
+}
+
+FileFingerprint readFileFingerprint(const std::filesystem::path& path) {
+    // One descriptor, so that all the answers are about one file.
+    const auto& item = path.has_filename() ? path : path.parent_path();
+    const UniqueFd fd(open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return fd ? readFileFingerprint(fd.get()) : FileFingerprint();
+}
+
+} // namespace vantry
