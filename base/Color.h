@@ -31,6 +31,7 @@ enum class SystemColor {
     cyan,
     mint,
     gray,
+    purple,
     label,
     secondaryLabel,
     tertiaryLabel,

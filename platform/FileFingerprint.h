@@ -24,8 +24,8 @@ struct FileFingerprint {
     bool operator==(const FileFingerprint&) const = default;
 };
 
-/// The item at `path` itself: a link that `path` ends in is not followed, those on the way to it are. A slash at the end
-/// changes nothing. Needs no permission on the item. On Linux waits for no server where cached attributes serve.
+/// The item at `path` itself: a link that `path` ends in is not followed, those on the way to it are. A slash at the
+/// end changes nothing. Needs no permission on the item. On Linux waits for no server where cached attributes serve.
 /// Blocking; any thread. Never fails: where nothing can be read every field is absent.
 [[nodiscard]] FileFingerprint readFileFingerprint(const std::filesystem::path& path);
 

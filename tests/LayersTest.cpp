@@ -88,9 +88,7 @@ bool isQtHeader(std::string_view name) {
            (file.starts_with('q') && file.ends_with(".h") && name == file);
 }
 
-bool isX11Header(std::string_view name) {
-    return isBelowAny(name, {"xcb", "X11"});
-}
+bool isX11Header(std::string_view name) { return isBelowAny(name, {"xcb", "X11"}); }
 
 bool isAppleFrameworkHeader(std::string_view name) {
     return isBelowAny(name, {"AppKit",
@@ -142,13 +140,14 @@ bool asksForTheSystem(std::string_view condition) {
     constexpr std::array names = {"__APPLE__", "__MACH__",      "__linux",  "linux",      "__gnu_linux__",
                                   "__unix",    "__FreeBSD__",   "_WIN32",   "TARGET_OS_", "Q_OS_",
                                   "__OBJC__",  "__has_include", "__GLIBC__"};
-    return std::ranges::any_of(names,
-                               [condition](std::string_view name) { return condition.find(name) != condition.npos; });
+    return std::ranges::any_of(
+        names, [condition](std::string_view name) { return condition.find(name) != std::string_view::npos; });
 }
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t\r");
-    return first == text.npos ? std::string_view() : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 /// Everything in `text` that breaks a rule. `file` is the path from the root of the tree.
@@ -173,8 +172,8 @@ std::vector<Finding> findingsIn(std::string_view file, std::string_view text) {
 
     const auto checkInclude = [&](std::string_view argument) {
         const bool quoted = argument.starts_with('"');
-        const auto end = argument.empty() ? argument.npos : argument.find(quoted ? '"' : '>', 1);
-        if ((!quoted && !argument.starts_with('<')) || end == argument.npos)
+        const auto end = argument.empty() ? std::string_view::npos : argument.find(quoted ? '"' : '>', 1);
+        if ((!quoted && !argument.starts_with('<')) || end == std::string_view::npos)
             return report(Rule::layer, "includes what cannot be read without a preprocessor");
         const auto name = argument.substr(1, end - 1);
 
@@ -268,21 +267,13 @@ TEST(Layers, TheTreeIsFound) {
         EXPECT_TRUE(std::ranges::count(wholeTree().files, file)) << file << " was not read";
 }
 
-TEST(Layers, AFolderIncludesOnlyFromTheFoldersBelowIt) {
-    EXPECT_EQ(findingsOfTree(Rule::layer), "");
-}
+TEST(Layers, AFolderIncludesOnlyFromTheFoldersBelowIt) { EXPECT_EQ(findingsOfTree(Rule::layer), ""); }
 
-TEST(Layers, ToolkitHeadersAreIncludedOnlyWhereTheToolkitIsUsed) {
-    EXPECT_EQ(findingsOfTree(Rule::toolkit), "");
-}
+TEST(Layers, ToolkitHeadersAreIncludedOnlyWhereTheToolkitIsUsed) { EXPECT_EQ(findingsOfTree(Rule::toolkit), ""); }
 
-TEST(Layers, SharedCodeIncludesNoHeaderThatOneSystemLacks) {
-    EXPECT_EQ(findingsOfTree(Rule::system), "");
-}
+TEST(Layers, SharedCodeIncludesNoHeaderThatOneSystemLacks) { EXPECT_EQ(findingsOfTree(Rule::system), ""); }
 
-TEST(Layers, SharedCodeDoesNotAskThePreprocessorForTheSystem) {
-    EXPECT_EQ(findingsOfTree(Rule::conditional), "");
-}
+TEST(Layers, SharedCodeDoesNotAskThePreprocessorForTheSystem) { EXPECT_EQ(findingsOfTree(Rule::conditional), ""); }
 
 TEST(Layers, APlantedViolationIsFoundWithItsFileAndLine) {
     const auto findings = findingsIn("base/Color.cpp", "#include \"base/Color.h\"\n\n#include \"app/Shell.h\"\n");

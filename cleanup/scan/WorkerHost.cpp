@@ -1,9 +1,10 @@
 #include "cleanup/scan/WorkerHost.h"
 
 #include "base/AtomicFile.h"
+#include "base/Uuid.h"
 #include "cleanup/scan/FilesystemWorker.h"
 #include "cleanup/scan/WorkerPayload.h"
-#include "platform/UserSession.h"
+#include "platform/ItemKind.h"
 
 #include <algorithm>
 #include <array>
@@ -12,8 +13,6 @@
 #include <cstdlib>
 #include <fmt/format.h>
 #include <poll.h>
-#include <random>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -25,13 +24,16 @@ constexpr std::chrono::milliseconds longestJob{500};
 constexpr std::chrono::milliseconds measuringGrace{200};
 constexpr std::chrono::milliseconds stopPatience{120}; // after SIGTERM, and again after SIGKILL
 constexpr std::size_t largestOutput = 64 << 20;
+constexpr int readsBetweenLooksAtTheClock = 16;
 
 enum class ReadResult { more, end, tooMuch };
 
-// Takes what the pipe holds right now.
-ReadResult drain(int pipe, std::string& output) {
-    std::array<char, 65536> buffer{};
-    for (;;) {
+// Takes what the pipe holds right now. One that is filled as fast as it is read is too much when time is up.
+ReadResult drain(int pipe, std::string& output, Deadline deadline) {
+    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): written by the call
+    for (int reads = 1;; ++reads) {
+        if (reads % readsBetweenLooksAtTheClock == 0 && hasPassed(deadline))
+            return ReadResult::tooMuch;
         const ssize_t length = read(pipe, buffer.data(), buffer.size());
         if (length < 0 && errno == EINTR)
             continue;
@@ -59,21 +61,11 @@ bool endsWithin(ChildProcess& worker, std::chrono::milliseconds patience) {
     return true;
 }
 
-bool isFolder(const std::filesystem::path& path) {
-    struct stat facts = {};
-    return lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
-}
-
-bool isRegularFile(const std::filesystem::path& path) {
-    struct stat facts = {};
-    return lstat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode);
-}
-
 /// A name for a worker's list; what stands there is removed at the end, whatever happened.
 class TemporaryList {
 public:
     explicit TemporaryList(const std::filesystem::path& folder)
-        : path_(folder / ("ombrel-children-" + uuid() + ".json")) {}
+        : path_(folder / ("ombrel-children-" + randomUuid() + ".json")) {}
     TemporaryList(const TemporaryList&) = delete;
     TemporaryList& operator=(const TemporaryList&) = delete;
     ~TemporaryList() { unlink(path_.c_str()); }
@@ -81,17 +73,8 @@ public:
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
 private:
-    static std::string uuid();
-
     std::filesystem::path path_;
 };
-
-std::string TemporaryList::uuid() {
-    std::random_device device;
-    const auto word = [&] { return static_cast<std::uint32_t>(device()); };
-    return fmt::format("{:08X}-{:04X}-4{:03X}-{:04X}-{:04X}{:08X}", word(), word() & 0xffff, word() & 0xfff,
-                       0x8000 | (word() & 0x3fff), word() & 0xffff, word());
-}
 
 } // namespace
 
@@ -99,11 +82,10 @@ Result<WorkerHost::Environment> WorkerHost::currentEnvironment() {
     auto executable = ownExecutable();
     if (!executable)
         return std::unexpected(executable.error());
-    std::error_code failure;
-    auto folder = std::filesystem::temp_directory_path(failure);
-    if (failure)
-        return std::unexpected(errorFromErrno(failure.value(), "temporary folder"));
-    return Environment{std::move(*executable), std::move(folder)};
+    // Whether it is there is seen when it is used: measuring needs none.
+    const char* variable = std::getenv("TMPDIR");
+    std::filesystem::path folder = variable ? variable : "";
+    return Environment{std::move(*executable), folder.is_absolute() ? std::move(folder) : "/tmp"};
 }
 
 WorkerHost::WorkerHost(Environment environment) : environment_(std::move(environment)) {}
@@ -111,7 +93,7 @@ WorkerHost::WorkerHost(Environment environment) : environment_(std::move(environ
 WorkerHost::~WorkerHost() { reapAbandoned(); }
 
 DirectoryMetrics WorkerHost::directoryMetrics(const std::filesystem::path& folder, Deadline deadline) {
-    if (isRegularFile(folder))
+    if (quickItemKind(folder) == ItemKind::regularFile)
         return CleanupScanner::directoryMetricsInProcess(folder, deadline);
     if (hasPassed(deadline))
         return {};
@@ -130,7 +112,10 @@ DirectoryMetrics WorkerHost::directoryMetrics(const std::filesystem::path& folde
 }
 
 ShallowChildren WorkerHost::shallowChildren(const std::filesystem::path& folder, Deadline deadline) {
-    if (hasPassed(deadline) || !isFolder(folder))
+    if (hasPassed(deadline))
+        return {};
+    // A worker refuses what is no folder, too.
+    if (const auto kind = quickItemKind(folder); kind != ItemKind::folder && kind != ItemKind::unknown)
         return {};
     const TemporaryList list(environment_.temporaryFolder);
     const auto finished = run({CleanupScanner::shallowChildrenFlag, folder.native(), list.path().native()},
@@ -160,7 +145,7 @@ std::optional<WorkerHost::Finished> WorkerHost::run(const std::vector<std::strin
     for (;;) {
         const auto status = worker->exitStatus();
         if (reading)
-            switch (drain(worker->output(), finished.output)) {
+            switch (drain(worker->output(), finished.output, deadline)) {
             case ReadResult::more: break;
             case ReadResult::end: reading = false; break;
             case ReadResult::tooMuch: stopWorker(std::move(*worker)); return std::nullopt;

@@ -61,6 +61,10 @@ public:
         return false;
     }
 
+    /// Whether `json` was such an object. The parser takes a zero for the end of the text.
+    [[nodiscard]] bool reads(std::string_view json) {
+        return json.find('\0') == std::string_view::npos && Json::sax_parse(json, this) && self().isWhole();
+    }
     [[nodiscard]] bool has(const char* key) const { return keys_.contains(key); }
 
 private:
@@ -93,6 +97,7 @@ public:
     }
     static bool takeArray(const std::string& /*key*/) { return false; }
     static bool takeElement(const std::string& /*key*/, std::string /*value*/) { return false; }
+    [[nodiscard]] bool isWhole() const { return has(sizeKey) && has(completeKey); }
 };
 
 class ChildrenReader : public ObjectReader<ChildrenReader> {
@@ -112,12 +117,19 @@ public:
             if (!bytes || isUtf8(*bytes))
                 return false;
             value = std::move(*bytes);
+            hasEncodedNames_ = true;
         }
         if (!canBeInAFolder(value))
             return false;
         payload.names.push_back(std::move(value));
         return true;
     }
+    [[nodiscard]] bool isWhole() const {
+        return has(namesKey) && has(completeKey) && has(encodedNamesKey) == hasEncodedNames_;
+    }
+
+private:
+    bool hasEncodedNames_ = false;
 };
 
 } // namespace
@@ -146,14 +158,14 @@ std::string encoded(const ShallowChildrenPayload& payload) {
 
 std::optional<DirectoryMetricsPayload> decodedDirectoryMetrics(std::string_view json) {
     MetricsReader reader;
-    if (!Json::sax_parse(json, &reader) || !reader.has(sizeKey) || !reader.has(completeKey))
+    if (!reader.reads(json))
         return std::nullopt;
     return reader.payload;
 }
 
 std::optional<ShallowChildrenPayload> decodedShallowChildren(std::string_view json) {
     ChildrenReader reader;
-    if (!Json::sax_parse(json, &reader) || !reader.has(namesKey) || !reader.has(completeKey))
+    if (!reader.reads(json))
         return std::nullopt;
     return std::move(reader.payload);
 }

@@ -18,6 +18,7 @@ NSColor* dynamicColor(SystemColor role) {
     case SystemColor::cyan: return [NSColor systemCyanColor];
     case SystemColor::mint: return [NSColor systemMintColor];
     case SystemColor::gray: return [NSColor systemGrayColor];
+    case SystemColor::purple: return [NSColor systemPurpleColor];
     case SystemColor::label: return [NSColor labelColor];
     case SystemColor::secondaryLabel: return [NSColor secondaryLabelColor];
     case SystemColor::tertiaryLabel: return [NSColor tertiaryLabelColor];

@@ -1,11 +1,14 @@
 #include "platform/ChildProcess.h"
 
+#include "base/Deadline.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -65,26 +68,53 @@ void startWithDefaultSignals(SpawnPlan& plan) {
     plan.attribute(posix_spawnattr_setflags, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
 }
 
+struct Pipe {
+    UniqueFd readEnd;
+    UniqueFd writeEnd;
+};
+
+// The child's standard streams are made one after the other: an end that has the number of one of them, in a process
+// without it, would be replaced before it is used.
+Result<Pipe> makePipe() {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+        return std::unexpected(errorFromErrno(errno, "pipe"));
+    Pipe made{UniqueFd(ends[0]), UniqueFd(ends[1])};
+    if (made.writeEnd.get() <= STDERR_FILENO)
+        made.writeEnd.reset(fcntl(made.writeEnd.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    if (!made.writeEnd || fcntl(made.readEnd.get(), F_SETFL, O_NONBLOCK) != 0)
+        return std::unexpected(errorFromErrno(errno, "pipe"));
+    return made;
+}
+
+// For a child that cannot be watched. Once killed it ends at once; the bound is for one that a file system holds.
+void killAndReap(pid_t pid) {
+    constexpr std::chrono::milliseconds patience{100};
+    kill(pid, SIGKILL);
+    for (const auto deadline = deadlineIn(patience); waitpid(pid, nullptr, WNOHANG) == 0 && !hasPassed(deadline);)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 } // namespace
 
 Result<ChildProcess> ChildProcess::start(const std::filesystem::path& program,
                                          const std::vector<std::string>& arguments, ChildOutput output) {
-    UniqueFd readEnd;
-    UniqueFd writeEnd;
+    Pipe pipe;
     if (output == ChildOutput::pipe) {
-        std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0)
-            return std::unexpected(errorFromErrno(errno, "pipe"));
-        readEnd.reset(ends[0]);
-        writeEnd.reset(ends[1]);
-        if (fcntl(readEnd.get(), F_SETFL, O_NONBLOCK) != 0)
-            return std::unexpected(errorFromErrno(errno, "pipe"));
+        auto made = makePipe();
+        if (!made)
+            return std::unexpected(made.error());
+        pipe = std::move(*made);
     }
+    // Keeps a place for the child's: a process that has no descriptor left starts no child.
+    UniqueFd exit(pidfd_open(getpid(), 0));
+    if (!exit)
+        return std::unexpected(errorFromErrno(errno, "pidfd_open"));
 
     SpawnPlan plan;
     plan.action(posix_spawn_file_actions_addopen, STDIN_FILENO, nullDevice, O_RDONLY, mode_t{0});
-    if (writeEnd)
-        plan.action(posix_spawn_file_actions_adddup2, writeEnd.get(), STDOUT_FILENO);
+    if (pipe.writeEnd)
+        plan.action(posix_spawn_file_actions_adddup2, pipe.writeEnd.get(), STDOUT_FILENO);
     else
         plan.action(posix_spawn_file_actions_addopen, STDOUT_FILENO, nullDevice, O_WRONLY, mode_t{0});
     plan.action(posix_spawn_file_actions_addopen, STDERR_FILENO, nullDevice, O_WRONLY, mode_t{0});
@@ -101,15 +131,15 @@ Result<ChildProcess> ChildProcess::start(const std::filesystem::path& program,
     pid_t pid = -1;
     if (const int failure = plan.spawn(pid, program.c_str(), pointers.data()); failure != 0)
         return std::unexpected(errorFromErrno(failure, program.native()));
-    UniqueFd exit(pidfd_open(pid, 0));
+    exit.reset();
+    exit.reset(pidfd_open(pid, 0));
     if (!exit) {
         // Without a way to see it end, the child is of no use.
         const auto error = errorFromErrno(errno, "pidfd_open");
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, WNOHANG);
+        killAndReap(pid);
         return std::unexpected(error);
     }
-    return ChildProcess(pid, std::move(exit), std::move(readEnd));
+    return ChildProcess(pid, std::move(exit), std::move(pipe.readEnd));
 }
 
 ChildProcess::ChildProcess(int pid, UniqueFd exit, UniqueFd output)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <dirent.h>
@@ -7,11 +8,12 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace vantry {
 
-enum class EntryKind { regularFile, directory, other, unknown };
+enum class EntryKind : char { regularFile, directory, other, unknown };
 
 struct DirectoryEntry {
     const char* name = nullptr; ///< valid until the next read
@@ -26,16 +28,17 @@ public:
     [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd) {
         entries_.clear();
         while (entries_.empty()) {
-            const ssize_t length = getdents64(fd, buffer_.get(), bufferSize);
-            if (length < 0 && errno == EINTR)
+            length_ = getdents64(fd, buffer_.get(), bufferSize);
+            if (length_ < 0 && errno == EINTR)
                 continue;
-            if (length < 0)
+            if (length_ < 0)
                 return std::unexpected(errno);
-            if (length == 0)
+            if (length_ == 0)
                 break;
-            for (ssize_t at = 0; at < length;) {
+            for (ssize_t at = 0; at < length_;) {
                 const auto* entry = reinterpret_cast<const dirent64*>(buffer_.get() + at);
                 at += entry->d_reclen;
+                end_ = entry->d_off;
                 const std::string_view name(entry->d_name);
                 if (name != "." && name != "..")
                     entries_.push_back({entry->d_name, kindOf(entry->d_type)});
@@ -44,8 +47,27 @@ public:
         return entries_;
     }
 
+    /// Whether what was read last from `fd` is known to be all there is. Leaves the entries and the place of the next
+    /// reading as they are.
+    [[nodiscard]] bool atEnd(int fd) {
+        if (length_ == 0)
+            return true;
+        if (piecesAreShort_ || length_ > bufferSize - largestEntry)
+            return false;
+        std::array<char, largestEntry> next; // NOLINT(cppcoreguidelines-pro-type-member-init): written by the call
+        const ssize_t more = getdents64(fd, next.data(), next.size());
+        if (more == 0)
+            return true;
+        // A file system that does not fill the buffer is not asked again: going back costs more than is saved.
+        piecesAreShort_ = true;
+        if (more > 0)
+            lseek(fd, end_, SEEK_SET);
+        return false;
+    }
+
 private:
-    static constexpr std::size_t bufferSize = 128 * 1024;
+    static constexpr ssize_t bufferSize = 128 * 1024;
+    static constexpr ssize_t largestEntry = 1024; // with a name longer than local file systems allow
 
     static EntryKind kindOf(unsigned char type) {
         switch (type) {
@@ -58,6 +80,9 @@ private:
 
     std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
     std::vector<DirectoryEntry> entries_;
+    ssize_t length_ = 0;          ///< of the last piece
+    off64_t end_ = 0;             ///< where the last piece ends
+    bool piecesAreShort_ = false; ///< although more follows
 };
 
 } // namespace vantry

@@ -74,7 +74,7 @@ FileFingerprint readFileFingerprint(int fd) {
 
 FileFingerprint readFileFingerprint(const std::filesystem::path& path) {
     // One descriptor, so that all the answers are about one file.
-    const auto& item = path.has_filename() ? path : path.parent_path();
+    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
     const UniqueFd fd(open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     return fd ? readFileFingerprint(fd.get()) : FileFingerprint();
 }

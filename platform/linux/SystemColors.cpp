@@ -18,7 +18,7 @@ struct Row {
 
 // Hues: Apple, Human Interface Guidelines, Color, Specifications, macOS (default contrast), 8-bit sRGB.
 // Text roles, separator and window background: AppKit's catalog colours in the aqua and dark aqua appearances.
-constexpr std::array<Row, 16> rows{{
+constexpr std::array<Row, 17> rows{{
     {SystemColor::red, rgb(255, 59, 48), rgb(255, 69, 58)},
     {SystemColor::orange, rgb(255, 149, 0), rgb(255, 159, 10)},
     {SystemColor::yellow, rgb(255, 204, 0), rgb(255, 214, 10)},
@@ -29,6 +29,7 @@ constexpr std::array<Row, 16> rows{{
     {SystemColor::cyan, rgb(85, 190, 240), rgb(90, 200, 245)},
     {SystemColor::mint, rgb(0, 199, 190), rgb(99, 230, 226)},
     {SystemColor::gray, rgb(142, 142, 147), rgb(152, 152, 157)},
+    {SystemColor::purple, rgb(175, 82, 222), rgb(191, 90, 242)},
     {SystemColor::label, rgb(0, 0, 0, 0.85), rgb(255, 255, 255, 0.85)},
     {SystemColor::secondaryLabel, rgb(0, 0, 0, 0.5), rgb(255, 255, 255, 0.55)},
     {SystemColor::tertiaryLabel, rgb(0, 0, 0, 0.26), rgb(255, 255, 255, 0.25)},

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <fcntl.h>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,8 +38,8 @@ protected:
     void sendDatagram(const std::string& bytes) const {
         const UniqueFd socket(::socket(AF_UNIX, SOCK_DGRAM, 0));
         const sockaddr_un address = addressOfSocket();
-        ASSERT_EQ(sendto(socket.get(), bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr*>(&address),
-                         sizeof address),
+        ASSERT_EQ(sendto(socket.get(), bytes.data(), bytes.size(), MSG_DONTWAIT,
+                         reinterpret_cast<const sockaddr*>(&address), sizeof address),
                   static_cast<ssize_t>(bytes.size()));
     }
 
@@ -59,6 +60,13 @@ TEST_F(TheOneInstance, IsTheFirstToClaim) {
     const auto second = claim();
     ASSERT_TRUE(second) << second.error().message;
     EXPECT_EQ(*second, nullptr);
+}
+
+TEST_F(TheOneInstance, NeitherWaitsOnItsSocketNorGivesItToChildren) {
+    const auto instance = claim();
+    ASSERT_TRUE(instance && *instance);
+    EXPECT_EQ(fcntl((*instance)->descriptor(), F_GETFL) & O_NONBLOCK, O_NONBLOCK);
+    EXPECT_EQ(fcntl((*instance)->descriptor(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
 TEST_F(TheOneInstance, MayBeAnotherWhenTheFirstHasEnded) {
@@ -108,15 +116,16 @@ TEST_F(TheOneInstance, PassesOverWhatIsNoRequest) {
                                            "cleanup\n",
                                            "\xff\xfe",
                                            std::string(64, 'x'),
-                                           "cleanup" + std::string(4096, ' ')};
-    for (const auto& bytes : garbage)
+                                           "cleanup" + std::string(1024, ' ')};
+    for (const auto& bytes : garbage) {
+        SCOPED_TRACE(testing::PrintToString(bytes));
         sendDatagram(bytes);
-    EXPECT_EQ((*instance)->receive(), std::nullopt) << "and does not wait for better";
-    sendDatagram("nonsense");
-    sendDatagram("cleanup");
-    sendDatagram("nonsense");
-    EXPECT_EQ((*instance)->receive(), InstanceRequest::showCleanup);
-    EXPECT_EQ((*instance)->receive(), std::nullopt);
+        EXPECT_EQ((*instance)->receive(), std::nullopt) << "and does not wait for better";
+        sendDatagram(bytes);
+        sendDatagram("cleanup");
+        EXPECT_EQ((*instance)->receive(), InstanceRequest::showCleanup);
+        EXPECT_EQ((*instance)->receive(), std::nullopt);
+    }
 }
 
 TEST_F(TheOneInstance, ReplacesASocketThatWasLeftBehind) {

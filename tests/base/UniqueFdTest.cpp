@@ -1,9 +1,12 @@
 #include "base/UniqueFd.h"
 
+#include "tests/support/ChildProcess.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -29,10 +32,18 @@ TEST(UniqueFd, HoldsNothingUnlessToldOtherwise) {
     EXPECT_FALSE(UniqueFd(-1));
 }
 
-TEST(UniqueFd, StandardInputIsADescriptorToo) {
-    UniqueFd standardInput(0);
-    EXPECT_TRUE(standardInput);
-    EXPECT_EQ(standardInput.release(), 0);
+TEST(UniqueFd, ZeroIsADescriptorToo) {
+    const std::string answer = inChildProcess([]() -> std::string {
+        if (dup2(openSomething(), 0) != 0)
+            return "no descriptor";
+        {
+            const UniqueFd standardInput(0);
+            if (!standardInput)
+                return "taken for none";
+        }
+        return isOpen(0) ? "left open" : "closed";
+    });
+    EXPECT_EQ(answer, "closed");
 }
 
 TEST(UniqueFd, ClosesWhatItOwnsAtTheEnd) {

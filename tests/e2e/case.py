@@ -73,9 +73,12 @@ class DesktopCase(unittest.TestCase):
 
     def focused_window(self, *roles):
         """The window with the object that gets the keyboard, which has one of the roles."""
-        focus = wait_until(lambda: (found := self.desktop.accessibility.focus()) and found.role in roles and found,
-                           f"the focus on a {' or '.join(roles)}")
-        return focus.window()
+        def window():
+            focus = self.desktop.accessibility.focus()
+            # A window that is itself the button is the strip.
+            return focus and focus.role in roles and (found := focus.window()) != focus and found
+
+        return wait_until(window, f"the focus on a {' or '.join(roles)}")
 
     def open_menu(self, application, place):
         """Clicks with the right button at `place` and returns the menu."""
@@ -102,5 +105,6 @@ class DesktopCase(unittest.TestCase):
         for title in titles:
             entry = next(each for each in menu.children if each.name == title)
             wait_until(lambda entry=entry: entry.has("showing"), f"{title!r} in the menu")
+            submenus = entry.children
             self.click_on(entry)
-            menu = next(iter(entry.children), None)
+            menu = submenus[0] if submenus else None

@@ -3,6 +3,7 @@
 Nothing of it is shared with the desktop on which the tests run, and all of it is gone after `Desktop.close()`.
 """
 
+import atexit
 import configparser
 import ctypes
 import os
@@ -51,22 +52,29 @@ XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
       <property name="position" type="string" value="p=6;x=0;y=0"/>
       <property name="length" type="uint" value="100"/>
       <property name="position-locked" type="bool" value="true"/>
-      <property name="icon-size" type="uint" value="22"/>
-      <property name="size" type="uint" value="{height}"/>
+      <property name="icon-size" type="uint" value="{icon_size}"/>
+      <property name="size" type="uint" value="{size}"/>
       <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
     </property>
   </property>
   <property name="plugins" type="empty">
     <property name="plugin-1" type="string" value="systray">
       <property name="square-icons" type="bool" value="true"/>
+      <property name="icon-size" type="int" value="{icon_size}"/>
     </property>
   </property>
 </channel>
 """
 
 
+signal.signal(signal.SIGTERM, signal.default_int_handler)  # ends the tests too, and closes the desktops first
+
+_prctl = ctypes.CDLL(None).prctl
+_prctl(36, 1)  # PR_SET_CHILD_SUBREAPER: what a child of ours leaves behind becomes our child
+
+
 def _die_with_parent():
-    ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
+    _prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
 
 
 class Volume:
@@ -123,11 +131,12 @@ class Home:
 class Application:
     """A running Ombrel."""
 
-    def __init__(self, desktop, home, arguments, environment):
+    def __init__(self, desktop, home, program, arguments, environment):
         self.desktop, self.home = desktop, home
+        self.scale = int(environment.get("QT_SCALE_FACTOR", 1))
         self._log = Path(f"{home.folder}.log")
         with self._log.open("a") as log:
-            self._process = desktop.spawn([str(PROGRAM), *arguments], stdout=log, stderr=log, home=home.folder,
+            self._process = desktop.spawn([str(program), *arguments], stdout=log, stderr=log, home=home.folder,
                                           environment={"LD_PRELOAD": str(FAKE_VOLUME),
                                                        "OMBREL_FAKE_VOLUME_FILE": str(desktop.volume.path),
                                                        "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **environment})
@@ -170,7 +179,8 @@ class Application:
 
     def strip(self):
         """The bar in its own window; absent when it is in a tray."""
-        return next((window for window in self.windows() if window.rect.height == 24 and window.rect.width in (60, 94)), None)
+        sizes = [(width * self.scale, 24 * self.scale) for width in (60, 94)]
+        return next((window for window in self.windows() if (window.rect.width, window.rect.height) in sizes), None)
 
     def wait_for_strip(self, width=None):
         return wait_until(lambda: (found := self.strip()) and width in (None, found.rect.width) and found,
@@ -179,14 +189,15 @@ class Application:
     def tray_icon(self):
         """The window inside an XEmbed tray."""
         owner = self.desktop.screen.selection_owner("_NET_SYSTEM_TRAY_S0")
-        return next((window for window in self.windows() if owner and window.depth > 1 and 8 <= window.rect.width <= 64
-                     and window.rect.width == window.rect.height), None)
+        return next((window for window in self.windows() if owner and window.depth > 1 and
+                     all(8 <= side <= 128 for side in (window.rect.width, window.rect.height))), None)
 
     def wait_for_tray_icon(self):
         return wait_until(self.tray_icon, "an icon in the tray")
 
     def popover(self):
-        return next((window for window in self.windows() if window.rect.width >= 380 and window.rect.height >= 452), None)
+        return next((window for window in self.windows() if window.rect.width >= 380 * self.scale and
+                     window.rect.height >= 452 * self.scale), None)
 
     def wait_for_popover(self):
         return wait_until(self.popover, "the popover")
@@ -204,22 +215,25 @@ class Application:
 
 
 class Desktop:
-    """`tray` is "trayer" (XEmbed), "xfce" (xfce4-panel), "notifier" (`NotifierTray`) or None."""
+    """`tray` is "trayer" (XEmbed), "xfce" (xfce4-panel), "notifier" (`NotifierTray`) or None. The panel of the first two is
+    light or dark as the scheme is, and made for the `scale`."""
 
-    def __init__(self, tray=None, scheme="light", size="1000x760", accessibility=True, portal=True, dark_panel=False):
+    def __init__(self, tray=None, scheme="light", size="1000x760", scale=1, accessibility=True, portal=True):
         # A socket's path has to be short, so it does not go where TMPDIR may point.
         self.folder = Path(tempfile.mkdtemp(prefix="ombrel-", dir="/tmp"))
+        self.scale, self.dark = scale, scheme == "dark"
         self._processes, self._closers, self._homes = [], [], 0
         self.loop = self.portal = self.login = self.notifier = self.accessibility = None
         self.environment = {"PATH": os.environ.get("PATH", "/usr/bin:/bin"), "LC_ALL": "C.UTF-8", "TZ": "UTC",
                             MARK: str(self.folder)}
+        atexit.register(self.close)
         try:
-            self._start(tray, scheme, size, accessibility, portal, dark_panel)
+            self._start(tray, scheme, size, accessibility, portal)
         except BaseException:
             self.close()
             raise
 
-    def _start(self, tray, scheme, size, accessibility, portal, dark_panel):
+    def _start(self, tray, scheme, size, accessibility, portal):
         self.runtime = self.folder / "run"
         self.runtime.mkdir(mode=0o700)
         (self.folder / "services").mkdir()
@@ -244,9 +258,11 @@ class Desktop:
         if accessibility:
             self._start_accessibility()
         if tray:
-            getattr(self, f"start_{tray}")(**({"dark": True} if dark_panel else {}))
+            getattr(self, f"start_{tray}")()
 
     def close(self):
+        """Ends and removes everything; nothing happens the second time."""
+        atexit.unregister(self.close)
         for closer in reversed(self._closers):
             try:
                 closer()
@@ -254,29 +270,37 @@ class Desktop:
                 print(f"closing the desktop: {problem}", file=sys.stderr)
         self._closers.clear()
         for process in reversed(self._processes):
-            process.kill()
-            process.wait()
-        for _attempt in range(20):  # what they had started
-            stray = self._marked_processes()
-            if not stray:
-                break
-            for pid in stray:
-                try:
-                    os.kill(pid, signal.SIGKILL)
-                except ProcessLookupError:
-                    pass
+            process.terminate()
+            try:
+                process.wait(2)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+        self._end_the_rest()
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def _marked_processes(self):
+    def _end_the_rest(self):
+        """Ends what those processes had started, found by the mark in its environment, and forgets what has ended."""
         mark = f"{MARK}={self.folder}".encode()
-        found = []
-        for entry in Path("/proc").iterdir():
-            try:
-                if entry.name.isdigit() and mark in (entry / "environ").read_bytes().split(b"\0"):
-                    found.append(int(entry.name))
-            except OSError:
-                pass  # ended, or somebody else's
-        return found
+        known = {process.pid for process in self._processes}
+
+        def nothing_left():
+            left = False
+            for entry in Path("/proc").iterdir():
+                try:
+                    if not entry.name.isdigit() or int(entry.name) in known:
+                        continue
+                    pid, (state, parent) = int(entry.name), (entry / "stat").read_text().rpartition(")")[2].split()[:2]
+                    if state == "Z" and int(parent) == os.getpid():
+                        os.waitpid(pid, os.WNOHANG)
+                    elif mark in (entry / "environ").read_bytes().split(b"\0"):
+                        left = True
+                        os.kill(pid, signal.SIGKILL)
+                except OSError:
+                    pass  # ended meanwhile, or somebody else's
+            return not left
+
+        wait_until(nothing_left, "the end of all processes")
 
     # ---- processes
 
@@ -329,7 +353,9 @@ class Desktop:
     # ---- trays
 
     def start_trayer(self):
-        self.trayer = self.spawn(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"])
+        tint = "0x202020" if self.dark else "0xF0F0F0"
+        self.trayer = self.spawn(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--transparent",
+                                  "true", "--alpha", "0", "--tint", tint, "--height", str(24 * self.scale)])
         wait_until(lambda: self.screen.selection_owner("_NET_SYSTEM_TRAY_S0"), "trayer")
 
     def stop_trayer(self):
@@ -345,11 +371,12 @@ class Desktop:
         self.notifier.close()
         wait_until(lambda: not self.session_bus.has_owner(NotifierTray.name), "the tray to end")
 
-    def start_xfce(self, dark=False, height=26):
+    def start_xfce(self):
         (self.folder / "services/xfconf.service").symlink_to("/usr/share/dbus-1/services/org.xfce.Xfconf.service")
         channels = self.home.configuration / "xfce4/xfconf/xfce-perchannel-xml"
         channels.mkdir(parents=True)
-        (channels / "xfce4-panel.xml").write_text(XFCE_PANEL.format(dark=str(dark).lower(), height=height))
+        (channels / "xfce4-panel.xml").write_text(XFCE_PANEL.format(dark=str(self.dark).lower(), size=26 * self.scale,
+                                                                    icon_size=22 * self.scale))
         self.session_bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig")
         self.session_bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                               "UpdateActivationEnvironment",
@@ -382,6 +409,6 @@ class Desktop:
         self._homes += 1
         return Home(self.folder / f"home{self._homes}")
 
-    def start(self, home=None, arguments=(), environment=None):
+    def start(self, home=None, program=PROGRAM, arguments=(), environment=None):
         """Starts Ombrel, with a fresh home folder unless one is given."""
-        return Application(self, home or self.new_home(), arguments, environment or {})
+        return Application(self, home or self.new_home(), program, arguments, environment or {})

@@ -10,6 +10,7 @@ from Xlib.ext import xtest
 from waiting import wait_until
 
 LEFT, MIDDLE, RIGHT = 1, 2, 3
+NO_DOUBLE_CLICK = 0.45  # seconds between two clicks
 
 Rect = namedtuple("Rect", "x y width height")
 
@@ -34,6 +35,7 @@ class Screen:
     def __init__(self, name):
         self.display = display.Display(name)
         self.root = self.display.screen().root
+        self._clicked = 0.0
 
     def close(self):
         self.display.close()
@@ -89,12 +91,17 @@ class Screen:
     # ---- the picture
 
     def picture(self, rect=None):
-        """What is seen there, as an RGB picture."""
-        if rect is None:
-            geometry = self.root.get_geometry()
-            rect = Rect(0, 0, geometry.width, geometry.height)
-        raw = self.root.get_image(rect.x, rect.y, rect.width, rect.height, X.ZPixmap, 0xFFFFFFFF)
-        return Image.frombytes("RGB", (rect.width, rect.height), raw.data, "raw", "BGRX")
+        """What is seen there, as an RGB picture; black outside of the screen."""
+        screen = self.root.get_geometry()
+        rect = rect or Rect(0, 0, screen.width, screen.height)
+        left, top = max(rect.x, 0), max(rect.y, 0)
+        right, bottom = min(rect.x + rect.width, screen.width), min(rect.y + rect.height, screen.height)
+        result = Image.new("RGB", (rect.width, rect.height))
+        if left < right and top < bottom:
+            size = right - left, bottom - top
+            raw = self.root.get_image(left, top, *size, X.ZPixmap, 0xFFFFFFFF)
+            result.paste(Image.frombytes("RGB", size, raw.data, "raw", "BGRX"), (left - rect.x, top - rect.y))
+        return result
 
     def steady_picture(self, rect=None):
         """The picture as soon as it has stopped to change."""
@@ -121,12 +128,15 @@ class Screen:
         xtest.fake_input(self.display, X.ButtonRelease, button)
         self.display.sync()
 
-    def click(self, x, y, button=LEFT):
-        """Presses for as long as a quick finger does: what acts on the press has acted when the button comes up."""
+    def click(self, x, y, button=LEFT, seconds=0.04):
+        """Presses for as long as a quick finger does: what acts on the press has acted when the button comes up. Waits
+        before that so that two clicks are two and not a double click."""
+        time.sleep(max(0.0, self._clicked + NO_DOUBLE_CLICK - time.monotonic()))
         self.move_to(x, y)
         self.press_button(button)
-        time.sleep(0.04)
+        time.sleep(seconds)
         self.release_button(button)
+        self._clicked = time.monotonic()
 
     def key(self, name, *modifiers):
         """Presses and releases a key, with others held: `key("q", "Control_L")`."""

@@ -118,7 +118,7 @@ class NotifierTrayItem(DesktopCase):
                 rect = application.wait_for_popover().rect
                 self.assertTrue(0 <= rect.x and rect.x + rect.width <= 1000 and
                                 0 <= rect.y and rect.y + rect.height <= 760, rect)
-                self.desktop.screen.key("Escape")
+                item.activate(x, y)
                 application.wait_until_popover_closed()
 
     def test_the_menu_has_the_commands_in_their_order(self):
@@ -205,7 +205,7 @@ class NotifierTrayComesAndGoes(DesktopCase):
             wait_until(lambda: not application.windows(), "the strip to go")
             item.activate()
             application.wait_for_popover()
-            self.desktop.screen.key("Escape")
+            item.activate()
             application.wait_until_popover_closed()
             self.desktop.stop_notifier()
             strip = application.wait_for_strip()

@@ -34,7 +34,7 @@ class Strip(DesktopCase):
         button = self.button(application)
         self.assertEqual((button.role, button.name, button.children), ("push button", HALF_FULL, []))
         self.assertEqual(button.description, HALF_FULL)
-        wait_for_equal(strip.rect, lambda: button.rect, "the button's place")
+        self.assertEqual((button.rect.width, button.rect.height), (60, 24))
 
     def test_shows_how_full_the_volume_is(self):
         # The bar is 50 points wide; its ends are round.
@@ -136,6 +136,13 @@ class Strip(DesktopCase):
             self.desktop.screen.click(*middle(strip.rect))
             application.wait_until_popover_closed()
             holds(lambda: not application.popover(), "the closed popover")
+
+    def test_a_slow_click_closes_the_popover_too(self):
+        application, strip = self.start_and_wait()
+        self.open_popover(application, strip.rect)
+        self.desktop.screen.click(*middle(strip.rect), seconds=0.6)
+        application.wait_until_popover_closed()
+        holds(lambda: not application.popover(), "the closed popover")
 
     def test_escape_and_a_click_outside_close_the_popover(self):
         application, strip = self.start_and_wait()

@@ -12,9 +12,12 @@ class XEmbedTray(DesktopCase):
     def start_and_wait(self, home=None):
         """The application with its first figures in the tray."""
         application = self.start(home=home)
-        icon = application.wait_for_tray_icon()
-        wait_until(lambda: coloured_columns(self.desktop.screen.picture(icon.rect)) > 0, "the bar in the tray")
-        return application, icon
+
+        def painted_icon():
+            icon = application.tray_icon()
+            return icon and coloured_columns(self.desktop.screen.picture(icon.rect)) > 0 and icon
+
+        return application, wait_until(painted_icon, "the bar in the tray")
 
     def picture(self, icon):
         return self.desktop.screen.steady_picture(icon.rect)
@@ -68,6 +71,13 @@ class XEmbedTray(DesktopCase):
             application.wait_until_popover_closed()
             holds(lambda: not application.popover(), "the closed popover")
 
+    def test_a_slow_click_closes_the_popover_too(self):
+        application, icon = self.start_and_wait()
+        self.open_popover(application, icon.rect)
+        self.desktop.screen.click(*middle(icon.rect), seconds=0.6)
+        application.wait_until_popover_closed()
+        holds(lambda: not application.popover(), "the closed popover")
+
     def test_escape_and_a_click_outside_close_the_popover(self):
         application, icon = self.start_and_wait()
         for close in (lambda: self.desktop.screen.key("Escape"), lambda: self.desktop.screen.click(100, 600)):
@@ -113,7 +123,9 @@ class XEmbedTrayComesAndGoes(DesktopCase):
             self.desktop.start_trayer()
             icon = application.wait_for_tray_icon()
             wait_until(lambda: not application.strip(), "the strip to go")
-            wait_until(lambda icon=icon: coloured_columns(self.desktop.screen.picture(icon.rect)) > 5, "the bar in the tray")
+            wait_until(lambda: (icon := application.tray_icon()) and
+                       coloured_columns(self.desktop.screen.picture(icon.rect)) > 5, "the bar in the tray")
+            icon = application.tray_icon()
             self.open_popover(application, icon.rect)
             self.desktop.screen.key("Escape")
             application.wait_until_popover_closed()

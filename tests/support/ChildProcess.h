@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <sched.h>
@@ -16,6 +17,7 @@ namespace vantry {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0)
         return "no pipe";
+    std::fflush(nullptr); // or the copy prints it once more
     const pid_t child = fork();
     if (child < 0)
         return "no child process";

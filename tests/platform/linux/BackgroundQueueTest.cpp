@@ -17,6 +17,9 @@ namespace {
 
 int nicenessOfThisThread() { return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); }
 
+// Before any test has had a block run.
+const int nicenessAtStart = nicenessOfThisThread();
+
 int nicenessOfABlock(QualityOfService quality) {
     const auto answer = std::make_shared<std::promise<int>>();
     auto niceness = answer->get_future();
@@ -27,15 +30,14 @@ int nicenessOfABlock(QualityOfService quality) {
 } // namespace
 
 TEST(LinuxBackgroundQueue, AUtilityBlockGivesWayToOthers) {
-    const int own = nicenessOfThisThread();
-    if (own >= 5)
+    if (nicenessAtStart >= 5)
         GTEST_SKIP() << "this process gives way already";
     EXPECT_EQ(nicenessOfABlock(QualityOfService::utility), 5);
-    EXPECT_EQ(nicenessOfThisThread(), own) << "the priority is the thread's, not the process's";
+    EXPECT_EQ(nicenessOfThisThread(), nicenessAtStart) << "the priority is the thread's, not the process's";
 }
 
 TEST(LinuxBackgroundQueue, ABlockThatTheUserWaitsForKeepsThePriorityOfTheProcess) {
-    EXPECT_EQ(nicenessOfABlock(QualityOfService::userInitiated), nicenessOfThisThread());
+    EXPECT_EQ(nicenessOfABlock(QualityOfService::userInitiated), nicenessAtStart);
 }
 
 TEST(LinuxBackgroundQueue, WithoutAThreadToBeHadABlockRunsAtOnceOnTheCallers) {

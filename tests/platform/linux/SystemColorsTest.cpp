@@ -23,6 +23,7 @@ constexpr Expected table[] = {
     {SystemColor::cyan, {85, 190, 240}, {90, 200, 245}},
     {SystemColor::mint, {0, 199, 190}, {99, 230, 226}},
     {SystemColor::gray, {142, 142, 147}, {152, 152, 157}},
+    {SystemColor::purple, {175, 82, 222}, {191, 90, 242}},
     {SystemColor::label, {0, 0, 0, 0.85}, {255, 255, 255, 0.85}},
     {SystemColor::secondaryLabel, {0, 0, 0, 0.5}, {255, 255, 255, 0.55}},
     {SystemColor::tertiaryLabel, {0, 0, 0, 0.26}, {255, 255, 255, 0.25}},

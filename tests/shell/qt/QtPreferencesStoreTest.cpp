@@ -211,8 +211,7 @@ TEST_F(QtPreferences, AFileThatHoldsNoneReadsAsTheDefaults) {
         "]]]]\n[[[[\n",
         std::string(100'000, '\0'),
         std::string(100'000, '\xff'),
-        "\x7f"
-        "ELF\x02\x01\x01",
+        "\177ELF\2\1\1",
         "[General]\nbarStyle",
         "[General]\nbarStyle=\\x",
         "[General]\nbarStyle=\"never closed",

@@ -1,0 +1,141 @@
+#pragma once
+
+#include "base/UniqueFd.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <deque>
+#include <expected>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+inline constexpr int folderOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+/// A folder of a tree that is being walked. Its descriptor may be closed for want of others, see `OpenFolders`; one
+/// without a parent stays open.
+struct WalkedFolder {
+    WalkedFolder(std::shared_ptr<WalkedFolder> parentFolder, std::string folderName)
+        : parent(std::move(parentFolder)),
+          name(std::move(folderName)) {}
+    explicit WalkedFolder(UniqueFd root) : fd(std::move(root)) {}
+    WalkedFolder(const WalkedFolder&) = delete;
+    WalkedFolder& operator=(const WalkedFolder&) = delete;
+    ~WalkedFolder() {
+        // A chain of folders is let go of one by one: as deep as a tree can be, the stack is not.
+        for (auto ancestor = std::move(parent); ancestor && ancestor.use_count() == 1;)
+            ancestor = std::exchange(ancestor->parent, nullptr);
+    }
+
+    struct Identity {
+        dev_t device = 0;
+        ino_t inode = 0;
+
+        bool operator==(const Identity&) const = default;
+    };
+
+    std::shared_ptr<WalkedFolder> parent;
+    std::string name;
+    UniqueFd fd;
+    off_t position = 0;               ///< where reading goes on after the descriptor was closed
+    std::optional<Identity> identity; ///< set once it was closed
+};
+
+/// Opens the folders of a walk, each by its name in its parent and never through a link, and keeps few of them open.
+class OpenFolders {
+public:
+    /// Opens `folder` unless it is open; reading goes on where it was. The error is an errno: ESTALE when a folder that
+    /// was open before cannot be found again.
+    [[nodiscard]] std::expected<void, int> open(const std::shared_ptr<WalkedFolder>& folder) {
+        std::vector<std::shared_ptr<WalkedFolder>> closed;
+        for (auto next = folder; !next->fd; next = next->parent) {
+            if (next->identity && climbTo(next))
+                break;
+            closed.push_back(next);
+        }
+        for (auto next = closed.rbegin(); next != closed.rend(); ++next) {
+            UniqueFd fd(openat((*next)->parent->fd.get(), (*next)->name.c_str(), folderOpenFlags));
+            if ((*next)->identity && (!fd || identityOf(fd) != (*next)->identity))
+                return std::unexpected(ESTALE);
+            if (!fd)
+                return std::unexpected(errno);
+            keep(*next, std::move(fd));
+        }
+        latest_ = folder;
+        return {};
+    }
+
+    void clear() {
+        latest_.reset();
+        open_.clear();
+    }
+
+private:
+    static constexpr std::size_t mostOpen = 128;
+
+    static std::optional<WalkedFolder::Identity> identityOf(const UniqueFd& fd) {
+        struct stat facts = {};
+        if (fstat(fd.get(), &facts) != 0)
+            return std::nullopt;
+        return WalkedFolder::Identity{facts.st_dev, facts.st_ino};
+    }
+
+    void keep(const std::shared_ptr<WalkedFolder>& folder, UniqueFd fd) {
+        if (folder->position != 0)
+            lseek(fd.get(), folder->position, SEEK_SET);
+        folder->fd = std::move(fd);
+        open_.push_back(folder);
+        if (open_.size() <= mostOpen)
+            return;
+        std::erase_if(open_, [](const auto& reference) { return reference.expired(); });
+        while (open_.size() > mostOpen)
+            closeOldest();
+    }
+
+    // The oldest belong to the folders that are needed last. One that cannot be told from others stays open.
+    void closeOldest() {
+        const auto oldest = open_.front().lock();
+        open_.pop_front();
+        if (!oldest)
+            return;
+        oldest->identity = identityOf(oldest->fd);
+        oldest->position = lseek(oldest->fd.get(), 0, SEEK_CUR);
+        if (oldest->identity && oldest->position >= 0)
+            oldest->fd.reset();
+    }
+
+    // On the way back up from a deep place the parents are near, whereas the way down from the root is long.
+    bool climbTo(const std::shared_ptr<WalkedFolder>& folder) {
+        const WalkedFolder* nearest = nullptr;
+        std::size_t steps = 0;
+        const WalkedFolder* below = latest_.get();
+        for (; below && below != folder.get(); below = below->parent.get()) {
+            if (below->fd) {
+                nearest = below;
+                steps = 0;
+            }
+            ++steps;
+        }
+        if (!below || !nearest)
+            return false;
+        UniqueFd fd(openat(nearest->fd.get(), "..", folderOpenFlags));
+        while (fd && --steps > 0)
+            fd.reset(openat(fd.get(), "..", folderOpenFlags));
+        if (!fd || identityOf(fd) != folder->identity)
+            return false;
+        keep(folder, std::move(fd));
+        return true;
+    }
+
+    std::deque<std::weak_ptr<WalkedFolder>> open_; ///< in the order of opening; some may be gone
+    std::shared_ptr<WalkedFolder> latest_;         ///< what was opened last
+};
+
+} // namespace vantry
