@@ -111,6 +111,8 @@ void AppDelegate::refreshStorage() {
     render();
     services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
                                                                   read = services_.readSystemVolume] {
+        if (weak.expired())
+            return;
         queue->post([weak, result = read()] {
             if (const auto self = weak.lock())
                 self->finishRefresh(result);
@@ -138,8 +140,10 @@ void AppDelegate::finishRefresh(const StorageReadResult& result) {
 // ---- the wallpaper
 
 void AppDelegate::refreshWallpaperTheme(bool force) {
-    if (wallpaperRefreshInFlight_)
+    if (wallpaperRefreshInFlight_) {
+        wallpaperRefreshForced_ = wallpaperRefreshForced_ || force; // counts while the file is still looked for
         return;
+    }
     const auto screen = wallpaperScreen(*services_.workspace);
     if (!screen) {
         applyWallpaperThemeColors(fallbackPalette());
@@ -147,19 +151,21 @@ void AppDelegate::refreshWallpaperTheme(bool force) {
     }
     // Finding the file may start a process and read the disk, so it happens in the background as well.
     wallpaperRefreshInFlight_ = true;
+    wallpaperRefreshForced_ = force;
     services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
-                                                                  wallpaper = services_.wallpaper, screen, force] {
+                                                                  wallpaper = services_.wallpaper, screen] {
+        if (weak.expired())
+            return;
         auto url = wallpaper.currentWallpaperURL(*screen);
         auto identity = url ? wallpaper.identity(*url) : std::string();
-        queue->post([weak, force, url = std::move(url), identity = std::move(identity)] {
+        queue->post([weak, url = std::move(url), identity = std::move(identity)] {
             if (const auto self = weak.lock())
-                self->wallpaperFound(force, url, identity);
+                self->wallpaperFound(url, identity);
         });
     });
 }
 
-void AppDelegate::wallpaperFound(bool force, const std::optional<std::filesystem::path>& url,
-                                 const std::string& identity) {
+void AppDelegate::wallpaperFound(const std::optional<std::filesystem::path>& url, const std::string& identity) {
     if (!url) {
         wallpaperRefreshInFlight_ = false;
         applyWallpaperThemeColors(fallbackPalette());
@@ -167,7 +173,7 @@ void AppDelegate::wallpaperFound(bool force, const std::optional<std::filesystem
     }
     const bool fresh =
         wallpaperPaletteUpdatedAt_ && services_.now() - *wallpaperPaletteUpdatedAt_ < wallpaperPaletteLifetime;
-    if (!force && fresh && wallpaperIdentity_ == identity) {
+    if (!wallpaperRefreshForced_ && fresh && wallpaperIdentity_ == identity) {
         wallpaperRefreshInFlight_ = false;
         return;
     }
@@ -175,6 +181,8 @@ void AppDelegate::wallpaperFound(bool force, const std::optional<std::filesystem
     services_.backgroundQueue->submit(
         QualityOfService::utility,
         [weak = weak_from_this(), queue = services_.mainQueue, palette = services_.wallpaper.palette, url, identity] {
+            if (weak.expired())
+                return;
             queue->post([weak, identity, colors = palette(*url, wallpaperColorCount)] {
                 if (const auto self = weak.lock())
                     self->wallpaperSampled(identity, colors);

@@ -73,7 +73,7 @@ private:
     void changeBarStyle(BarStyle style);
     void showSegmentSizing(SegmentSizing sizing);
     void finishRefresh(const StorageReadResult& result);
-    void wallpaperFound(bool force, const std::optional<std::filesystem::path>& url, const std::string& identity);
+    void wallpaperFound(const std::optional<std::filesystem::path>& url, const std::string& identity);
     void wallpaperSampled(const std::string& identity, std::optional<std::vector<Rgba>> palette);
     void render();
 
@@ -90,6 +90,7 @@ private:
     std::optional<std::string> wallpaperIdentity_;
     std::optional<SystemTime> wallpaperPaletteUpdatedAt_;
     bool wallpaperRefreshInFlight_ = false;
+    bool wallpaperRefreshForced_ = false; ///< what runs was asked for with force, then or since
 };
 
 } // namespace vantry

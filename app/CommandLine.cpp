@@ -25,7 +25,7 @@ std::string helpText() {
            "Shows how full the startup volume is as a coloured bar in the menu bar or tray.\n"
            "\n"
            "  --show-cleanup   also open the \"Free Up Space\" window\n"
-           "  --status         print the volume's figures and end\n"
+           "  --status         print the volume’s figures and end\n"
            "  --status=json    print them as one JSON object and end\n"
            "  --help           print this and end\n"
            "  --version        print the version and end\n"

@@ -123,7 +123,8 @@ std::optional<InstanceRequest> SingleInstance::receive() {
 std::string instanceName(const std::filesystem::path& home, const std::string& session) {
     // FNV-1a, 64 bits: a short file name, the same in every start.
     std::uint64_t hash = 14695981039346656037U;
-    for (const char byte : home.lexically_normal().native() + '\0' + session) {
+    const auto folder = (home / "").lexically_normal(); // with a slash at its end, whether or not it came with one
+    for (const char byte : folder.native() + '\0' + session) {
         hash ^= static_cast<unsigned char>(byte);
         hash *= 1099511628211U;
     }

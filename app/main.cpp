@@ -50,9 +50,12 @@ int runUserInterface(std::vector<std::string> arguments) {
         auto instance = SingleInstance::claim(*folder, name);
         if (instance && !*instance) {
             const bool cleanup = std::ranges::count(launch.arguments, "--show-cleanup") > 0;
-            const auto asked = SingleInstance::ask(
-                *folder, name, cleanup ? InstanceRequest::showCleanup : InstanceRequest::showPopover);
-            return asked ? EXIT_SUCCESS : fail("Ombrel runs already and does not answer. " + asked.error().message);
+            if (SingleInstance::ask(*folder, name,
+                                    cleanup ? InstanceRequest::showCleanup : InstanceRequest::showPopover))
+                return EXIT_SUCCESS;
+            instance = SingleInstance::claim(*folder, name); // it may have been about to end
+            if (instance && !*instance)
+                return fail("Ombrel runs already and does not answer.");
         }
         if (instance)
             launch.instance = std::move(*instance);

@@ -54,8 +54,8 @@ def main():
     print()
     for line in [("measured", "target", "reached", ""), *rows]:
         print("  ".join([*(cell.ljust(width) for cell, width in zip(line, widths)), line[3]]).rstrip())
-    print(f"\nOther work on the machine makes the figures worse; its load was {load[0]:.1f} at the begin, {os.getloadavg()[0]:.1f} "
-          f"at the end, on {os.cpu_count()} processors.")
+    print(f"\nOther work on the machine makes the figures worse; its load was {load[0]:.1f} at the begin, "
+          f"{os.getloadavg()[0]:.1f} at the end, on {os.cpu_count()} processors.")
     if wakers:
         print(f"\nWhat woke a thread within {options.trace:g} s of idling:")
         for (thread, why), count in sorted(wakers.items()):
@@ -169,6 +169,8 @@ def measure_clicks(row):
         application.wait_until_popover_closed()
         screen.steady_picture(popover)
         closed = probes()
+        if any(same(one, other) for one, other in zip(opened, closed)):
+            raise SystemExit("the popover cannot be told from what is behind it")
 
         def open_and_close():
             time.sleep(PACE)
@@ -239,7 +241,7 @@ def trace(place, pid, seconds):
     names = {task: name for task, (name, _time, _switches) in threads(pid).items()}
     files = {entry.name: os.readlink(entry) for entry in Path(f"/proc/{pid}/fd").iterdir()}
     tracer = place.spawn(["strace", "-f", "-e", "trace=poll,ppoll,select,pselect6,epoll_wait,futex,nanosleep,"
-                          "clock_nanosleep", "-p", str(pid), "-o", str(log)])
+                          "clock_nanosleep,restart_syscall", "-p", str(pid), "-o", str(log)])
     time.sleep(seconds)
     tracer.terminate()
     tracer.wait()
@@ -253,6 +255,8 @@ def trace(place, pid, seconds):
                for fd in re.findall(r"fd=(\d+)", result)}
 
     def reason(call, result):
+        if call == "restart_syscall":
+            return "the wait that tracing met ended: " + ("a timer" if result == "0" else "a descriptor")
         if "Timeout" in result:
             return f"{call} ran into its time-out: a timer"
         if call == "futex":

@@ -2,39 +2,23 @@
 
 #include "base/UniqueFd.h"
 #include "cleanup/scan/DirectoryMetrics.h"
+#include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
 #include "platform/DirectoryWalk.h"
 #include "platform/WriteProtection.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <fcntl.h>
-#include <fmt/format.h>
-#include <locale>
-#include <optional>
-#include <sstream>
 #include <string_view>
 #include <sys/stat.h>
+#include <tuple>
+#include <unistd.h>
+#include <variant>
 
 namespace vantry::CleanupScanner {
 
 namespace {
-
-constexpr double longestBudgetSeconds = 3;
-
-// A plain decimal number above 0, whatever the locale.
-std::optional<double> positiveSeconds(const std::string& text) {
-    const bool plain = std::ranges::all_of(text, [](char character) {
-        return std::string_view("0123456789.eE+-").find(character) != std::string_view::npos;
-    });
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
-    double seconds = 0;
-    if (!plain || !(stream >> seconds) || stream.peek() != std::istringstream::traits_type::eof())
-        return std::nullopt;
-    return std::isfinite(seconds) && seconds > 0 ? std::optional(seconds) : std::nullopt;
-}
 
 bool writeAll(int fd, std::string_view text) {
     while (!text.empty()) {
@@ -46,14 +30,12 @@ bool writeAll(int fd, std::string_view text) {
     return true;
 }
 
-void measure(const std::string& folder, const std::string& budget) {
-    const auto seconds = positiveSeconds(budget);
-    if (!seconds)
-        return;
-    const std::chrono::duration<double> duration(std::min(*seconds, longestBudgetSeconds));
-    const auto deadline = deadlineIn(std::chrono::duration_cast<std::chrono::nanoseconds>(duration));
+void perform(const std::monostate& /*job*/) {}
+
+void perform(const MeasuringJob& job) {
+    const auto deadline = deadlineIn(job.budget);
     std::ignore = giveUpChangingFiles();
-    const auto metrics = directoryMetricsInProcess(folder, deadline);
+    const auto metrics = directoryMetricsInProcess(job.folder, deadline);
     DirectoryMetricsPayload payload{.size = metrics.size, .complete = metrics.complete};
     if (metrics.newestModificationDate)
         payload.newestModificationTime = secondsSince1970(*metrics.newestModificationDate);
@@ -69,12 +51,12 @@ UniqueFd openOutput(const std::string& path) {
     return file;
 }
 
-void list(const std::string& folder, const std::string& outputPath) {
-    const UniqueFd output = openOutput(outputPath);
+void perform(const ListingJob& job) {
+    const UniqueFd output = openOutput(job.outputFile);
     if (!output)
         return;
     std::ignore = giveUpChangingFiles();
-    auto names = visibleNames(folder);
+    auto names = visibleNames(job.folder);
     ShallowChildrenPayload payload{.complete = names.has_value()};
     if (names)
         payload.names = std::move(*names);
@@ -85,10 +67,10 @@ void list(const std::string& folder, const std::string& outputPath) {
 } // namespace
 
 bool runFilesystemWorkerIfRequested(std::span<const std::string> arguments) {
-    if (arguments.empty() || (arguments[0] != directoryMetricsFlag && arguments[0] != shallowChildrenFlag))
+    const auto job = workerJob(arguments);
+    if (!job)
         return false;
-    if (arguments.size() == 3)
-        arguments[0] == directoryMetricsFlag ? measure(arguments[1], arguments[2]) : list(arguments[1], arguments[2]);
+    std::visit([](const auto& known) { perform(known); }, *job);
     return true;
 }
 

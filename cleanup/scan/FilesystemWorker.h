@@ -5,17 +5,11 @@
 
 namespace vantry::CleanupScanner {
 
-/// The flags that make a process of this executable a filesystem worker, when they are its first argument.
-///   --directory-metrics-worker FOLDER SECONDS   writes a `DirectoryMetricsPayload` to standard output
-///   --shallow-children-worker FOLDER FILE       writes a `ShallowChildrenPayload` to FILE, which becomes 0600
-inline constexpr const char* directoryMetricsFlag = "--directory-metrics-worker";
-inline constexpr const char* shallowChildrenFlag = "--shallow-children-worker";
-
-/// Whether this process was started as a filesystem worker. If so its job is done when this returns, also when it could
-/// not be done, for which nothing is written; the process is then to end with status 0 without an interface. FILE is
-/// made by the worker; a file that stands there already is taken only when it is empty. Gives up the right to change
-/// files first, where the system can. `arguments` are the process's, without its name. Blocking, as long as a file
-/// system does not answer. Main thread, before any other.
+/// Whether this process was started as a filesystem worker, see WorkerArguments.h. If so its job is done when this
+/// returns, also when it could not be done, for which nothing is written; the process is then to end with status 0
+/// without an interface. The output file of a listing is made by the worker; a file that stands there already is taken
+/// only when it is empty. Gives up the right to change files first, where the system can. `arguments` are the
+/// process's, without its name. Blocking, as long as a file system does not answer. Main thread, before any other.
 [[nodiscard]] bool runFilesystemWorkerIfRequested(std::span<const std::string> arguments);
 
 } // namespace vantry::CleanupScanner

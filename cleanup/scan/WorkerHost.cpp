@@ -2,7 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/Uuid.h"
-#include "cleanup/scan/FilesystemWorker.h"
+#include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
 #include "platform/ItemKind.h"
 

@@ -173,14 +173,20 @@ std::optional<ShallowChildrenPayload> decodedShallowChildren(std::string_view js
 // Whole seconds that `SystemTime` holds on either side of 1970, one kept back for rounding.
 constexpr double largestSeconds = 9'223'372'035;
 
+// A count of nanoseconds has more digits than a double, so whole seconds and the rest go separately.
 double secondsSince1970(SystemTime time) {
-    return std::clamp(std::chrono::duration<double>(time.time_since_epoch()).count(), -largestSeconds, largestSeconds);
+    const auto whole = std::chrono::floor<std::chrono::seconds>(time);
+    const double seconds =
+        static_cast<double>(whole.time_since_epoch().count()) + std::chrono::duration<double>(time - whole).count();
+    return std::clamp(seconds, -largestSeconds, largestSeconds);
 }
 
 std::optional<SystemTime> timeFromSecondsSince1970(double seconds) {
     if (!(std::abs(seconds) <= largestSeconds))
         return std::nullopt;
-    return SystemTime(std::chrono::round<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds)));
+    const double whole = std::floor(seconds);
+    return SystemTime(std::chrono::seconds(static_cast<std::int64_t>(whole)) +
+                      std::chrono::round<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds - whole)));
 }
 
 } // namespace vantry

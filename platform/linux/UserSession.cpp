@@ -1,10 +1,7 @@
 #include "platform/UserSession.h"
 
-#include "base/UniqueFd.h"
-
 #include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <pwd.h>
 #include <sys/stat.h>

@@ -270,6 +270,7 @@ void PopoverWindow::openAt(const QRect& item) {
                              std::max(area.left(), area.right() + 1 - size.width()));
     const int y = below + size.height() <= area.bottom() + 1 ? below : above;
     move(x, std::clamp(y, area.top(), std::max(area.top(), area.bottom() + 1 - size.height())));
+    closing_ = false;
     show();
     raise();
     activateWindow();
@@ -294,7 +295,7 @@ bool PopoverWindow::closedByItselfJustNow() const {
 }
 
 bool PopoverWindow::event(QEvent* event) {
-    if (event->type() == QEvent::WindowDeactivate && isVisible() && !QApplication::activePopupWidget())
+    if (event->type() == QEvent::WindowDeactivate && isVisible() && !closing_ && !QApplication::activePopupWidget())
         closeByItself();
     return QWidget::event(event);
 }
@@ -304,6 +305,11 @@ bool PopoverWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Hide)
         QMetaObject::invokeMethod(this, &PopoverWindow::catchClicksOutside, Qt::QueuedConnection);
     return QWidget::eventFilter(watched, event);
+}
+
+void PopoverWindow::closeEvent(QCloseEvent* event) {
+    closing_ = true; // losing the keyboard is part of it
+    QWidget::closeEvent(event);
 }
 
 void PopoverWindow::hideEvent(QHideEvent* event) {

@@ -34,6 +34,7 @@ public:
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -68,6 +69,7 @@ private:
     const QtAppearance& appearance_;
     std::weak_ptr<StoragePopoverViewController> controller_;
     PopoverContent content_;
+    bool closing_ = false;         ///< from when it is told to close until it is opened again
     QElapsedTimer closedByItself_; ///< valid once that has happened
 
     QLabel* titleLabel_ = nullptr;

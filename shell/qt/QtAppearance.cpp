@@ -59,6 +59,7 @@ QtAppearance::QtAppearance() : withoutPreference_(appearanceOfPalette()), curren
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
+    qRegisterMetaType<QDBusVariant>(); // else the slot below is never called
     bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     askPortal();

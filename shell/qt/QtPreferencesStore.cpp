@@ -19,8 +19,18 @@ QVariant QtPreferencesStore::value(std::string_view key) const {
 }
 
 void QtPreferencesStore::setValue(std::string_view key, const QVariant& value) {
-    settings_.setValue(qString(key), value);
-    settings_.sync();
+    const QVariant before = this->value(key);
+    // An object of its own, because the status of one that met an error once stays as it is.
+    QSettings writer(settings_.fileName(), QSettings::IniFormat);
+    writer.setValue(qString(key), value);
+    writer.sync();
+    if (writer.status() != QSettings::AccessError)
+        return;
+    // What could not be written would be taken for stored until the process ends.
+    if (before.isValid())
+        writer.setValue(qString(key), before);
+    else
+        writer.remove(qString(key));
 }
 
 bool QtPreferencesStore::boolForKey(std::string_view key) const { return value(key).toBool(); }

@@ -52,7 +52,8 @@ void QtShell::placeStatusItem() {
             kind, appearance_, [this](MouseEvent event) { pressed(event); }, trayMenu_);
         tray_->setContent(statusItem_);
     } else {
-        strip_ = std::make_unique<StripWindow>(appearance_, [this](MouseEvent event) { pressed(event); });
+        strip_ = std::make_unique<StripWindow>(
+            appearance_, [this] { return closesPopover(); }, [this](MouseEvent event) { pressed(event); });
         strip_->setContent(statusItem_);
         strip_->show();
     }
@@ -79,6 +80,13 @@ void QtShell::terminate() { QMetaObject::invokeMethod(qApp, &QCoreApplication::q
 void QtShell::renderTrayMenu() {
     if (const auto target = delegate_.lock(); target && tracker_.kind() == TrayKind::statusNotifier)
         renderContextMenu(trayMenu_, target->contextMenu(), [this](const MenuItemContent& item) { chosen(item); });
+}
+
+bool QtShell::closesPopover() {
+    if (!popover_->isVisible())
+        return popover_->closedByItselfJustNow();
+    popover_->close();
+    return true;
 }
 
 void QtShell::pressed(MouseEvent event) {

@@ -39,6 +39,7 @@ public:
 private:
     void placeStatusItem();
     void renderTrayMenu();
+    [[nodiscard]] bool closesPopover();
     void pressed(MouseEvent event);
     void chosen(const MenuItemContent& item);
     [[nodiscard]] QRect statusItemGeometry() const;

@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <utility>
 
 namespace vantry {
 
@@ -17,12 +18,15 @@ constexpr int stripHeight = 24;
 
 } // namespace
 
-StripWindow::StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed)
+StripWindow::StripWindow(const QtAppearance& appearance, std::function<bool()> closesPopover,
+                         std::function<void(MouseEvent)> pressed)
     : appearance_(appearance),
+      closesPopover_(std::move(closesPopover)),
       pressed_(std::move(pressed)) {
     setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     setAttribute(Qt::WA_X11NetWmWindowTypeDock); // on every desktop, in no task list
     setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_AlwaysShowToolTips); // it is never the active window
     setWindowTitle(QStringLiteral("Ombrel"));
     connect(this, &QAbstractButton::clicked, this,
             [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
@@ -67,8 +71,16 @@ void StripWindow::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
+void StripWindow::mousePressEvent(QMouseEvent* event) {
+    const bool spent = event->button() == Qt::LeftButton && closesPopover_();
+    pressedButton_ = spent ? Qt::NoButton : event->button();
+    event->accept();
+}
+
+// However long the button was held: a release whose press the popover had, because it was open, is no click.
 void StripWindow::mouseReleaseEvent(QMouseEvent* event) {
-    if (rect().contains(event->position().toPoint())) {
+    const bool clicked = std::exchange(pressedButton_, Qt::NoButton) == event->button();
+    if (clicked && rect().contains(event->position().toPoint())) {
         if (event->button() == Qt::LeftButton)
             pressed_(MouseEvent::leftMouseUp);
         else if (event->button() == Qt::RightButton)

@@ -15,7 +15,9 @@ class StripWindow : public QAbstractButton {
     Q_OBJECT
 
 public:
-    StripWindow(const QtAppearance& appearance, std::function<void(MouseEvent)> pressed);
+    /// `closesPopover` is asked when the left button goes down: a press that closes the popover opens nothing.
+    StripWindow(const QtAppearance& appearance, std::function<bool()> closesPopover,
+                std::function<void(MouseEvent)> pressed);
 
     void setContent(const StatusItemContent& content);
     /// Where the strip was put. What Qt says of a window that a window manager has just framed may be off.
@@ -23,6 +25,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -30,8 +33,10 @@ private:
     void place();
 
     const QtAppearance& appearance_;
+    std::function<bool()> closesPopover_;
     std::function<void(MouseEvent)> pressed_;
     StatusItemContent content_;
+    Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none for a press that the popover had, or that is spent
     QPoint placedAt_;
 };
 

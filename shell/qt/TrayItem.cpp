@@ -28,7 +28,8 @@ TrayItem::TrayItem(TrayKind kind, const QtAppearance& appearance, std::function<
     : appearance_(appearance) {
     connect(&icon_, &QSystemTrayIcon::activated, this,
             [pressed = std::move(pressed)](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger)
+                if (reason == QSystemTrayIcon::Trigger ||
+                    reason == QSystemTrayIcon::DoubleClick) // the second of two quick clicks
                     pressed(MouseEvent::leftMouseUp);
                 else if (reason == QSystemTrayIcon::Context)
                     pressed(MouseEvent::rightMouseUp);

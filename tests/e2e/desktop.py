@@ -242,8 +242,8 @@ class Desktop:
         self.environment |= {"XDG_RUNTIME_DIR": str(self.runtime), "DISPLAY": self._start_x_server(size)}
         self.screen = Screen(self.environment["DISPLAY"])
         self._closers.append(self.screen.close)
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_bus("session")
-        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self._start_bus("system")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"], _bus = self.start_bus("session")
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"], _bus = self.start_bus("system")
         self.session_bus = Connection(self.environment["DBUS_SESSION_BUS_ADDRESS"])
         self._closers.append(self.session_bus.close)
         self.loop = Loop()
@@ -318,30 +318,29 @@ class Desktop:
                   **changes}
         return {name: value for name, value in merged.items() if value is not None}
 
-    def _spawn_and_read(self, command, option):
-        """Starts what writes a line about itself into a descriptor, and returns that line."""
+    def _spawn_and_read(self, command):
+        """Starts what writes a line about itself into the descriptor {fd}; returns that line and the process."""
         reader, writer = os.pipe()
-        try:
-            self.spawn([*command, option.format(writer)] if "{" in option else [*command, option, str(writer)],
-                       pass_fds=[writer])
-        finally:
-            os.close(writer)
         with os.fdopen(reader) as pipe:
-            if not select.select([pipe], [], [], 10)[0]:
-                raise AssertionError(f"{command[0]} does not start")
-            return pipe.readline().strip()
+            try:
+                process = self.spawn([part.format(fd=writer) for part in command], pass_fds=[writer])
+            finally:
+                os.close(writer)
+            line = pipe.readline().strip() if select.select([pipe], [], [], 10)[0] else ""
+        if not line:
+            raise AssertionError(f"{command[0]} does not start")
+        return line, process
 
     def _start_x_server(self, size):
-        number = self._spawn_and_read(["Xvfb", "-screen", "0", f"{size}x24", "-dpi", "96", "-nolisten", "tcp", "-noreset"],
-                                      "-displayfd")
-        if not number:
-            raise AssertionError("Xvfb does not start")
+        number, _process = self._spawn_and_read(["Xvfb", "-displayfd", "{fd}", "-screen", "0", f"{size}x24", "-dpi", "96",
+                                                 "-nolisten", "tcp", "-noreset"])
         return f":{number}"
 
-    def _start_bus(self, name):
+    def start_bus(self, name):
+        """A message bus: its address and its process."""
         configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS_CONFIGURATION.format(socket=self.folder / name, services=self.folder / "services"))
-        return self._spawn_and_read(["dbus-daemon", f"--config-file={configuration}", "--nofork"], "--print-address={}")
+        return self._spawn_and_read(["dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address={fd}"])
 
     def _start_accessibility(self):
         launcher = next(path for path in ACCESSIBILITY_LAUNCHERS if os.path.exists(path))

@@ -131,8 +131,7 @@ class Process(DesktopCase):
         application.wait_until_popover_closed()
 
     def test_a_message_bus_that_goes_does_not_end_it(self):
-        address = self.desktop._start_bus("another")
-        bus = self.desktop._processes[-1]
+        address, bus = self.desktop.start_bus("another")
         application = self.start_and_wait(environment={"DBUS_SESSION_BUS_ADDRESS": address})
         bus.kill()
         bus.wait()

@@ -64,7 +64,8 @@ TEST(LoginItem, TheValidatorOfDesktopEntriesHasNothingToSay) {
     const auto file = folder / "app.ombrel.Ombrel.desktop";
     for (const char* path : {"/usr/bin/ombrel", R"(/opt/My "A\pp" & <é> $`100%/ombrel)"}) {
         writeFile(file, *autostartEntry("app.ombrel.Ombrel", path));
-        EXPECT_EQ(std::system(("test -z \"$(desktop-file-validate '" + file.native() + "' 2>&1)\"").c_str()), 0) << path;
+        EXPECT_EQ(std::system(("test -z \"$(desktop-file-validate '" + file.native() + "' 2>&1)\"").c_str()), 0)
+            << path;
     }
 }
 

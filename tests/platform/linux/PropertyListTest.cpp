@@ -43,8 +43,9 @@ TEST(PropertyList, ItIsXmlThatReadsBackAsWhatWasWritten) {
 }
 
 TEST(PropertyList, ATextThatXmlCannotHoldIsRefusedWhereverItStands) {
-    const std::string bad[] = {"\xff", "a\x01"
-                                       "b",
+    const std::string bad[] = {"\xff",
+                               "a\x01"
+                               "b",
                                std::string("a\0b", 3), "\x1b[0m"};
     for (const auto& text : bad) {
         for (const List& list : {List{text}, List{List::Array{{text}}}, List{List::Dictionary{{"key", {text}}}},

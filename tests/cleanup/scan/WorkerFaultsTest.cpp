@@ -1,0 +1,238 @@
+// Workers that do not do what they should, and systems that do not let them.
+
+#include "cleanup/scan/WorkerHost.h"
+#include "tests/cleanup/scan/WorkerHostFixture.h"
+#include "tests/support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <thread>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Far more than the bound of 0.95 s, for machines that are busy, and far less than any of the doubles' lives.
+constexpr std::chrono::seconds patience{10};
+
+class FaultyWorkers : public WorkerHostFixture {
+protected:
+    FaultyWorkers() : WorkerHostFixture(OMBREL_WORKER_DOUBLE), begin_(std::chrono::steady_clock::now()) {}
+
+    void expectNoMeasures(const char* behaviour) {
+        begin();
+        EXPECT_EQ(host.directoryMetrics(folder(behaviour), farAway()), DirectoryMetrics{}) << behaviour;
+        expectInTime(behaviour);
+    }
+    void expectNoList(const char* behaviour) {
+        begin();
+        EXPECT_EQ(host.shallowChildren(folder(behaviour), farAway()), ShallowChildren{}) << behaviour;
+        expectInTime(behaviour);
+    }
+
+    void begin() { begin_ = std::chrono::steady_clock::now(); }
+    void expectInTime(const char* behaviour) const {
+        EXPECT_LT(std::chrono::steady_clock::now() - begin_, patience) << behaviour;
+    }
+
+private:
+    std::chrono::steady_clock::time_point begin_;
+};
+
+} // namespace
+
+TEST_F(FaultyWorkers, ThatHangAreEnded) {
+    for (const char* behaviour : {"hangs", "hangs-while-writing", "hangs-after-writing"}) {
+        expectNoMeasures(behaviour);
+        expectNoList(behaviour);
+        EXPECT_FALSE(hasChildren()) << behaviour;
+    }
+}
+
+TEST_F(FaultyWorkers, ThatDoNotEndWhenAskedToAreKilled) {
+    for (const char* behaviour : {"ignores-the-request-to-end", "stops-itself"}) {
+        expectNoMeasures(behaviour);
+        expectNoList(behaviour);
+        EXPECT_FALSE(hasChildren()) << behaviour;
+    }
+}
+
+TEST_F(FaultyWorkers, AreEndedEarlierWhenTheDeadlineIsNearer) {
+    begin();
+    EXPECT_EQ(host.directoryMetrics(folder("hangs"), deadlineIn(1ms)), DirectoryMetrics{});
+    EXPECT_EQ(host.shallowChildren(folder("hangs"), deadlineIn(1ms)), ShallowChildren{});
+    expectInTime("hangs");
+}
+
+TEST_F(FaultyWorkers, ThatWriteWithoutEndAreStopped) {
+    expectNoMeasures("writes-without-end");
+    expectNoMeasures("writes-too-much");
+    expectNoList("writes-too-much");
+    expectNoList("writes-without-end");
+}
+
+TEST_F(FaultyWorkers, ThatCloseTheirOutputAndLiveOnHaveNotAnswered) {
+    expectNoMeasures("closes-its-output-and-lives-on");
+    expectNoList("closes-its-output-and-lives-on");
+}
+
+TEST_F(FaultyWorkers, ThatEndBadlyAreNotBelieved) {
+    for (const char* behaviour : {"fails-after-a-good-answer", "kills-itself"}) {
+        expectNoMeasures(behaviour);
+        expectNoList(behaviour);
+    }
+}
+
+TEST_F(FaultyWorkers, ThatAreKilledFromOutsideAreNotBelieved) {
+    for (const bool measuring : {true, false}) {
+        const fs::path asked = folder("waits-to-be-killed");
+        fs::remove(asked / "process");
+        std::thread killer([&] {
+            const auto deadline = deadlineIn(patience);
+            std::string process;
+            while (!process.ends_with('\n') && !hasPassed(deadline)) {
+                std::this_thread::yield();
+                process = readFile(asked / "process");
+            }
+            if (!process.empty())
+                kill(std::stoi(process), SIGKILL);
+        });
+        if (measuring)
+            expectNoMeasures("waits-to-be-killed");
+        else
+            expectNoList("waits-to-be-killed");
+        killer.join();
+    }
+}
+
+TEST_F(FaultyWorkers, ThatWriteSomethingElseAreNotBelieved) {
+    for (const char* behaviour : {"writes-nothing", "writes-garbage", "writes-more-after-its-answer",
+                                  "answers-the-other-question", "leaves-the-folder", "no-such-behaviour"}) {
+        expectNoMeasures(behaviour);
+        expectNoList(behaviour);
+    }
+}
+
+TEST_F(FaultyWorkers, ThatCannotBeStartedBecauseThereAreTooManyProcesses) {
+    // As a user of its own, who may reach nothing but this test's folder.
+    const fs::path copy = root / "worker";
+    fs::copy_file(OMBREL_WORKER_DOUBLE, copy);
+    const fs::path asked = folder("answers");
+    for (const auto& open : {root.path(), asked, temporary})
+        fs::permissions(open, fs::perms::all);
+    const std::string said = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()))
+            return "no user";
+        WorkerHost limited({copy, temporary});
+        if (!completeAnswer([&] { return limited.directoryMetrics(asked, farAway()); }).complete)
+            return "no answer without a limit";
+        const rlimit one = {1, 1};
+        if (setrlimit(RLIMIT_NPROC, &one) != 0)
+            return "no limit";
+        if (limited.directoryMetrics(asked, farAway()) != DirectoryMetrics{} ||
+            limited.shallowChildren(asked, farAway()) != ShallowChildren{})
+            return "an answer";
+        return "nothing";
+    });
+    if (said == "no user")
+        GTEST_SKIP() << "no right to become another user";
+    EXPECT_EQ(said, "nothing");
+}
+
+TEST_F(FaultyWorkers, ThatCannotBeStartedBecauseThereAreNoDescriptors) {
+    const std::string said = inChildProcess([&]() -> std::string {
+        const fs::path asked = folder("answers");
+        const rlimit few = {static_cast<rlim_t>(openDescriptorCount()) + 16, 64};
+        if (setrlimit(RLIMIT_NOFILE, &few) != 0)
+            return "no limit";
+        WorkerHost limited({OMBREL_WORKER_DOUBLE, temporary});
+        std::vector<UniqueFd> all;
+        for (UniqueFd fd(dup(0)); fd; fd = UniqueFd(dup(0)))
+            all.push_back(std::move(fd));
+        // With none left, with one, with two and so on, until there are enough.
+        for (; !all.empty(); all.pop_back()) {
+            const auto answer = limited.directoryMetrics(asked, farAway());
+            if (hasChildren() || limited.abandonedCount() != 0)
+                return "a child";
+            if (answer.complete)
+                return "answered in the end";
+            if (answer != DirectoryMetrics{})
+                return "half an answer";
+        }
+        return "no answer";
+    });
+    EXPECT_EQ(said, "answered in the end");
+}
+
+/// What a host answers whose temporary folder is what `prepare` made of `folder`, seen by nobody else.
+template <class Prepare>
+std::string listWithTemporaryFolder(const fs::path& asked, const fs::path& temporaryFolder, Prepare prepare) {
+    return inChildProcess([&]() -> std::string {
+        const int flags = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
+        if (unshare(flags) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || !prepare())
+            return "no right";
+        WorkerHost host({OMBREL_EXECUTABLE, temporaryFolder});
+        const auto answer = host.shallowChildren(asked, deadlineIn(1min));
+        // Measuring needs no such folder.
+        for (int attempt = 0; attempt < 20; ++attempt)
+            if (host.directoryMetrics(asked, deadlineIn(1min)).complete) {
+                std::string left;
+                for (const auto& entry : fs::directory_iterator(temporaryFolder))
+                    left += " " + entry.path().filename().native();
+                return (answer == ShallowChildren{} ? "nothing, leaves" : "a list, leaves") + left;
+            }
+        return "no measures";
+    });
+}
+
+TEST_F(FaultyWorkers, WithoutATemporaryFolderMeasureButDoNotList) {
+    fs::create_directory(root / "asked");
+    writeFile(root / "asked/file", "1");
+    WorkerHost homeless({OMBREL_EXECUTABLE, root / "missing"});
+    EXPECT_EQ(homeless.shallowChildren(root / "asked", farAway()), ShallowChildren{});
+    EXPECT_TRUE(completeAnswer([&] { return homeless.directoryMetrics(root / "asked", farAway()); }).complete);
+    EXPECT_FALSE(fs::exists(root / "missing"));
+}
+
+TEST_F(FaultyWorkers, WithAFullTemporaryFolderMeasureButDoNotList) {
+    const fs::path asked = folder("asked");
+    writeFile(asked / "file", "1");
+    const std::string said = listWithTemporaryFolder(asked, temporary, [&] {
+        if (mount("none", temporary.c_str(), "tmpfs", 0, "size=4k") != 0)
+            return false;
+        writeFile(temporary / "full", std::string(4096, '1'));
+        return true;
+    });
+    if (said == "no right")
+        GTEST_SKIP() << "no right to mount a small temporary folder";
+    EXPECT_EQ(said, "nothing, leaves full");
+}
+
+TEST_F(FaultyWorkers, WithATemporaryFolderThatTakesNoMoreFilesMeasureButDoNotList) {
+    const fs::path asked = folder("asked");
+    writeFile(asked / "file", "1");
+    const std::string said = listWithTemporaryFolder(
+        asked, temporary, [&] { return mount("none", temporary.c_str(), "tmpfs", 0, "nr_inodes=1") == 0; });
+    if (said == "no right")
+        GTEST_SKIP() << "no right to mount a small temporary folder";
+    EXPECT_EQ(said, "nothing, leaves");
+}
+
+TEST_F(FaultyWorkers, WithAReadOnlyTemporaryFolderMeasureButDoNotList) {
+    const fs::path asked = folder("asked");
+    writeFile(asked / "file", "1");
+    const std::string said = listWithTemporaryFolder(
+        asked, temporary, [&] { return mount("none", temporary.c_str(), "tmpfs", MS_RDONLY, "") == 0; });
+    if (said == "no right")
+        GTEST_SKIP() << "no right to mount a read-only temporary folder";
+    EXPECT_EQ(said, "nothing, leaves");
+}
+
+} // namespace vantry

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "cleanup/scan/WorkerHost.h"
+#include "tests/support/EndedChild.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+
+/// A host of workers with a temporary folder of its own. No test leaves anything there, or a child process.
+class WorkerHostFixture : public testing::Test {
+protected:
+    explicit WorkerHostFixture(const fs::path& executable) : host({executable, temporary}) {
+        fs::create_directory(temporary);
+    }
+
+    void TearDown() override {
+        EXPECT_TRUE(fs::is_empty(temporary));
+        EXPECT_EQ(host.abandonedCount(), 0U);
+        EXPECT_FALSE(hasChildren());
+        EXPECT_EQ(resources(), resourcesBefore_);
+    }
+
+    [[nodiscard]] static Deadline farAway() { return deadlineIn(std::chrono::minutes(1)); }
+
+    /// The folder that makes the double behave in that way.
+    [[nodiscard]] fs::path folder(const char* behaviour) const {
+        fs::create_directories(root / behaviour);
+        return root / behaviour;
+    }
+
+    /// Asks until the answer is complete, as a worker may be late on a machine that is busy.
+    template <class Question>
+    [[nodiscard]] static auto completeAnswer(Question question) {
+        auto answer = question();
+        for (int attempt = 0; attempt < 20 && !answer.complete; ++attempt)
+            answer = question();
+        return answer;
+    }
+
+    /// Open descriptors, threads.
+    [[nodiscard]] static std::pair<std::ptrdiff_t, std::ptrdiff_t> resources() {
+        return {openDescriptorCount(), std::distance(fs::directory_iterator("/proc/self/task"), {})};
+    }
+
+    const TemporaryFolder root;
+    const fs::path temporary = root / "temporary";
+    WorkerHost host;
+
+private:
+    const std::pair<std::ptrdiff_t, std::ptrdiff_t> resourcesBefore_ = resources();
+};
+
+} // namespace vantry

@@ -1,0 +1,248 @@
+#include "cleanup/scan/WorkerHost.h"
+
+#include "cleanup/scan/WorkerPayload.h"
+#include "tests/cleanup/scan/WorkerHostFixture.h"
+#include "tests/support/EndedChild.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Ombrel's own workers.
+class RealWorkers : public WorkerHostFixture {
+protected:
+    RealWorkers() : WorkerHostFixture(OMBREL_EXECUTABLE) {}
+};
+
+/// A program in the place of Ombrel's executable.
+class Workers : public WorkerHostFixture {
+protected:
+    Workers() : WorkerHostFixture(OMBREL_WORKER_DOUBLE) {}
+};
+
+/// No program at all.
+class NoWorkers : public WorkerHostFixture {
+protected:
+    NoWorkers() : WorkerHostFixture("/nowhere/ombrel") {}
+};
+
+std::vector<std::string> lines(const fs::path& file) {
+    std::ifstream stream(file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+/// From a line like "SigIgn:\t0000000180000000"; without the two that are the C library's own.
+std::uint64_t signalsIn(const std::string& line, const std::string& name) {
+    constexpr std::uint64_t ofTheLibrary = 0x180000000;
+    EXPECT_EQ(line.substr(0, name.size()), name);
+    return std::stoull(line.substr(std::min(name.size(), line.size())), nullptr, 16) & ~ofTheLibrary;
+}
+
+} // namespace
+
+TEST_F(RealWorkers, MeasureAFolderAsItIsMeasuredInProcess) {
+    const fs::path folder = root / "tree";
+    fs::create_directories(folder / "a/b/.hidden");
+    writeFile(folder / "a/one", std::string(10'000, '1'));
+    writeFile(folder / "a/b/.hidden/two", "2");
+    fs::create_symlink("/etc", folder / "link");
+    auto expected = CleanupScanner::directoryMetricsInProcess(folder, farAway());
+    ASSERT_TRUE(expected.complete && expected.newestModificationDate);
+    EXPECT_GE(expected.size, 10'000);
+    // A date travels as a number of seconds.
+    expected.newestModificationDate = timeFromSecondsSince1970(secondsSince1970(*expected.newestModificationDate));
+    EXPECT_EQ(completeAnswer([&] { return host.directoryMetrics(folder, farAway()); }), expected);
+}
+
+TEST_F(RealWorkers, FindNothingInAnEmptyFolder) {
+    fs::create_directory(root / "empty");
+    EXPECT_EQ(completeAnswer([&] { return host.directoryMetrics(root / "empty", farAway()); }),
+              (DirectoryMetrics{.complete = true}));
+    EXPECT_EQ(completeAnswer([&] { return host.shallowChildren(root / "empty", farAway()); }),
+              (ShallowChildren{.complete = true}));
+}
+
+TEST_F(RealWorkers, MeasureAndListNoLinkAndNothingThatIsMissing) {
+    fs::create_directory(root / "folder");
+    writeFile(root / "folder/file", "1");
+    fs::create_directory_symlink(root / "folder", root / "link");
+    fs::create_symlink(root / "folder/file", root / "linkToFile");
+    fs::create_symlink(root / "nowhere", root / "dangling");
+    for (const char* name : {"link", "linkToFile", "dangling", "missing", "folder/file/below", "missing/below"}) {
+        EXPECT_EQ(host.directoryMetrics(root / name, farAway()), DirectoryMetrics{}) << name;
+        EXPECT_EQ(host.shallowChildren(root / name, farAway()), ShallowChildren{}) << name;
+    }
+    EXPECT_EQ(host.shallowChildren(root / "folder/file", farAway()), ShallowChildren{});
+    EXPECT_EQ(host.shallowChildren("", farAway()), ShallowChildren{});
+    EXPECT_EQ(host.directoryMetrics("", farAway()), DirectoryMetrics{});
+}
+
+TEST_F(RealWorkers, ListVisibleNamesOfEveryKindInTheirFolder) {
+    const fs::path folder = root / "folder";
+    fs::create_directory(folder);
+    std::vector<fs::path> expected;
+    for (const std::string& name :
+         {std::string("plain"), std::string("Größe"), std::string("caf\xe9"), std::string("\xff\xfe"),
+          std::string("a\"b\\c\nd"), std::string(255, 'n'), std::string(255, '\xe4'), std::string("UPPER lower")}) {
+        writeFile(folder / name, "");
+        expected.push_back(folder / name);
+    }
+    fs::create_directory(folder / "sub");
+    expected.push_back(folder / "sub");
+    fs::create_symlink("nowhere", folder / "link");
+    expected.push_back(folder / "link");
+    for (const char* hidden : {".hidden", "...", ".\xff"})
+        writeFile(folder / hidden, "");
+
+    auto answer = completeAnswer([&] { return host.shallowChildren(folder, farAway()); });
+    EXPECT_TRUE(answer.complete);
+    std::ranges::sort(answer.urls);
+    std::ranges::sort(expected);
+    EXPECT_EQ(answer.urls, expected);
+}
+
+TEST_F(RealWorkers, AnswerAThousandTimesAndLeaveNothing) {
+    // Ten thousand times when asked to; else as many as half a minute has room for on a machine that is busy.
+    const bool isLong = std::getenv("OMBREL_LONG_TESTS") != nullptr;
+    const int rounds = isLong ? 10'000 : 1'000;
+    const auto limit = isLong ? Deadline::max() : deadlineIn(10s);
+    fs::create_directory(root / "folder");
+    writeFile(root / "folder/file", "1");
+    EXPECT_TRUE(completeAnswer([&] { return host.directoryMetrics(root / "folder", farAway()); }).complete);
+    const auto before = resources();
+    int done = 0;
+    int complete = 0;
+    for (; done < rounds && !hasPassed(limit); ++done) {
+        complete += host.directoryMetrics(root / "folder", farAway()).complete ? 1 : 0;
+        complete += host.shallowChildren(root / "folder", farAway()).complete ? 1 : 0;
+        ASSERT_FALSE(hasChildren()) << "after " << done;
+        ASSERT_EQ(resources(), before) << "after " << done;
+    }
+    EXPECT_GE(done, 20);
+    EXPECT_GE(complete, done); // half of them may have been late on a machine that is very busy
+    EXPECT_EQ(host.abandonedCount(), 0U);
+}
+
+TEST_F(NoWorkers, AreNeededForAFile) {
+    writeFile(root / "file", std::string(5000, '1'));
+    const auto answer = host.directoryMetrics(root / "file", farAway());
+    EXPECT_EQ(answer, CleanupScanner::directoryMetricsInProcess(root / "file", farAway()));
+    EXPECT_TRUE(answer.complete);
+    EXPECT_GE(answer.size, 5000);
+    EXPECT_EQ(host.directoryMetrics(root / "file", std::chrono::steady_clock::now()), answer);
+}
+
+TEST_F(NoWorkers, AnswerNothing) {
+    EXPECT_EQ(host.directoryMetrics(root.path(), farAway()), DirectoryMetrics{});
+    EXPECT_EQ(host.shallowChildren(root.path(), farAway()), ShallowChildren{});
+}
+
+TEST_F(Workers, AreBelieved) {
+    EXPECT_EQ(completeAnswer([&] { return host.directoryMetrics(folder("answers"), farAway()); }),
+              (DirectoryMetrics{.size = 4096, .newestModificationDate = SystemTime(12'500ms), .complete = true}));
+    EXPECT_EQ(completeAnswer([&] { return host.shallowChildren(folder("answers"), farAway()); }),
+              (ShallowChildren{.urls = {folder("answers") / "one", folder("answers") / "two"}, .complete = true}));
+}
+
+TEST_F(Workers, AreNotStartedForAFileOrWhenTimeIsUp) {
+    const fs::path asked = folder("answers");
+    EXPECT_EQ(host.directoryMetrics(asked, std::chrono::steady_clock::now()), DirectoryMetrics{});
+    EXPECT_EQ(host.shallowChildren(asked, std::chrono::steady_clock::now()), ShallowChildren{});
+    EXPECT_EQ(host.directoryMetrics(asked, Deadline::min()), DirectoryMetrics{});
+    EXPECT_EQ(host.shallowChildren(asked, Deadline::min()), ShallowChildren{});
+    writeFile(asked / "file", "1");
+    EXPECT_TRUE(host.directoryMetrics(asked / "file", farAway()).complete);
+    EXPECT_EQ(lines(asked / "started"), std::vector<std::string>());
+}
+
+TEST_F(Workers, AreStartedOnceForAQuestion) {
+    static_cast<void>(host.directoryMetrics(folder("writes-garbage"), farAway()));
+    EXPECT_LE(lines(folder("writes-garbage") / "started").size(), 1U);
+    static_cast<void>(host.shallowChildren(folder("writes-nothing"), farAway()));
+    EXPECT_LE(lines(folder("writes-nothing") / "started").size(), 1U);
+}
+
+TEST_F(Workers, ThatWriteMoreThanAPipeHoldsAreReadWhileTheyRun) {
+    EXPECT_TRUE(completeAnswer([&] {
+                    return host.directoryMetrics(folder("writes-much-more-than-a-pipe-holds"), farAway());
+                }).complete);
+}
+
+TEST_F(Workers, MayLeaveAProcessThatHoldsTheirOutput) {
+    const fs::path asked = folder("leaves-a-process-behind");
+    const auto answer = completeAnswer([&] { return host.directoryMetrics(asked, farAway()); });
+    for (const auto& process : lines(asked / "process"))
+        kill(std::stoi(process), SIGKILL);
+    EXPECT_TRUE(answer.complete);
+}
+
+TEST_F(Workers, InheritThreeDescriptorsAndNoTreatmentOfSignals) {
+    // What must not reach them: a descriptor without close-on-exec, a blocked signal and an ignored one.
+    const int inherited = dup(STDOUT_FILENO);
+    ASSERT_GT(inherited, STDERR_FILENO);
+    const auto handler = std::signal(SIGHUP, SIG_IGN);
+    sigset_t blocked;
+    sigset_t before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    sigaddset(&blocked, SIGUSR1);
+    sigprocmask(SIG_BLOCK, &blocked, &before);
+    const fs::path asked = folder("says-what-it-has");
+    const bool measured = completeAnswer([&] { return host.directoryMetrics(asked, farAway()); }).complete;
+    const auto measuring = lines(asked / "state");
+    fs::remove(asked / "state");
+    const bool listed = completeAnswer([&] { return host.shallowChildren(asked, farAway()); }).complete;
+    const auto listing = lines(asked / "state");
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    std::signal(SIGHUP, handler);
+    close(inherited);
+
+    ASSERT_TRUE(measured && listed);
+    ASSERT_GE(measuring.size(), 6U);
+    EXPECT_EQ(measuring[0], "0 /dev/null");
+    EXPECT_EQ(measuring[1].substr(0, 8), "1 pipe:[");
+    EXPECT_EQ(measuring[2], "2 /dev/null");
+    EXPECT_EQ(measuring[3].substr(0, 8), "Threads:");
+    EXPECT_EQ(signalsIn(measuring[4], "SigBlk:"), 0U);
+    EXPECT_EQ(signalsIn(measuring[5], "SigIgn:"), 0U);
+    ASSERT_GE(listing.size(), 6U);
+    EXPECT_EQ(listing[0], "0 /dev/null");
+    EXPECT_EQ(listing[1], "1 /dev/null");
+    EXPECT_EQ(listing[2], "2 /dev/null");
+    EXPECT_EQ(listing[3].substr(0, 8), "Threads:");
+    EXPECT_EQ(signalsIn(listing[4], "SigBlk:"), 0U);
+    EXPECT_EQ(signalsIn(listing[5], "SigIgn:"), 0U);
+}
+
+TEST_F(Workers, AreThisExecutableAlsoWhenItsFileWasRemovedOrReplaced) {
+    for (const char* replacement : {"", "/bin/false"}) {
+        const fs::path copy = root / "copy of ombrel";
+        fs::copy_file(OMBREL_WORKER_DOUBLE, copy, fs::copy_options::overwrite_existing);
+        bool answered = false;
+        for (int attempt = 0; attempt < 10 && !answered; ++attempt) { // it may be late on a machine that is busy
+            fs::copy_file(OMBREL_WORKER_DOUBLE, copy, fs::copy_options::overwrite_existing);
+            const auto ended = endOf(copy, {"--measure-without-own-file", folder("answers"), replacement});
+            answered = ended.status == 0;
+            EXPECT_EQ(fs::exists(copy), *replacement != 0);
+        }
+        EXPECT_TRUE(answered) << replacement;
+    }
+}
+
+} // namespace vantry

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/ChildProcess.h"
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <ostream>
+#include <poll.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace vantry {
+
+struct EndedChild {
+    int status = 0; ///< as `ChildProcess` tells it
+    std::string output;
+
+    bool operator==(const EndedChild&) const = default;
+};
+
+inline void PrintTo(const EndedChild& ended, std::ostream* stream) {
+    *stream << "status " << ended.status << ", output \"" << ended.output << '"';
+}
+
+/// Reads a child's output to its end and waits for the child's. One that has not ended after half a minute is killed.
+[[nodiscard]] inline EndedChild endOf(ChildProcess& child) {
+    constexpr int patience = 30'000; // milliseconds
+    EndedChild ended;
+    std::array<char, 65536> buffer{};
+    for (bool reading = child.output() >= 0; reading;) {
+        pollfd event{child.output(), POLLIN, 0};
+        if (poll(&event, 1, patience) <= 0)
+            break;
+        const ssize_t length = read(child.output(), buffer.data(), buffer.size());
+        reading = length > 0;
+        ended.output.append(buffer.data(), reading ? static_cast<std::size_t>(length) : 0);
+    }
+    pollfd event{child.exitDescriptor(), POLLIN, 0};
+    if (poll(&event, 1, patience) <= 0) {
+        child.sendSignal(SIGKILL);
+        poll(&event, 1, patience);
+    }
+    ended.status = child.exitStatus().value_or(-1);
+    return ended;
+}
+
+/// Starts `program` and does the same. A status of -1 is that of one that could not be started.
+[[nodiscard]] inline EndedChild endOf(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+    auto child = ChildProcess::start(program, arguments, ChildOutput::pipe);
+    return child ? endOf(*child) : EndedChild{.status = -1, .output = child.error().message};
+}
+
+/// Whether this process has children, ended ones that were not waited for among them.
+[[nodiscard]] inline bool hasChildren() {
+    siginfo_t info = {};
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+} // namespace vantry
