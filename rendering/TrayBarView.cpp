@@ -44,7 +44,7 @@ void drawFigure(Canvas& canvas, const Figure& figure, const Rect& rect, std::opt
     canvas.drawText(figure.text, figure.font, ink, rect);
 }
 
-void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect) {
+void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect, double unit) {
     const RoundedRect outer{rect, rect.height / 2};
     const Rect inside = rect.inset(1, 1);
     const RoundedRect capsule{inside, inside.height / 2};
@@ -54,11 +54,11 @@ void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect) {
     canvas.fill(inside, trackColor);
     const double fraction = bar.snapshot ? bar.snapshot->usedFraction() : 0;
     if (fraction > 0) {
-        const double usedWidth = std::max(inside.width * fraction, 1.0);
+        const double usedWidth = std::max(inside.width * fraction, unit);
         StoragePalette::drawUsedFill(canvas, {inside.x, inside.y, usedWidth, inside.height}, bar.barStyle,
                                      bar.segmentSizing, bar.themeColors);
-        if (usedWidth < inside.width - 1) // the grey segments end where the grey track begins
-            canvas.fill(Rect{std::floor(inside.x + usedWidth), inside.y, 1, inside.height}, endMark);
+        if (usedWidth < inside.width - unit) // the grey segments end where the grey track begins
+            canvas.fill(Rect{std::floor(inside.x + usedWidth), inside.y, unit, inside.height}, endMark);
     }
     canvas.restore();
 }
@@ -66,13 +66,14 @@ void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect) {
 } // namespace
 
 void draw(Canvas& canvas, const VantryView& bar, double side, std::optional<Appearance> appearance) {
-    const double unit = std::max(1.0, std::round(side / 22));
+    const double unit =
+        std::max(1.0, std::round(side / 22)); // a pixel of the common size; panels scale larger ones down
     const auto figure = bar.showsPercentageLabel ? fittingFigure(canvas, bar, side, side) : std::nullopt;
     const double height = figure ? std::round(side * 0.34) : 2 * std::round(side * 0.26);
     const double y = figure ? side - height - unit : std::floor((side - height) / 2);
     if (figure)
         drawFigure(canvas, *figure, {0, 0, side, y}, appearance);
-    drawCapsule(canvas, bar, {0, y, side, height});
+    drawCapsule(canvas, bar, {0, y, side, height}, unit);
 }
 
 } // namespace vantry::TrayBarView

@@ -37,6 +37,10 @@ void drawTick(QPainter& painter, const QRectF& box, const QColor& color) {
     strokePath(painter, {at(0.26, 0.53), at(0.44, 0.71), at(0.75, 0.31)}, color, box.width() * 0.125);
 }
 
+// Room beside the text of a pop-up button's list that the button itself does not have.
+constexpr int listRoomLeft = menuCheckRoom - popUpPadding + 2;
+constexpr int listRoomRight = 4;
+
 class PainterState {
 public:
     explicit PainterState(QPainter& painter) : painter_(painter) {
@@ -52,6 +56,14 @@ private:
 };
 
 } // namespace
+
+void drawWindowEdge(QPainter& painter, const QRect& rect, Appearance appearance) {
+    const QColor line = appearance == Appearance::dark ? QColor(255, 255, 255, 40) : QColor(0, 0, 0, 45);
+    painter.fillRect(QRect(rect.left(), rect.top(), rect.width(), 1), line);
+    painter.fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), line);
+    painter.fillRect(QRect(rect.left(), rect.top() + 1, 1, rect.height() - 2), line);
+    painter.fillRect(QRect(rect.right(), rect.top() + 1, 1, rect.height() - 2), line);
+}
 
 OmbrelStyle::OmbrelStyle(const QtAppearance& appearance)
     : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))),
@@ -138,14 +150,11 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         painter->drawRoundedRect(QRectF(option->rect).adjusted(1, 1, -1, -1), buttonRadius - 1, buttonRadius - 1);
         return;
     }
-    case PE_PanelMenu: painter->fillRect(option->rect, option->palette.color(QPalette::Window)); return;
-    case PE_FrameMenu: {
-        painter->save();
-        painter->setPen(appearance_.current() == Appearance::dark ? QColor(255, 255, 255, 40) : QColor(0, 0, 0, 45));
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-        painter->restore();
+    case PE_PanelMenu: // of a menu and of a pop-up button's list, which has no frame of its own
+        painter->fillRect(option->rect, option->palette.color(QPalette::Window));
+        drawWindowEdge(*painter, option->rect, appearance_.current());
         return;
-    }
+    case PE_FrameMenu: return;
     default: QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
 }
@@ -224,7 +233,7 @@ void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
 QRect OmbrelStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                   const QWidget* widget) const {
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
-        return option->rect;
+        return option->rect.adjusted(-listRoomLeft, 0, listRoomRight, 0); // puts an item's text on the button's
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 

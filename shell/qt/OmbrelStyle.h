@@ -6,6 +6,9 @@
 
 namespace vantry {
 
+/// The line of one logical pixel, even at every scale, that sets a popover or a menu apart from what is behind it.
+void drawWindowEdge(QPainter& painter, const QRect& rect, Appearance appearance);
+
 /// The look of Ombrel's own controls: rounded push buttons, check boxes, pop-up buttons and menus, light and dark,
 /// crisp at every scale. What it does not draw, Qt's Fusion style does.
 class OmbrelStyle : public QProxyStyle {

@@ -1,6 +1,7 @@
 #include "shell/qt/PopoverWindow.h"
 
 #include "shell/qt/ElidingLabel.h"
+#include "shell/qt/OmbrelStyle.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QAbstractItemView>
@@ -325,8 +326,7 @@ void PopoverWindow::mousePressEvent(QMouseEvent* event) {
 void PopoverWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
-    painter.setPen(qColor(DynamicColor{SystemColor::separator}, appearance_.current()));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    drawWindowEdge(painter, rect(), appearance_.current());
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {

@@ -11,6 +11,7 @@ namespace vantry {
 QtShell::QtShell() {
     QApplication::setStyle(new OmbrelStyle(appearance_)); // the application's from here on
     popover_ = std::make_unique<PopoverWindow>(appearance_);
+    contextMenu_.setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu); // it has no window that it belongs to
     connect(&tracker_, &TrayTracker::changed, this, &QtShell::placeStatusItem);
     connect(&trayMenu_, &QMenu::aboutToShow, this, &QtShell::renderTrayMenu);
 }
