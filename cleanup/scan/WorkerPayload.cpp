@@ -96,7 +96,7 @@ public:
         return key == newestKey && timeFromSecondsSince1970(value);
     }
     static bool takeArray(const std::string& /*key*/) { return false; }
-    static bool takeElement(const std::string& /*key*/, std::string /*value*/) { return false; }
+    static bool takeElement(const std::string& /*key*/, const std::string& /*value*/) { return false; }
     [[nodiscard]] bool isWhole() const { return has(sizeKey) && has(completeKey); }
 };
 

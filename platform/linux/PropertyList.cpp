@@ -30,8 +30,8 @@ bool xmlCanHold(const PropertyList& list) {
     if (const auto* array = std::get_if<PropertyList::Array>(&list.value))
         return std::ranges::all_of(*array, [](const auto& element) { return xmlCanHold(element); });
     if (const auto* dictionary = std::get_if<PropertyList::Dictionary>(&list.value))
-        return std::ranges::all_of(
-            *dictionary, [](const auto& entry) { return xmlCanHold(entry.first) && xmlCanHold(entry.second); });
+        return std::ranges::all_of(*dictionary,
+                                   [](const auto& entry) { return xmlCanHold(entry.key) && xmlCanHold(entry.value); });
     return true;
 }
 
