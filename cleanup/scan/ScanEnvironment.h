@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/Result.h"
+#include "base/Time.h"
+#include "cleanup/scan/WorkerHost.h"
+
+#include <filesystem>
+#include <functional>
+
+namespace vantry {
+
+/// The system that a scan looks at and that validation checks against.
+struct ScanEnvironment {
+    std::filesystem::path home; ///< absolute, standardized and without links on the way: the items found lie below it
+    std::filesystem::path applications = "/Applications";
+    std::filesystem::path systemApplications = "/System/Applications";
+    WorkerHost::Environment workers;
+    std::function<SystemTime()> now;
+
+    /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
+    /// executable cannot be started again. Blocking; any thread.
+    [[nodiscard]] static Result<ScanEnvironment> current();
+};
+
+} // namespace vantry
