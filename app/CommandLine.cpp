@@ -1,23 +1,34 @@
 #include "app/CommandLine.h"
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
 namespace vantry {
 
 LaunchMode launchMode(std::span<const std::string> arguments) {
-    static constexpr std::array<std::pair<std::string_view, LaunchMode>, 4> modes{{
+    static constexpr std::array<std::pair<std::string_view, LaunchMode>, 6> modes{{
         {"--help", LaunchMode::help},
         {"--version", LaunchMode::version},
         {"--status", LaunchMode::status},
         {"--status=json", LaunchMode::statusJson},
+        {"--report", LaunchMode::report},
+        {"--report=json", LaunchMode::reportJson},
     }};
     for (const auto& argument : arguments)
         for (const auto& [spelling, mode] : modes)
             if (argument == spelling)
                 return mode;
     return LaunchMode::userInterface;
+}
+
+std::vector<std::string> runningBundleIdentifiers(std::span<const std::string> arguments) {
+    std::vector<std::string> identifiers;
+    for (std::size_t i = 0; i + 1 < arguments.size(); ++i)
+        if (arguments[i] == "--running")
+            identifiers.push_back(arguments[++i]);
+    return identifiers;
 }
 
 std::string helpText() {
@@ -27,6 +38,9 @@ std::string helpText() {
            "  --show-cleanup   also open the \"Free Up Space\" window\n"
            "  --status         print the volume’s figures and end\n"
            "  --status=json    print them as one JSON object and end\n"
+           "  --report         print what could be cleaned up in the home folder and end; changes nothing\n"
+           "  --report=json    print that as one JSON object and end\n"
+           "  --running ID     for a report: the application with this bundle identifier is running (repeatable)\n"
            "  --help           print this and end\n"
            "  --version        print the version and end\n"
            "\n"
@@ -38,7 +52,7 @@ std::string versionText() { return "Ombrel " OMBREL_VERSION "\n"; }
 int runEntry(const std::vector<std::string>& arguments, const EntrySteps& steps) {
     if (steps.runFilesystemWorkerIfRequested(arguments))
         return 0;
-    if (const auto status = steps.runInTerminal(launchMode(arguments)))
+    if (const auto status = steps.runInTerminal(launchMode(arguments), arguments))
         return *status;
     return steps.runUserInterface(arguments);
 }

@@ -9,10 +9,13 @@
 namespace vantry {
 
 /// What a start of the process is for.
-enum class LaunchMode { userInterface, help, version, status, statusJson };
+enum class LaunchMode { userInterface, help, version, status, statusJson, report, reportJson };
 
 /// The first argument that names a mode decides; anything unknown is ignored and means the user interface.
 [[nodiscard]] LaunchMode launchMode(std::span<const std::string> arguments);
+
+/// The values of every "--running ID", in their order; one without a value counts for nothing.
+[[nodiscard]] std::vector<std::string> runningBundleIdentifiers(std::span<const std::string> arguments);
 
 [[nodiscard]] std::string helpText();
 [[nodiscard]] std::string versionText();
@@ -20,7 +23,8 @@ enum class LaunchMode { userInterface, help, version, status, statusJson };
 /// The process entry's steps, in the order in which `runEntry` takes them.
 struct EntrySteps {
     std::function<bool(std::span<const std::string>)> runFilesystemWorkerIfRequested;
-    std::function<std::optional<int>(LaunchMode)> runInTerminal; ///< absent when the mode is not the terminal's
+    /// Absent when the mode is not the terminal's.
+    std::function<std::optional<int>(LaunchMode, std::span<const std::string>)> runInTerminal;
     std::function<int(std::vector<std::string>)> runUserInterface;
 };
 

@@ -1,6 +1,8 @@
 #include "app/CommandLine.h"
+#include "app/ReportText.h"
 #include "app/ShellEntry.h"
 #include "app/StatusText.h"
+#include "cleanup/scan/CleanupScanner.h"
 #include "cleanup/scan/FilesystemWorker.h"
 #include "platform/ShellModule.h"
 #include "platform/UserSession.h"
@@ -9,6 +11,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+#include <unistd.h>
 
 namespace vantry {
 
@@ -31,13 +35,53 @@ int printStatus(bool json) {
     return printOut(json ? statusJson(*result) : statusText(*result));
 }
 
-std::optional<int> runInTerminal(LaunchMode mode) {
+// On a terminal, while there is nothing to see yet.
+class ProgressLine {
+public:
+    ProgressLine() {
+        if (shown_)
+            std::fputs("Looking through the home folder…", stderr);
+    }
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+    ~ProgressLine() {
+        if (shown_)
+            std::fputs("\r\x1b[K", stderr);
+    }
+
+private:
+    bool shown_ = isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+};
+
+bool wantsColors() {
+    const char* noColor = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) == 1 && (!noColor || *noColor == '\0') &&
+           (!terminal || std::string_view(terminal) != "dumb");
+}
+
+CleanupScanReport scanWithProgress(const ScanEnvironment& environment, std::span<const std::string> arguments) {
+    const ProgressLine progress;
+    return CleanupScanner::scan(environment, runningBundleIdentifiers(arguments));
+}
+
+int printReport(bool json, std::span<const std::string> arguments) {
+    const auto environment = ScanEnvironment::current();
+    if (!environment)
+        return fail(environment.error().message);
+    const auto report = scanWithProgress(*environment, arguments);
+    return printOut(json ? reportJson(report) : reportText(report, environment->home, wantsColors()));
+}
+
+std::optional<int> runInTerminal(LaunchMode mode, std::span<const std::string> arguments) {
     switch (mode) {
     case LaunchMode::userInterface: return std::nullopt;
     case LaunchMode::help: return printOut(helpText());
     case LaunchMode::version: return printOut(versionText());
     case LaunchMode::status: return printStatus(false);
     case LaunchMode::statusJson: return printStatus(true);
+    case LaunchMode::report: return printReport(false, arguments);
+    case LaunchMode::reportJson: return printReport(true, arguments);
     }
     return std::nullopt;
 }

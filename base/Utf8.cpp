@@ -13,35 +13,55 @@ struct Form {
     unsigned char leadMask;
 };
 
+// How many bytes the well-formed code point at the begin of `text`, which is not empty, has; 0 when there is none.
+std::size_t codePointLength(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    Form form{};
+    if (lead < 0x80)
+        return 1;
+    else if ((lead & 0xe0) == 0xc0)
+        form = {0x80, 1, 0x1f};
+    else if ((lead & 0xf0) == 0xe0)
+        form = {0x800, 2, 0x0f};
+    else if ((lead & 0xf8) == 0xf0)
+        form = {0x10000, 3, 0x07};
+    else
+        return 0;
+    if (text.size() - 1 < form.continuations)
+        return 0;
+    std::uint32_t codePoint = lead & form.leadMask;
+    for (std::size_t i = 1; i <= form.continuations; ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if ((byte & 0xc0) != 0x80)
+            return 0;
+        codePoint = codePoint << 6 | (byte & 0x3f);
+    }
+    const bool wrong =
+        codePoint < form.smallest || codePoint > 0x10ffff || (codePoint >= 0xd800 && codePoint <= 0xdfff);
+    return wrong ? 0 : form.continuations + 1;
+}
+
 } // namespace
 
 bool isUtf8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i++]);
-        Form form{};
-        if (lead < 0x80)
-            continue;
-        else if ((lead & 0xe0) == 0xc0)
-            form = {0x80, 1, 0x1f};
-        else if ((lead & 0xf0) == 0xe0)
-            form = {0x800, 2, 0x0f};
-        else if ((lead & 0xf8) == 0xf0)
-            form = {0x10000, 3, 0x07};
-        else
+    while (!text.empty()) {
+        const auto length = codePointLength(text);
+        if (length == 0)
             return false;
-        if (text.size() - i < form.continuations)
-            return false;
-        std::uint32_t codePoint = lead & form.leadMask;
-        for (std::size_t end = i + form.continuations; i < end; ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            if ((byte & 0xc0) != 0x80)
-                return false;
-            codePoint = codePoint << 6 | (byte & 0x3f);
-        }
-        if (codePoint < form.smallest || codePoint > 0x10ffff || (codePoint >= 0xd800 && codePoint <= 0xdfff))
-            return false;
+        text.remove_prefix(length);
     }
     return true;
+}
+
+std::string withReplacementCharacters(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto length = codePointLength(text);
+        result += length == 0 ? "\xef\xbf\xbd" : text.substr(0, length);
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+    return result;
 }
 
 } // namespace vantry

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace vantry {
 
 /// Whether `text` is well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates, nothing beyond U+10FFFF).
 [[nodiscard]] bool isUtf8(std::string_view text);
+
+/// `text` with U+FFFD for every byte that is not part of well-formed UTF-8.
+[[nodiscard]] std::string withReplacementCharacters(std::string_view text);
 
 } // namespace vantry

@@ -2,9 +2,11 @@
 
 #include "base/UniqueFd.h"
 #include "cleanup/scan/DirectoryMetrics.h"
+#include "cleanup/scan/PropertyListFile.h"
 #include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
 #include "platform/DirectoryWalk.h"
+#include "platform/MemoryLimit.h"
 #include "platform/WriteProtection.h"
 
 #include <algorithm>
@@ -62,6 +64,15 @@ void perform(const ListingJob& job) {
         payload.names = std::move(*names);
     if (!writeAll(output.get(), encoded(payload)) || fchmod(output.get(), 0600) != 0)
         std::ignore = ftruncate(output.get(), 0);
+}
+
+void perform(const PropertyListJob& job) {
+    constexpr std::size_t memory = 64 << 20;
+    std::ignore = giveUpChangingFiles();
+    std::ignore = limitMemory(memory);
+    for (const auto& file : job.files)
+        if (!writeAll(STDOUT_FILENO, encoded(textsOfPropertyListFile(file, job.keys))))
+            return;
 }
 
 } // namespace

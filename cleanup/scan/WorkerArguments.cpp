@@ -1,10 +1,12 @@
 #include "cleanup/scan/WorkerArguments.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <locale>
 #include <sstream>
 #include <string_view>
+#include <system_error>
 
 namespace vantry::CleanupScanner {
 
@@ -24,9 +26,25 @@ std::optional<double> positiveSeconds(const std::string& text) {
     return std::isfinite(seconds) && seconds > 0 ? std::optional(seconds) : std::nullopt;
 }
 
+WorkerJob propertyListJob(std::span<const std::string> arguments) {
+    std::size_t count = 0;
+    if (arguments.empty())
+        return {};
+    const auto* end = arguments[0].data() + arguments[0].size();
+    const auto parsed = std::from_chars(arguments[0].data(), end, count);
+    const auto rest = arguments.subspan(1);
+    if (parsed.ec != std::errc() || parsed.ptr != end || count > rest.size())
+        return {};
+    const auto keys = rest.first(count);
+    const auto files = rest.subspan(count);
+    return PropertyListJob{{keys.begin(), keys.end()}, {files.begin(), files.end()}};
+}
+
 } // namespace
 
 std::optional<WorkerJob> workerJob(std::span<const std::string> arguments) {
+    if (!arguments.empty() && arguments[0] == propertyListFlag)
+        return propertyListJob(arguments.subspan(1));
     if (arguments.empty() || (arguments[0] != directoryMetricsFlag && arguments[0] != shallowChildrenFlag))
         return std::nullopt;
     if (arguments.size() != 3)

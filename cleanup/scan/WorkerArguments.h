@@ -5,14 +5,18 @@
 #include <span>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace vantry::CleanupScanner {
 
 /// The flags that make a process of this executable a filesystem worker, when they are its first argument.
 ///   --directory-metrics-worker FOLDER SECONDS   writes a `DirectoryMetricsPayload` to standard output
 ///   --shallow-children-worker FOLDER FILE       writes a `ShallowChildrenPayload` to FILE, which becomes 0600
+///   --property-list-worker COUNT KEY... FILE... writes a `PropertyListPayload` for each FILE to standard output, with
+///                                               the texts under the COUNT keys, each as soon as the file is read
 inline constexpr const char* directoryMetricsFlag = "--directory-metrics-worker";
 inline constexpr const char* shallowChildrenFlag = "--shallow-children-worker";
+inline constexpr const char* propertyListFlag = "--property-list-worker";
 
 struct MeasuringJob {
     std::string folder;
@@ -28,9 +32,16 @@ struct ListingJob {
     bool operator==(const ListingJob&) const = default;
 };
 
-/// What a worker is told to do; nothing when its arguments are wrong in number or SECONDS is no plain decimal number
-/// above 0, with a point in every locale.
-using WorkerJob = std::variant<std::monostate, MeasuringJob, ListingJob>;
+struct PropertyListJob {
+    std::vector<std::string> keys;
+    std::vector<std::string> files;
+
+    bool operator==(const PropertyListJob&) const = default;
+};
+
+/// What a worker is told to do; nothing when its arguments are wrong in number, SECONDS is no plain decimal number
+/// above 0, with a point in every locale, or COUNT is no plain number.
+using WorkerJob = std::variant<std::monostate, MeasuringJob, ListingJob, PropertyListJob>;
 
 /// Absent unless the first of `arguments`, the process's without its name, is one of the flags.
 [[nodiscard]] std::optional<WorkerJob> workerJob(std::span<const std::string> arguments);

@@ -2,6 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/Uuid.h"
+#include "cleanup/scan/PropertyListReader.h"
 #include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
 #include "platform/ItemKind.h"
@@ -130,6 +131,13 @@ ShallowChildren WorkerHost::shallowChildren(const std::filesystem::path& folder,
     for (const auto& name : payload->names)
         children.urls.push_back(folder / name);
     return children;
+}
+
+PropertyListTexts WorkerHost::propertyListTexts(std::span<const std::filesystem::path> files,
+                                                std::span<const std::string> keys, Deadline deadline) {
+    reapAbandoned();
+    return CleanupScanner::readPropertyLists(environment_.executable, files, keys, deadline,
+                                             [this](ChildProcess worker) { stopWorker(std::move(worker)); });
 }
 
 // Reads while the worker runs, since a pipe holds little, and waits for its end: one that closes its output and lives

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Deadline.h"
-#include "cleanup/scan/DirectoryMetrics.h"
+#include "cleanup/scan/ScanWorkers.h"
 #include "platform/ChildProcess.h"
 
 #include <chrono>
@@ -13,18 +13,10 @@
 
 namespace vantry {
 
-/// What stands directly in a folder. Without `complete` there is nothing.
-struct ShallowChildren {
-    std::vector<std::filesystem::path> urls;
-    bool complete = false;
-
-    bool operator==(const ShallowChildren&) const = default;
-};
-
 /// Starts filesystem workers, one at a time, and never waits for one without a bound: a worker that overruns is asked
 /// to end, then killed, and one that survives even that, stuck in a hung file system, is left behind and reaped when it
 /// ends. Every failure is an answer that is not complete. Blocking; one thread, the scan's own.
-class WorkerHost {
+class WorkerHost : public ScanWorkers {
 public:
     /// What is started, and where workers leave their lists.
     struct Environment {
@@ -38,12 +30,14 @@ public:
     explicit WorkerHost(Environment environment);
     WorkerHost(const WorkerHost&) = delete;
     WorkerHost& operator=(const WorkerHost&) = delete;
-    ~WorkerHost();
+    ~WorkerHost() override;
 
     /// Measures `folder` in a worker, for half a second at most. A regular file is measured at once, without a worker.
-    [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline);
+    [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override;
     /// The visible entries of `folder`, listed by a worker in half a second at most. A link to a folder is refused.
-    [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline);
+    [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override;
+    [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
+                                                      std::span<const std::string> keys, Deadline deadline) override;
 
     /// Workers that were left behind and have not ended yet.
     [[nodiscard]] std::size_t abandonedCount();

@@ -175,9 +175,9 @@ constexpr double largestSeconds = 9'223'372'035;
 
 // A count of nanoseconds has more digits than a double, so whole seconds and the rest go separately.
 double secondsSince1970(SystemTime time) {
-    const auto whole = std::chrono::floor<std::chrono::seconds>(time);
-    const double seconds =
-        static_cast<double>(whole.time_since_epoch().count()) + std::chrono::duration<double>(time - whole).count();
+    const auto whole = std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch());
+    const std::chrono::duration<double> rest = time.time_since_epoch() - whole;
+    const double seconds = static_cast<double>(whole.count()) + rest.count();
     return std::clamp(seconds, -largestSeconds, largestSeconds);
 }
 

@@ -4,6 +4,8 @@
 
 #include <Foundation/Foundation.h>
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace vantry {
 
@@ -46,6 +48,44 @@ id objectOf(const PropertyList& list) {
     return objects;
 }
 
+// A list shares equal texts and more, so its size says little about how much is in it.
+bool isWithinBounds(id object, std::size_t level, std::size_t& valuesLeft) {
+    if (valuesLeft == 0)
+        return false;
+    --valuesLeft;
+    const bool isDictionary = [object isKindOfClass:[NSDictionary class]];
+    if (!isDictionary && ![object isKindOfClass:[NSArray class]])
+        return true;
+    if (level == deepestPropertyList)
+        return false;
+    if (isDictionary) {
+        NSDictionary<id, id>* dictionary = object;
+        for (id key in dictionary)
+            if (!isWithinBounds(key, level + 1, valuesLeft) ||
+                !isWithinBounds([dictionary objectForKey:key], level + 1, valuesLeft))
+                return false;
+        return true;
+    }
+    for (id element in static_cast<NSArray<id>*>(object))
+        if (!isWithinBounds(element, level + 1, valuesLeft))
+            return false;
+    return true;
+}
+
+// Absent for what is no text, or none that may be told.
+std::optional<std::string> textOf(id object) {
+    if (![object isKindOfClass:[NSString class]])
+        return std::nullopt;
+    NSString* text = object;
+    // A unit of UTF-16 is at least one byte.
+    if (text.length > longestPropertyListText)
+        return std::nullopt;
+    std::string bytes = textFromFoundation(text);
+    const bool isValid = !bytes.empty() || text.length == 0;
+    const bool isTold = bytes.size() <= longestPropertyListText && bytes.find('\0') == std::string::npos;
+    return isValid && isTold ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
 } // namespace
 
 Result<std::string> xmlPropertyList(const PropertyList& list) {
@@ -61,6 +101,35 @@ Result<std::string> xmlPropertyList(const PropertyList& list) {
         if (!xml)
             return std::unexpected(errorFromFoundation(error));
         return std::string(static_cast<const char*>(xml.bytes), xml.length);
+    }
+}
+
+Result<std::map<std::string, std::string>> propertyListTexts(std::string_view bytes,
+                                                             std::span<const std::string> keys) {
+    if (bytes.size() > largestPropertyList)
+        return std::unexpected(Error{ErrorKind::invalid, "The property list is too large."});
+    @autoreleasepool {
+        NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
+        NSPropertyListFormat format = NSPropertyListOpenStepFormat;
+        NSError* error = nil;
+        id list = [NSPropertyListSerialization propertyListWithData:data
+                                                            options:NSPropertyListImmutable
+                                                             format:&format
+                                                              error:&error];
+        if (!list)
+            return std::unexpected(errorFromFoundation(error));
+        std::size_t valuesLeft = mostPropertyListValues;
+        if (format == NSPropertyListOpenStepFormat || ![list isKindOfClass:[NSDictionary class]] ||
+            !isWithinBounds(list, 0, valuesLeft))
+            return std::unexpected(Error{ErrorKind::invalid, "This is no property list that can be read."});
+        NSDictionary<NSString*, id>* dictionary = list;
+        std::map<std::string, std::string> texts;
+        for (const auto& key : keys) {
+            NSString* name = foundationText(key);
+            if (auto text = name ? textOf([dictionary objectForKey:name]) : std::nullopt)
+                texts[key] = std::move(*text);
+        }
+        return texts;
     }
 }
 

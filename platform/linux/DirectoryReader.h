@@ -23,14 +23,21 @@ struct DirectoryEntry {
 /// Reads folders in large pieces into one buffer.
 class DirectoryReader {
 public:
+    static constexpr ssize_t largestPiece = 128 * 1024; ///< bytes: some thousands of entries
+
     /// The next entries of the folder that is open as `fd`, "." and ".." left out; empty at its end. The error is an
     /// errno.
-    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd) {
+    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd, ssize_t pieceSize = largestPiece) {
         entries_.clear();
         while (entries_.empty()) {
-            length_ = getdents64(fd, buffer_.get(), bufferSize);
+            length_ = getdents64(fd, buffer_.get(), static_cast<std::size_t>(pieceSize));
             if (length_ < 0 && errno == EINTR)
                 continue;
+            if (length_ < 0 && errno == EINVAL && pieceSize < largestPiece) { // the next name alone is too long for it
+                pieceSize = largestPiece;
+                continue;
+            }
+            pieceSize_ = pieceSize;
             if (length_ < 0)
                 return std::unexpected(errno);
             if (length_ == 0)
@@ -48,11 +55,11 @@ public:
     }
 
     /// Whether what was read last from `fd` is known to be all there is. Leaves the entries and the place of the next
-    /// reading as they are.
-    [[nodiscard]] bool atEnd(int fd) {
+    /// reading as they are. The error is an errno.
+    [[nodiscard]] std::expected<bool, int> atEnd(int fd) {
         if (length_ == 0)
             return true;
-        if (piecesAreShort_ || length_ > bufferSize - largestEntry)
+        if (piecesAreShort_ || length_ > pieceSize_ - largestEntry)
             return false;
         std::array<char, largestEntry> next; // NOLINT(cppcoreguidelines-pro-type-member-init): written by the call
         const ssize_t more = getdents64(fd, next.data(), next.size());
@@ -60,13 +67,12 @@ public:
             return true;
         // A file system that does not fill the buffer is not asked again: going back costs more than is saved.
         piecesAreShort_ = true;
-        if (more > 0)
-            lseek(fd, end_, SEEK_SET);
+        if (more > 0 && lseek(fd, end_, SEEK_SET) != end_)
+            return std::unexpected(errno);
         return false;
     }
 
 private:
-    static constexpr ssize_t bufferSize = 128 * 1024;
     static constexpr ssize_t largestEntry = 1024; // with a name longer than local file systems allow
 
     static EntryKind kindOf(unsigned char type) {
@@ -78,9 +84,10 @@ private:
         }
     }
 
-    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
+    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(largestPiece);
     std::vector<DirectoryEntry> entries_;
     ssize_t length_ = 0;          ///< of the last piece
+    ssize_t pieceSize_ = 0;       ///< what it could have been
     off64_t end_ = 0;             ///< where the last piece ends
     bool piecesAreShort_ = false; ///< although more follows
 };

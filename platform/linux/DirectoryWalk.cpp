@@ -32,15 +32,23 @@ namespace {
 constexpr std::size_t entriesBeforeMoreThreads = 1000; // some two milliseconds, against 0.1 to start a thread
 constexpr std::size_t entriesBetweenLooks = 8;         // at the clock: a disk may take its time for each
 constexpr std::size_t fewestEntriesToShare = 128;
+constexpr std::size_t tasksToLookAt = 512; // for some that can be shared
 constexpr std::chrono::milliseconds patienceWithOtherThreads{20};
 
 constexpr int statxFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
 constexpr unsigned statxMask = STATX_TYPE | STATX_BLOCKS | STATX_MTIME;
 
-// What is not there any more, is not ours to read or is no folder is passed over; anything else cuts the walk short.
+// An entry that cannot be read is passed over. Not so when it is this process that cannot: there is more to be seen.
 bool mayBePassedOver(int errorNumber) {
-    return errorNumber == EACCES || errorNumber == EPERM || errorNumber == ENOENT || errorNumber == ENOTDIR ||
-           errorNumber == ELOOP;
+    return errorNumber != EMFILE && errorNumber != ENFILE && errorNumber != ENOMEM;
+}
+
+// How much of a folder to read at a time. The more folders still have to be walked, the fewer are added to them, so
+// that a tree that is both deep and wide fits into a few megabytes.
+ssize_t pieceSize(std::size_t tasks) {
+    if (tasks < 8'000)
+        return DirectoryReader::largestPiece;
+    return tasks < 24'000 ? 4096 : 512; // some hundred entries, about a dozen
 }
 
 // Entries of a folder that one thread leaves to another, with a descriptor of their folder to find them in.
@@ -150,13 +158,16 @@ private:
 
     void readPiece(const std::shared_ptr<WalkedFolder>& folder) {
         if (const auto opened = folders_.open(folder); !opened)
-            return missed(opened.error());
-        const auto piece = reader_.read(folder->fd.get());
+            return opened.error().lost ? tally_.cutShort() : missed(opened.error().errorNumber);
+        const auto piece = reader_.read(folder->fd.get(), pieceSize(tasks_.size()));
         if (!piece && !folder->parent)
             return tally_.cutShort(); // of a root that cannot be read nothing is known
         if (!piece)
             return missed(piece.error());
-        if (!reader_.atEnd(folder->fd.get()))
+        const auto atEnd = reader_.atEnd(folder->fd.get());
+        if (!atEnd)
+            tally_.cutShort(); // the way back to the rest is barred
+        else if (!*atEnd)
             tasks_.push_back({folder, ""});
         walkEntries(folder, *piece);
     }
@@ -221,8 +232,11 @@ private:
     void shareTasks() {
         if (tasks_.size() < 2 || !sharesWanted())
             return;
-        const auto begin =
-            std::ranges::find_if(tasks_, [](const Task& task) { return !task.name.empty() && task.folder->fd; });
+        const auto canBeShared = [](const Task& task) { return !task.name.empty() && task.folder->fd; };
+        const auto few = static_cast<std::ptrdiff_t>(std::min(tasks_.size(), tasksToLookAt));
+        auto begin = std::find_if(tasks_.begin(), tasks_.begin() + few, canBeShared);
+        if (begin == tasks_.begin() + few) // what is open was opened lately
+            begin = std::find_if(tasks_.end() - few, tasks_.end(), canBeShared);
         if (begin == tasks_.end())
             return;
         const auto siblingsEnd = std::find_if(

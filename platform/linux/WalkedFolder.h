@@ -48,12 +48,17 @@ struct WalkedFolder {
     std::optional<Identity> identity; ///< set once it was closed
 };
 
+/// Why a folder is not open.
+struct FolderNotOpened {
+    int errorNumber = 0;
+    bool lost = false; ///< it, or one above it, was open before and cannot be found again
+};
+
 /// Opens the folders of a walk, each by its name in its parent and never through a link, and keeps few of them open.
 class OpenFolders {
 public:
-    /// Opens `folder` unless it is open; reading goes on where it was. The error is an errno: ESTALE when a folder that
-    /// was open before cannot be found again.
-    [[nodiscard]] std::expected<void, int> open(const std::shared_ptr<WalkedFolder>& folder) {
+    /// Opens `folder` unless it is open; reading goes on where it was.
+    [[nodiscard]] std::expected<void, FolderNotOpened> open(const std::shared_ptr<WalkedFolder>& folder) {
         std::vector<std::shared_ptr<WalkedFolder>> closed;
         for (auto next = folder; !next->fd; next = next->parent) {
             if (next->identity && climbTo(next))
@@ -62,10 +67,8 @@ public:
         }
         for (auto next = closed.rbegin(); next != closed.rend(); ++next) {
             UniqueFd fd(openat((*next)->parent->fd.get(), (*next)->name.c_str(), folderOpenFlags));
-            if ((*next)->identity && (!fd || identityOf(fd) != (*next)->identity))
-                return std::unexpected(ESTALE);
-            if (!fd)
-                return std::unexpected(errno);
+            if (!fd || ((*next)->identity && !isThatOne(fd, **next)))
+                return std::unexpected(FolderNotOpened{errno, (*next)->identity.has_value()});
             keep(*next, std::move(fd));
         }
         latest_ = folder;
@@ -78,7 +81,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostOpen = 128;
+    // Four threads are far from the 256 descriptors that the most modest systems allow, and few trees are deeper.
+    static constexpr std::size_t mostOpen = 48;
 
     static std::optional<WalkedFolder::Identity> identityOf(const UniqueFd& fd) {
         struct stat facts = {};
@@ -87,9 +91,12 @@ private:
         return WalkedFolder::Identity{facts.st_dev, facts.st_ino};
     }
 
+    // Whether `fd` is `folder`, which was closed, again; it is then where its reading was.
+    static bool isThatOne(const UniqueFd& fd, const WalkedFolder& folder) {
+        return identityOf(fd) == folder.identity && lseek(fd.get(), folder.position, SEEK_SET) == folder.position;
+    }
+
     void keep(const std::shared_ptr<WalkedFolder>& folder, UniqueFd fd) {
-        if (folder->position != 0)
-            lseek(fd.get(), folder->position, SEEK_SET);
         folder->fd = std::move(fd);
         open_.push_back(folder);
         if (open_.size() <= mostOpen)
@@ -128,7 +135,7 @@ private:
         UniqueFd fd(openat(nearest->fd.get(), "..", folderOpenFlags));
         while (fd && --steps > 0)
             fd.reset(openat(fd.get(), "..", folderOpenFlags));
-        if (!fd || identityOf(fd) != folder->identity)
+        if (!fd || !isThatOne(fd, *folder))
             return false;
         keep(folder, std::move(fd));
         return true;

@@ -30,6 +30,8 @@ TEST(CommandLine, TheFirstArgumentThatNamesAModeDecides) {
         {{"--version", "--help"}, LaunchMode::version},
         {{"--status=json", "--status"}, LaunchMode::statusJson},
         {{"--status", "json"}, LaunchMode::status},
+        {{"--report"}, LaunchMode::report},
+        {{"--running", "com.example.app", "--report=json"}, LaunchMode::reportJson},
     };
     for (const auto& [arguments, mode] : cases)
         EXPECT_EQ(launchMode(arguments), mode) << testing::PrintToString(arguments);
@@ -42,8 +44,17 @@ TEST(CommandLine, UnknownArgumentsAreIgnored) {
         EXPECT_EQ(launchMode(Arguments{argument}), LaunchMode::userInterface) << argument;
 }
 
+TEST(CommandLine, EveryRunningApplicationIsNamedByTheArgumentAfterItsOption) {
+    EXPECT_THAT(runningBundleIdentifiers(Arguments{}), ElementsAre());
+    EXPECT_THAT(runningBundleIdentifiers(Arguments{"--running"}), ElementsAre());
+    EXPECT_THAT(runningBundleIdentifiers(Arguments{"--running", "a", "--report", "--running", "b", "c"}),
+                ElementsAre("a", "b"));
+    EXPECT_THAT(runningBundleIdentifiers(Arguments{"--running", "--running", "b"}), ElementsAre("--running"));
+}
+
 TEST(CommandLine, TheHelpNamesEveryOption) {
-    for (const char* option : {"--show-cleanup", "--status", "--status=json", "--help", "--version"})
+    for (const char* option : {"--show-cleanup", "--status", "--status=json", "--report", "--report=json",
+                               "--running ID", "--help", "--version"})
         EXPECT_THAT(helpText(), HasSubstr(std::string("\n  ") + option + " "));
     EXPECT_TRUE(helpText().starts_with("Usage: ombrel [OPTION]\n"));
     EXPECT_TRUE(helpText().ends_with("\n"));
@@ -62,7 +73,8 @@ protected:
                                        return isWorker;
                                    },
                                .runInTerminal =
-                                   [this](LaunchMode mode) {
+                                   [this](LaunchMode mode, std::span<const std::string> given) {
+                                       terminalArguments.assign(given.begin(), given.end());
                                        taken.push_back("terminal? " + std::to_string(static_cast<int>(mode)));
                                        return terminalStatus;
                                    },
@@ -78,6 +90,7 @@ protected:
     std::optional<int> terminalStatus;
     int interfaceStatus = 0;
     Arguments taken;
+    Arguments terminalArguments;
 };
 
 TEST_F(ProcessEntry, AsksForAWorkersJobFirstThenForTheTerminalThenRunsTheInterface) {
@@ -103,6 +116,7 @@ TEST_F(ProcessEntry, AModeOfTheTerminalEndsWithItsStatus) {
         taken.clear();
         terminalStatus = status;
         EXPECT_EQ(run({"--status"}), status);
+        EXPECT_THAT(terminalArguments, ElementsAre("--status"));
         EXPECT_THAT(taken, ElementsAre("worker? { \"--status\" }",
                                        "terminal? " + std::to_string(static_cast<int>(LaunchMode::status))));
     }
@@ -115,7 +129,7 @@ TEST(ProcessEntryOfAWorker, NeverReachesTheInterface) {
                                        Arguments{"--shallow-children-worker", "--help"}}) {
         int reached = 0;
         EXPECT_EQ(runEntry(arguments, {.runFilesystemWorkerIfRequested = CleanupScanner::runFilesystemWorkerIfRequested,
-                                       .runInTerminal = [&reached](LaunchMode) -> std::optional<int> {
+                                       .runInTerminal = [&reached](LaunchMode, auto) -> std::optional<int> {
                                            ++reached;
                                            return std::nullopt;
                                        },

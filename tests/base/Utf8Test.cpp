@@ -27,5 +27,19 @@ TEST(Utf8, OverlongFormsSurrogatesAndTooLargeCodePointsAreRefused) {
         EXPECT_FALSE(isUtf8(text)) << testing::PrintToString(text);
 }
 
+TEST(Utf8, WhatIsMalformedIsReplacedByteByByteAndTheRestKept) {
+    EXPECT_EQ(withReplacementCharacters(""), "");
+    EXPECT_EQ(withReplacementCharacters("caché …"), "caché …");
+    EXPECT_EQ(withReplacementCharacters("a\xff"
+                                        "b"),
+              "a\xef\xbf\xbd"
+              "b");
+    EXPECT_EQ(withReplacementCharacters("\xe2\x82"), "\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_EQ(withReplacementCharacters("\xc3é"), "\xef\xbf\xbdé");
+    EXPECT_EQ(withReplacementCharacters("\xed\xa0\x80"
+                                        "z"),
+              "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbdz");
+}
+
 } // namespace
 } // namespace vantry

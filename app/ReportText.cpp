@@ -1,0 +1,257 @@
+#include "app/ReportText.h"
+
+#include "base/Utf8.h"
+#include "platform/TextFormat.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+enum class Style { heading, lowRisk, review, warning, faded };
+
+std::string escapeSequence(Style style) {
+    switch (style) {
+    case Style::heading: return "\x1b[1m";
+    case Style::lowRisk: return "\x1b[32m";
+    case Style::review: return "\x1b[33m";
+    case Style::warning: return "\x1b[31m";
+    case Style::faded: return "\x1b[2m";
+    }
+    return {};
+}
+
+/// Builds the text, with colours or without.
+class Report {
+public:
+    explicit Report(bool colored) : colored_(colored) {}
+
+    [[nodiscard]] std::string styled(Style style, std::string_view text) const {
+        return colored_ ? fmt::format("{}{}\x1b[0m", escapeSequence(style), text) : std::string(text);
+    }
+    void line(std::string_view text = {}) { text_ += fmt::format("{}\n", text); }
+    void heading(std::string_view text) {
+        line();
+        line(styled(Style::heading, text));
+    }
+    [[nodiscard]] std::string take() { return std::move(text_); }
+
+private:
+    std::string text_;
+    bool colored_;
+};
+
+// A name may hold line breaks and whatever else would move a terminal's cursor.
+std::string printable(std::string_view text) {
+    std::string result;
+    for (const char character : withReplacementCharacters(text)) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7f)
+            result += fmt::format("\\x{:02x}", byte);
+        else
+            result += character;
+    }
+    return result;
+}
+
+std::string shortPath(const std::filesystem::path& path, const std::filesystem::path& home) {
+    const std::string prefix = home.native() + "/";
+    if (!home.empty() && path.native().starts_with(prefix))
+        return printable("~/" + path.native().substr(prefix.size()));
+    return printable(path.native());
+}
+
+std::string countText(std::size_t count, std::string_view one, std::string_view several) {
+    return fmt::format("{} {}", count, count == 1 ? one : several);
+}
+
+std::int64_t sumOfSizes(const std::vector<CleanupCandidate>& candidates, bool lowRiskOnly) {
+    std::int64_t sum = 0;
+    for (const auto& candidate : candidates)
+        if (!lowRiskOnly || candidate.canMoveToTrash())
+            if (__builtin_add_overflow(sum, candidate.size, &sum))
+                return std::numeric_limits<std::int64_t>::max();
+    return sum;
+}
+
+std::string amountText(const CleanupByteAmount& amount) {
+    const auto bytes = amount.knownBytes();
+    if (!bytes)
+        return "size unknown";
+    return (amount.isExact() ? "" : "at least ") + byteCountText(*bytes);
+}
+
+void appendStorage(Report& report, const std::optional<StorageSnapshot>& storage) {
+    if (!storage) {
+        report.line(report.styled(Style::warning, "The volume could not be read."));
+        return;
+    }
+    report.line(report.styled(Style::heading, printable(storage->volumeName)));
+    report.line(fmt::format("{} of {} used, {} available", byteCountText(storage->usedBytes()),
+                            byteCountText(storage->totalBytes), byteCountText(storage->availableBytes)));
+}
+
+void appendTotals(Report& report, const CleanupScanReport& scanned) {
+    report.line();
+    if (scanned.candidates.empty()) {
+        report.line("Nothing to review was found.");
+        return;
+    }
+    const auto lowRisk = static_cast<std::size_t>(
+        std::ranges::count_if(scanned.candidates, [](const auto& candidate) { return candidate.canMoveToTrash(); }));
+    report.line(fmt::format("{} to review, {}; {}", countText(scanned.candidates.size(), "item", "items"),
+                            byteCountText(sumOfSizes(scanned.candidates, false)),
+                            lowRisk == 0 ? "none of them low risk"
+                                         : fmt::format("{} of them low risk, {}", lowRisk,
+                                                       byteCountText(sumOfSizes(scanned.candidates, true)))));
+}
+
+void appendCandidates(Report& report, const CleanupScanReport& scanned, const std::filesystem::path& home) {
+    for (const auto& row : allCleanupAreas) {
+        bool first = true;
+        for (const auto& candidate : scanned.candidates) {
+            if (area(candidate.category) != row.value)
+                continue;
+            if (std::exchange(first, false))
+                report.heading(row.title);
+            const auto style = candidate.confidence == CleanupConfidence::suggested ? Style::lowRisk : Style::review;
+            report.line(fmt::format("{:>10}  {}  {}", byteCountText(candidate.size),
+                                    report.styled(style, fmt::format("{:<12}", rawValue(candidate.confidence))),
+                                    printable(candidate.title)));
+            report.line(fmt::format("{:26}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
+            report.line(fmt::format("{:26}{}", "", candidate.reason));
+        }
+    }
+}
+
+bool isTrouble(CleanupScanState state) {
+    return state != CleanupScanState::checked && state != CleanupScanState::notPresent;
+}
+
+std::string_view explanation(CleanupScanState state) {
+    switch (state) {
+    case CleanupScanState::checked:
+    case CleanupScanState::notPresent: return "";
+    case CleanupScanState::limited: return "time ran out, or there is more than is listed here";
+    case CleanupScanState::relocated: return "the folder is a link to another place, which is not followed";
+    case CleanupScanState::permissionNeeded: return "the folder may not be read";
+    case CleanupScanState::unavailable: return "the folder could not be listed in time";
+    }
+    return "";
+}
+
+void appendCategories(Report& report, const CleanupScanReport& scanned) {
+    report.heading("Checked places");
+    for (const auto& row : allCleanupCategories) {
+        const auto state = scanned.states.at(row.value);
+        const auto& metric = scanned.metrics.at(row.value);
+        const std::string title = fmt::format("{:<22}", vantry::title(state));
+        std::string line = fmt::format("  {:<26}{}{:>20}", row.rawValue,
+                                       isTrouble(state) ? report.styled(Style::warning, title) : title,
+                                       state == CleanupScanState::notPresent ? "" : amountText(metric.occupied));
+        if (metric.reviewableItemCount != 0)
+            line += fmt::format("  {}, {}",
+                                countText(static_cast<std::size_t>(metric.reviewableItemCount), "item", "items"),
+                                byteCountText(metric.reviewableBytes));
+        report.line(line.substr(0, line.find_last_not_of(' ') + 1));
+    }
+    bool first = true;
+    for (const auto& row : allCleanupCategories) {
+        const auto state = scanned.states.at(row.value);
+        if (!isTrouble(state))
+            continue;
+        if (std::exchange(first, false))
+            report.heading("Not checked completely");
+        report.line(fmt::format("  {}: {}", row.rawValue, explanation(state)));
+    }
+}
+
+std::string percentEncoded(std::string_view bytes) {
+    std::string result;
+    for (const char character : bytes) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                           (byte >= '0' && byte <= '9') ||
+                           std::string_view("-._~/").find(character) != std::string_view::npos;
+        result += plain ? std::string(1, character) : fmt::format("%{:02X}", byte);
+    }
+    return result;
+}
+
+Json storageJson(const std::optional<StorageSnapshot>& storage) {
+    if (!storage)
+        return nullptr;
+    return {{"volumeName", storage->volumeName},
+            {"totalBytes", storage->totalBytes},
+            {"availableBytes", storage->availableBytes},
+            {"usedBytes", storage->usedBytes()},
+            {"updatedAt", iso8601Text(storage->updatedAt)}};
+}
+
+Json candidateJson(const CleanupCandidate& candidate) {
+    Json object;
+    const auto& path = candidate.url.native();
+    if (isUtf8(path))
+        object["path"] = path;
+    else
+        object["pathEncoded"] = percentEncoded(path);
+    object["title"] = candidate.title;
+    object["category"] = rawValue(candidate.category);
+    object["area"] = title(area(candidate.category));
+    object["reason"] = candidate.reason;
+    object["sizeBytes"] = candidate.size;
+    object["confidence"] = rawValue(candidate.confidence);
+    object["disposition"] = title(candidate.removalDisposition());
+    object["modifiedAt"] =
+        candidate.scannedModificationDate ? Json(iso8601Text(*candidate.scannedModificationDate)) : Json(nullptr);
+    return object;
+}
+
+Json amountJson(const CleanupByteAmount& amount) {
+    if (!amount.knownBytes())
+        return {{"kind", "unavailable"}};
+    return {{"kind", amount.isExact() ? "exact" : "atLeast"}, {"bytes", *amount.knownBytes()}};
+}
+
+} // namespace
+
+std::string reportText(const CleanupScanReport& scanned, const std::filesystem::path& home, bool colored) {
+    Report report(colored);
+    appendStorage(report, scanned.storageSnapshot);
+    appendTotals(report, scanned);
+    appendCandidates(report, scanned, home);
+    appendCategories(report, scanned);
+    report.line();
+    report.line(report.styled(
+        Style::faded, fmt::format("Checked in {:.1f} seconds; nothing was changed.", scanned.duration.count())));
+    return report.take();
+}
+
+std::string reportJson(const CleanupScanReport& scanned) {
+    Json object;
+    object["storage"] = storageJson(scanned.storageSnapshot);
+    object["durationSeconds"] = scanned.duration.count();
+    object["candidates"] = Json::array();
+    for (const auto& candidate : scanned.candidates)
+        object["candidates"].push_back(candidateJson(candidate));
+    object["categories"] = Json::object();
+    for (const auto& row : allCleanupCategories) {
+        const auto& metric = scanned.metrics.at(row.value);
+        object["categories"][std::string(row.rawValue)] = {{"state", title(scanned.states.at(row.value))},
+                                                           {"occupied", amountJson(metric.occupied)},
+                                                           {"reviewableBytes", metric.reviewableBytes},
+                                                           {"reviewableItemCount", metric.reviewableItemCount}};
+    }
+    return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+} // namespace vantry

@@ -1,0 +1,97 @@
+#include "cleanup/scan/CleanupValidation.h"
+
+#include "cleanup/model/StandardizedPath.h"
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/ValidationDecisions.h"
+#include "platform/ItemFacts.h"
+
+#include <unistd.h>
+#include <utility>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+// A pin proves that the item is there and that no link leads to it. Without one the path has to be asked: of an item
+// behind a link it is asked first whether there is one, and for want of a descriptor nothing may be known.
+Refusal refusalByPath(const std::filesystem::path& item, std::optional<PinFailure> failure) {
+    const bool isProven = !failure || failure == PinFailure::special;
+    const bool exists = isProven || (failure != PinFailure::missing && readItemFacts(item));
+    if (const auto refusal = refusalByExistence(exists))
+        return refusal;
+    return refusalByLinks(!isProven && (failure == PinFailure::link || !pathHasNoSymbolicLinkComponents(item)));
+}
+
+std::optional<PinnedFileFacts> factsOf(const std::expected<PinnedFile, PinFailure>& file) {
+    if (file)
+        return file->facts();
+    return file.error() == PinFailure::special ? std::optional(PinnedFileFacts{.isRegularFile = false}) : std::nullopt;
+}
+
+std::unexpected<std::string> refused(const Refusal& refusal) { return std::unexpected(std::string(*refusal)); }
+
+} // namespace
+
+std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& candidate,
+                                                     const ScanEnvironment& environment) {
+    const SystemTime now = environment.now();
+    if (const auto refusal = refusalByScan(candidate.category, candidate.scannedAt, now))
+        return refused(refusal);
+
+    const std::filesystem::path item = standardizedPath(candidate.url);
+    const std::filesystem::path parent = item.parent_path();
+    const auto root = PinnedFolder::open(parent);
+    auto file = root ? PinnedFile::open(*root, item.filename().native()) : std::unexpected(root.error());
+    if (const auto refusal = refusalByPath(item, file ? std::nullopt : std::optional(file.error())))
+        return refused(refusal);
+    if (const auto refusal = refusalByParent(item, approvedRoots(candidate.category, environment)))
+        return refused(refusal);
+    if (const auto refusal = refusalByRootPlace(root ? (*root)->isInPlace() : pathHasNoSymbolicLinkComponents(parent)))
+        return refused(refusal);
+
+    const auto facts = factsOf(file);
+    if (const auto refusal = refusalByKind(facts))
+        return refused(refusal);
+    const auto rootFacts = (*root)->facts();
+    if (const auto refusal = refusalByRoot(rootFacts))
+        return refused(refusal);
+    if (const auto refusal = refusalByIdentity(candidate, *facts, *rootFacts))
+        return refused(refusal);
+    if (const auto refusal = refusalByRules(candidate, *facts, getuid(), now))
+        return refused(refusal);
+    if (const auto refusal = refusalByPlace(file->place()))
+        return refused(refusal);
+    return std::move(*file);
+}
+
+std::optional<std::string> validationFailure(const CleanupCandidate& candidate, const ScanEnvironment& environment) {
+    const auto file = validatedFile(candidate, environment);
+    return file ? std::nullopt : std::optional(file.error());
+}
+
+bool pathHasNoSymbolicLinkComponents(const std::filesystem::path& path) {
+    const std::filesystem::path standardized = standardizedPath(path);
+    if (!standardized.is_absolute())
+        return false;
+    std::filesystem::path growing = "/";
+    for (const auto& component : standardized.relative_path()) {
+        growing /= component;
+        const auto facts = readItemFacts(growing);
+        if (!facts || facts->kind == ItemFacts::Kind::symbolicLink)
+            return false;
+    }
+    return true;
+}
+
+bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
+    const std::string path = standardizedPath(candidate).native();
+    const std::string rootPath = standardizedPath(root).native();
+    return path != rootPath && path.starts_with(rootPath + "/") && !isSymbolicLink(candidate);
+}
+
+bool isSymbolicLink(const std::filesystem::path& path) {
+    const auto facts = readItemFacts(standardizedPath(path));
+    return facts && facts->kind == ItemFacts::Kind::symbolicLink;
+}
+
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,105 @@
+#include "cleanup/scan/DeveloperFinders.h"
+
+#include "base/Utf8.h"
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/CleanupValidation.h"
+#include "cleanup/scan/OldFileFinders.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+struct Place {
+    std::string_view title;
+    std::string_view reason;
+};
+
+// In the order of the categories' roots.
+constexpr std::array<Place, 2> archivePlaces{{
+    {"", "Xcode archive group not modified for at least 180 days. Keep anything needed for symbolication or release "
+         "export."},
+    {"", "Device-support version not modified for at least 180 days. Xcode can restore it when that OS is used again."},
+}};
+constexpr std::array<Place, 2> buildPlaces{{
+    {"Xcode Derived Data", "Xcode recreates Derived Data when a project is built."},
+    {"Simulator Caches", "Simulator caches are recreated when needed."},
+}};
+constexpr std::array<Place, 5> cachePlaces{{
+    {"Homebrew Cache", "Homebrew downloads and rebuilds this cache when needed."},
+    {"CocoaPods Cache", "CocoaPods downloads this cache again when needed."},
+    {"Swift Package Manager Cache", "Swift Package Manager resolves this cache again when needed."},
+    {"npm Cache", "npm verifies and downloads package cache content again when needed."},
+    {"Gradle Cache", "Gradle rebuilds and downloads cache content again when needed."},
+}};
+
+void appendOldGroups(ScanContext& context, std::vector<CleanupCandidate>& candidates) {
+    const auto category = CleanupCategory::developerArchive;
+    const auto roots = approvedRoots(category, context.environment());
+    for (std::size_t i = 0; i < roots.size(); ++i)
+        std::ranges::move(oldDirectoryChildren(context, {.folder = roots[i],
+                                                         .category = category,
+                                                         .reason = archivePlaces.at(i).reason,
+                                                         .olderThan = minimumAge(category),
+                                                         .minimumSize = 262'144'000,
+                                                         .maximumCount = 20}),
+                          std::back_inserter(candidates));
+}
+
+// Each place as a whole, whatever its age, if it holds anything.
+template <std::size_t Count>
+void appendWholeFolders(ScanContext& context, CleanupCategory category, const std::array<Place, Count>& places,
+                        std::vector<CleanupCandidate>& candidates) {
+    const auto roots = approvedRoots(category, context.environment());
+    for (std::size_t i = 0; i < roots.size() && !context.isOver(category); ++i) {
+        const auto facts = readItemFacts(roots[i]);
+        if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(roots[i], context.environment().home))
+            continue;
+        if (const auto metrics = context.measure(roots[i], category); metrics.size > 0)
+            candidates.push_back(context.candidate(roots[i], std::string(places.at(i).title), category,
+                                                   places.at(i).reason, metrics.size));
+    }
+}
+
+} // namespace
+
+std::vector<CleanupCandidate> developerCandidates(ScanContext& context) {
+    std::vector<CleanupCandidate> candidates;
+    appendOldGroups(context, candidates);
+    appendWholeFolders(context, CleanupCategory::developerBuild, buildPlaces, candidates);
+    appendWholeFolders(context, CleanupCategory::developerCache, cachePlaces, candidates);
+    return candidates;
+}
+
+bool isMacOSInstaller(const std::filesystem::path& application) {
+    return lowercaseExtension(application) == "app" && application.filename().native().starts_with("Install macOS");
+}
+
+std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
+    const auto category = CleanupCategory::macOSInstaller;
+    const auto root = approvedRoots(category, context.environment()).front();
+    std::vector<CleanupCandidate> candidates;
+    if (context.isOver(category))
+        return candidates;
+    for (const auto& url : context.list(root, category)) {
+        if (context.isOver(category))
+            break;
+        if (!isMacOSInstaller(url))
+            continue;
+        const auto facts = readItemFacts(url);
+        if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(url, root))
+            continue;
+        candidates.push_back(
+            context.candidate(url, withReplacementCharacters(url.stem().native()), category,
+                              "Full macOS installer app. Keep it only if you plan to upgrade or create install media.",
+                              context.measure(url, category).size));
+    }
+    return candidates;
+}
+
+} // namespace vantry::CleanupScanner

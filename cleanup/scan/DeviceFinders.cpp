@@ -1,0 +1,127 @@
+#include "cleanup/scan/DeviceFinders.h"
+
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/CleanupValidation.h"
+#include "cleanup/scan/OldFileFinders.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+using Texts = std::map<std::string, std::string>;
+
+const std::array<std::string, 3> identityKeys{"Target Identifier", "Unique Identifier", "GUID"};
+const std::array<std::string, 2> nameKeys{"Device Name", "Display Name"};
+constexpr std::size_t shortestIdentity = 20;
+
+struct DeviceBackupRecord {
+    std::filesystem::path url;
+    std::string identity;
+    SystemTime modificationDate;
+    std::string name;
+};
+
+template <std::size_t Count>
+std::optional<std::string> firstText(const std::optional<Texts>& texts, const std::array<std::string, Count>& keys) {
+    for (const auto& key : keys)
+        if (texts)
+            if (const auto text = texts->find(key); text != texts->end() && !text->second.empty())
+                return text->second;
+    return std::nullopt;
+}
+
+struct BackupFolder {
+    std::filesystem::path url;
+    SystemTime modificationDate;
+};
+
+std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesystem::path& root) {
+    const auto category = CleanupCategory::deviceBackup;
+    std::vector<BackupFolder> folders;
+    if (isSymbolicLink(root) || context.isOver(category))
+        return folders;
+    for (const auto& url : context.list(root, category)) {
+        if (context.isOver(category))
+            break;
+        const auto facts = readItemFacts(url);
+        if (facts && facts->kind == ItemFacts::Kind::folder && facts->contentModificationDate &&
+            isSafeCandidate(url, root))
+            folders.push_back({url, *facts->contentModificationDate});
+    }
+    return folders;
+}
+
+std::vector<DeviceBackupRecord> backupRecords(ScanContext& context, const std::vector<BackupFolder>& folders) {
+    std::vector<std::filesystem::path> files;
+    for (const auto& folder : folders)
+        files.push_back(folder.url / "Info.plist");
+    std::vector<std::string> keys(identityKeys.begin(), identityKeys.end());
+    keys.insert(keys.end(), nameKeys.begin(), nameKeys.end());
+    const auto information = context.read(files, keys, CleanupCategory::deviceBackup).texts;
+    std::vector<DeviceBackupRecord> records;
+    for (std::size_t i = 0; i < folders.size(); ++i)
+        if (auto identity = deviceBackupIdentity(folders[i].url, information[i]))
+            records.push_back({folders[i].url, std::move(*identity), folders[i].modificationDate,
+                               firstText(information[i], nameKeys).value_or(displayName(folders[i].url))});
+    return records;
+}
+
+} // namespace
+
+std::optional<std::string> deviceBackupIdentity(const std::filesystem::path& backup,
+                                                const std::optional<Texts>& information) {
+    if (auto identity = firstText(information, identityKeys))
+        return identity;
+    const std::string name = backup.filename().native();
+    std::string begin = name.substr(0, name.find('-'));
+    return begin.size() < shortestIdentity ? std::nullopt : std::optional(std::move(begin));
+}
+
+std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
+    const auto category = CleanupCategory::deviceBackup;
+    const auto folders = backupFolders(context, approvedRoots(category, context.environment()).front());
+    if (folders.size() < 2)
+        return {};
+    const auto records = backupRecords(context, folders);
+    std::map<std::string, SystemTime> newest;
+    for (const auto& record : records) {
+        const auto entry = newest.try_emplace(record.identity, record.modificationDate).first;
+        entry->second = std::max(entry->second, record.modificationDate);
+    }
+    std::vector<CleanupCandidate> candidates;
+    for (const auto& record : records) {
+        if (record.modificationDate >= newest.at(record.identity))
+            continue;
+        if (context.isOver(category))
+            break;
+        candidates.push_back(context.candidate(
+            record.url, "Older backup · " + record.name, category,
+            "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
+            context.measure(record.url, category).size));
+    }
+    return candidates;
+}
+
+std::vector<CleanupCandidate> deviceCandidates(ScanContext& context) {
+    auto candidates = supersededDeviceBackups(context);
+    const auto category = CleanupCategory::deviceSoftware;
+    for (const auto& root : approvedRoots(category, context.environment()))
+        std::ranges::move(
+            oldRegularFiles(context,
+                            {.folder = root,
+                             .category = category,
+                             .reason = "Downloaded Apple-device update file not modified for at least 90 days.",
+                             .olderThan = minimumAge(category),
+                             .minimumSize = 262'144'000,
+                             .maximumCount = 10,
+                             .extensions = matchedExtensions(category)}),
+            std::back_inserter(candidates));
+    return candidates;
+}
+
+} // namespace vantry::CleanupScanner

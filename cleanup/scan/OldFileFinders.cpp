@@ -1,0 +1,115 @@
+#include "cleanup/scan/OldFileFinders.h"
+
+#include "base/Utf8.h"
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/CleanupValidation.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+bool contains(std::span<const std::string_view> texts, std::string_view text) {
+    return std::ranges::find(texts, text) != texts.end();
+}
+
+std::vector<std::filesystem::path> entries(ScanContext& context, const OldItemsRule& rule) {
+    if (isSymbolicLink(rule.folder) || context.isOver(rule.category))
+        return {};
+    return context.list(rule.folder, rule.category);
+}
+
+std::vector<CleanupCandidate> largestFirst(ScanContext& context, const OldItemsRule& rule,
+                                           std::vector<CleanupCandidate> candidates) {
+    std::ranges::stable_sort(candidates, std::ranges::greater(), &CleanupCandidate::size);
+    if (candidates.size() > rule.maximumCount) {
+        context.limit(rule.category);
+        candidates.erase(candidates.begin() + static_cast<std::ptrdiff_t>(rule.maximumCount), candidates.end());
+    }
+    return candidates;
+}
+
+} // namespace
+
+OldItemsRule largeDownloadsRule(const ScanEnvironment& environment) {
+    static const auto otherDownloads = [] {
+        std::vector<std::string_view> extensions;
+        for (const auto category :
+             {CleanupCategory::installer, CleanupCategory::archive, CleanupCategory::interruptedDownload})
+            extensions.insert(extensions.end(), matchedExtensions(category).begin(), matchedExtensions(category).end());
+        return extensions;
+    }();
+    const auto category = CleanupCategory::largeDownload;
+    return {.folder = approvedRoots(category, environment).front(),
+            .category = category,
+            .reason = "A large Downloads file not changed for 90 days. Only you can know whether it is still needed.",
+            .olderThan = minimumAge(category),
+            .minimumSize = 262'144'000,
+            .maximumCount = 30,
+            .excludedExtensions = otherDownloads};
+}
+
+SystemTime cutoffDate(SystemTime now, std::chrono::days olderThan) {
+    return now > SystemTime::min() + olderThan ? SystemTime(now - olderThan) : SystemTime::min();
+}
+
+bool matchesExtensions(const OldItemsRule& rule, const std::filesystem::path& path) {
+    const auto extension = lowercaseExtension(path);
+    return (rule.extensions.empty() || contains(rule.extensions, extension)) &&
+           !contains(rule.excludedExtensions, extension);
+}
+
+bool isOldRegularFile(const OldItemsRule& rule, const ItemFacts& facts, SystemTime cutoff) {
+    return facts.kind == ItemFacts::Kind::regularFile && facts.contentModificationDate &&
+           *facts.contentModificationDate < cutoff && facts.allocatedBytes.value_or(0) >= rule.minimumSize;
+}
+
+bool isOldFolder(const OldItemsRule& rule, const std::filesystem::path& path, const ItemFacts& facts,
+                 SystemTime cutoff) {
+    return facts.kind == ItemFacts::Kind::folder && !contains(rule.excludedNames, path.filename().native()) &&
+           facts.contentModificationDate && *facts.contentModificationDate < cutoff;
+}
+
+bool isOldInside(const OldItemsRule& rule, const DirectoryMetrics& metrics, SystemTime cutoff) {
+    // Where nothing was found inside, the folder's own date stands.
+    return (!metrics.newestModificationDate || *metrics.newestModificationDate < cutoff) &&
+           metrics.size >= rule.minimumSize;
+}
+
+std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldItemsRule& rule) {
+    const auto cutoff = cutoffDate(context.environment().now(), rule.olderThan);
+    std::vector<CleanupCandidate> candidates;
+    for (const auto& url : entries(context, rule)) {
+        if (context.isOver(rule.category))
+            break;
+        if (!matchesExtensions(rule, url))
+            continue;
+        const auto facts = readItemFacts(url);
+        if (!facts || !isOldRegularFile(rule, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
+            continue;
+        candidates.push_back(context.candidate(url, withReplacementCharacters(url.filename().native()), rule.category,
+                                               rule.reason, facts->allocatedBytes.value_or(0)));
+    }
+    return largestFirst(context, rule, std::move(candidates));
+}
+
+std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const OldItemsRule& rule) {
+    const auto cutoff = cutoffDate(context.environment().now(), rule.olderThan);
+    std::vector<CleanupCandidate> candidates;
+    for (const auto& url : entries(context, rule)) {
+        if (context.isOver(rule.category))
+            break;
+        const auto facts = readItemFacts(url);
+        if (!facts || !isOldFolder(rule, url, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
+            continue;
+        const auto metrics = context.measure(url, rule.category);
+        if (isOldInside(rule, metrics, cutoff))
+            candidates.push_back(context.candidate(url, displayName(url), rule.category, rule.reason, metrics.size));
+    }
+    return largestFirst(context, rule, std::move(candidates));
+}
+
+} // namespace vantry::CleanupScanner

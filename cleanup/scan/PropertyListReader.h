@@ -1,0 +1,23 @@
+#pragma once
+
+#include "cleanup/scan/ScanWorkers.h"
+#include "platform/ChildProcess.h"
+
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <string>
+
+namespace vantry::CleanupScanner {
+
+/// Has the texts under `keys` read by workers of `executable`, many files by each, one worker at a time. A worker that
+/// dies, writes what it should not or has not answered for a file after a second is given up, and the next one goes on
+/// behind that file, which has no texts then. `stop` ends a worker that may still run, in bounded time. Complete when
+/// a worker answered for every file, also for those that are none or no list. Blocking, until `deadline` and what one
+/// `stop` takes at most.
+[[nodiscard]] PropertyListTexts readPropertyLists(const std::filesystem::path& executable,
+                                                  std::span<const std::filesystem::path> files,
+                                                  std::span<const std::string> keys, Deadline deadline,
+                                                  const std::function<void(ChildProcess)>& stop);
+
+} // namespace vantry::CleanupScanner

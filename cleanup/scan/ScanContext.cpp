@@ -1,0 +1,52 @@
+#include "cleanup/scan/ScanContext.h"
+
+#include <utility>
+
+namespace vantry {
+
+bool ScanContext::isOver(CleanupCategory category) {
+    const bool over = hasPassed(budget_.deadline);
+    if (over)
+        limit(category);
+    return over;
+}
+
+std::optional<std::vector<std::filesystem::path>> ScanContext::listed(const std::filesystem::path& folder,
+                                                                      CleanupCategory category) {
+    auto children = workers_.shallowChildren(folder, budget_.deadline);
+    if (children.complete)
+        return std::move(children.urls);
+    limit(category);
+    return std::nullopt;
+}
+
+std::vector<std::filesystem::path> ScanContext::list(const std::filesystem::path& folder, CleanupCategory category) {
+    return listed(folder, category).value_or(std::vector<std::filesystem::path>());
+}
+
+DirectoryMetrics ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
+    const auto metrics = workers_.directoryMetrics(folder, budget_.deadline);
+    if (!metrics.complete)
+        limit(category);
+    return metrics;
+}
+
+PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files, std::span<const std::string> keys,
+                                    CleanupCategory category) {
+    auto lists = workers_.propertyListTexts(files, keys, budget_.deadline);
+    if (!lists.complete)
+        limit(category);
+    lists.texts.resize(files.size());
+    return lists;
+}
+
+CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, std::string title, CleanupCategory category,
+                                        std::string_view reason, std::int64_t size) const {
+    const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash
+                                ? CleanupConfidence::suggested
+                                : CleanupConfidence::review;
+    return CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason), size, confidence,
+                                             readFileFingerprint(url), environment_.now());
+}
+
+} // namespace vantry

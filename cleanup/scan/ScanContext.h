@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Deadline.h"
+#include "cleanup/model/CleanupCandidate.h"
+#include "cleanup/scan/ScanEnvironment.h"
+#include "cleanup/scan/ScanWorkers.h"
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantry {
+
+/// What the finders of one scan share.
+struct ScanBudget {
+    Deadline deadline;                           ///< after which finders stop and return what they have
+    std::set<CleanupCategory> limitedCategories; ///< whose finder stopped early or left something out; only grows
+};
+
+/// What a finder works with. Blocking; one thread, the scan's own.
+class ScanContext {
+public:
+    ScanContext(const ScanEnvironment& environment, ScanWorkers& workers, ScanBudget& budget)
+        : environment_(environment),
+          workers_(workers),
+          budget_(budget) {}
+
+    [[nodiscard]] const ScanEnvironment& environment() const { return environment_; }
+
+    void limit(CleanupCategory category) { budget_.limitedCategories.insert(category); }
+    /// Whether time is up; if so the category is limited.
+    [[nodiscard]] bool isOver(CleanupCategory category);
+    /// The visible entries of `folder`; absent, with the category limited, when the listing is not complete.
+    [[nodiscard]] std::optional<std::vector<std::filesystem::path>> listed(const std::filesystem::path& folder,
+                                                                           CleanupCategory category);
+    /// The same with no entries instead.
+    [[nodiscard]] std::vector<std::filesystem::path> list(const std::filesystem::path& folder,
+                                                          CleanupCategory category);
+    /// Measures `folder`. A measurement that is not complete limits the category.
+    [[nodiscard]] DirectoryMetrics measure(const std::filesystem::path& folder, CleanupCategory category);
+    /// The texts under `keys` in each file. Limits the category when time did not suffice for all of them.
+    [[nodiscard]] PropertyListTexts read(std::span<const std::filesystem::path> files,
+                                         std::span<const std::string> keys, CleanupCategory category);
+
+    /// A candidate with the fingerprint of this moment: low risk exactly where its category may go to the Trash.
+    [[nodiscard]] CleanupCandidate candidate(const std::filesystem::path& url, std::string title,
+                                             CleanupCategory category, std::string_view reason,
+                                             std::int64_t size) const;
+
+private:
+    const ScanEnvironment& environment_;
+    ScanWorkers& workers_;
+    ScanBudget& budget_;
+};
+
+} // namespace vantry

@@ -1,0 +1,48 @@
+#include "cleanup/scan/ScanStates.h"
+
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/CleanupValidation.h"
+#include "platform/ItemFacts.h"
+
+namespace vantry::CleanupScanner {
+
+CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesystem::path> places, Deadline deadline) {
+    bool sawUnreadable = false;
+    bool sawIncomplete = false;
+    for (const auto& place : places) {
+        if (hasPassed(deadline))
+            return sawUnreadable ? CleanupScanState::permissionNeeded : CleanupScanState::unavailable;
+        if (!isFolder(place))
+            continue;
+        if (!isReadableFolder(place))
+            sawUnreadable = true;
+        else if (workers.shallowChildren(place, deadline).complete)
+            return CleanupScanState::checked;
+        else
+            sawIncomplete = true;
+    }
+    return sawUnreadable   ? CleanupScanState::permissionNeeded
+           : sawIncomplete ? CleanupScanState::unavailable
+                           : CleanupScanState::notPresent;
+}
+
+std::map<CleanupCategory, CleanupScanState> scanStates(ScanWorkers& workers, const ScanEnvironment& environment,
+                                                       Deadline deadline) {
+    const auto stateOf = [&](CleanupCategory category) {
+        return accessState(workers, approvedRoots(category, environment), deadline);
+    };
+    std::map<CleanupCategory, CleanupScanState> states;
+    const auto downloads = stateOf(CleanupCategory::installer);
+    for (const auto category : {CleanupCategory::installer, CleanupCategory::archive,
+                                CleanupCategory::interruptedDownload, CleanupCategory::largeDownload})
+        states[category] = downloads;
+    // A link, to another disk for instance, is never followed.
+    if (isSymbolicLink(approvedRoots(CleanupCategory::deviceBackup, environment).front()))
+        states[CleanupCategory::deviceBackup] = CleanupScanState::relocated;
+    for (const auto& row : allCleanupCategories)
+        if (!states.contains(row.value))
+            states[row.value] = stateOf(row.value);
+    return states;
+}
+
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,188 @@
+#include "platform/PinnedFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+constexpr int statxFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
+constexpr int itemFlags = O_PATH | O_NOFOLLOW | O_CLOEXEC;
+constexpr std::int64_t bytesPerBlock = 512; // of stx_blocks, whatever the file system's own block
+
+using Opened = std::expected<UniqueFd, int>; // the error is an errno
+
+std::optional<struct statx> factsOf(int fd, const char* name, unsigned mask) {
+    struct statx facts = {};
+    if (statx(fd, name, statxFlags | (*name == 0 ? AT_EMPTY_PATH : 0), mask | STATX_TYPE, &facts) != 0)
+        return std::nullopt;
+    return facts;
+}
+
+// Two things of which one at least is held open: no inode number is given to a second file meanwhile.
+bool isSameItem(const struct statx& one, const struct statx& other) {
+    return (one.stx_mask & other.stx_mask & STATX_INO) != 0 && one.stx_ino == other.stx_ino &&
+           one.stx_dev_major == other.stx_dev_major && one.stx_dev_minor == other.stx_dev_minor &&
+           (one.stx_mask & STATX_MNT_ID) == (other.stx_mask & STATX_MNT_ID) && one.stx_mnt_id == other.stx_mnt_id;
+}
+
+// What openat2 does, for kernels and sandboxes that do not offer it: one component at a time, each relative to the one
+// before.
+Opened walkToFolder(std::string_view path) {
+    UniqueFd folder(open("/", itemFlags | O_DIRECTORY));
+    while (folder) {
+        path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+        if (path.empty())
+            return folder;
+        const std::string name(path.substr(0, path.find('/')));
+        path.remove_prefix(name.size());
+        folder.reset(openat(folder.get(), name.c_str(), itemFlags));
+        if (!folder)
+            break;
+        const auto facts = factsOf(folder.get(), "", 0);
+        if (!facts)
+            break;
+        if (!S_ISDIR(facts->stx_mode))
+            return std::unexpected(S_ISLNK(facts->stx_mode) ? ELOOP : ENOTDIR);
+    }
+    return std::unexpected(errno);
+}
+
+Opened openFolder(const std::string& path) {
+    constexpr int attempts = 32;
+    open_how how = {};
+    how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_SYMLINKS;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        UniqueFd folder(static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how)));
+        if (folder)
+            return folder;
+        switch (errno) {
+        case EAGAIN: // something on the way was renamed meanwhile
+        case EINTR: continue;
+        case ENOSYS:
+        case EINVAL:
+        case E2BIG:
+        case EPERM: return walkToFolder(path);
+        default: return std::unexpected(errno);
+        }
+    }
+    return walkToFolder(path);
+}
+
+PinFailure failureOf(int errorNumber) {
+    switch (errorNumber) {
+    case ENOENT:
+    case ENOTDIR: return PinFailure::missing;
+    case ELOOP: return PinFailure::link;
+    default: return PinFailure::unavailable;
+    }
+}
+
+bool isWhole(const std::string& text) { return text.find('\0') == text.npos; }
+
+} // namespace
+
+PinnedFolder::PinnedFolder(std::filesystem::path path, UniqueFd descriptor)
+    : path_(std::move(path)),
+      descriptor_(std::move(descriptor)) {}
+
+std::expected<std::shared_ptr<const PinnedFolder>, PinFailure> PinnedFolder::open(const std::filesystem::path& path) {
+    if (!path.is_absolute() || !isWhole(path.native()))
+        return std::unexpected(PinFailure::unavailable);
+    auto folder = openFolder(path.native());
+    if (!folder)
+        return std::unexpected(failureOf(folder.error()));
+    return std::shared_ptr<const PinnedFolder>(new PinnedFolder(path, std::move(*folder)));
+}
+
+bool PinnedFolder::isInPlace() const {
+    const auto there = openFolder(path_.native());
+    if (!there)
+        return false;
+    const auto found = factsOf(there->get(), "", STATX_INO | STATX_MNT_ID);
+    const auto pinned = factsOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
+    return found && pinned && isSameItem(*found, *pinned);
+}
+
+std::optional<PinnedFolderFacts> PinnedFolder::facts() const {
+    const auto said = factsOf(descriptor(), "", 0);
+    if (!said)
+        return std::nullopt;
+    PinnedFolderFacts facts;
+    if ((said->stx_mask & STATX_TYPE) != 0) {
+        facts.isDirectory = S_ISDIR(said->stx_mode);
+        facts.isSymbolicLink = S_ISLNK(said->stx_mode);
+    }
+    facts.volumeIdentifier = readFileFingerprint(descriptor()).volumeIdentifier;
+    return facts;
+}
+
+PinnedFile::PinnedFile(std::shared_ptr<const PinnedFolder> folder, std::string name, UniqueFd descriptor)
+    : folder_(std::move(folder)),
+      name_(std::move(name)),
+      descriptor_(std::move(descriptor)) {}
+
+std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const PinnedFolder> folder,
+                                                       const std::string& name) {
+    if (name.empty() || name == "." || name == ".." || name.find('/') != name.npos || !isWhole(name))
+        return std::unexpected(PinFailure::unavailable);
+    UniqueFd item(openat(folder->descriptor(), name.c_str(), itemFlags));
+    if (!item)
+        return std::unexpected(failureOf(errno));
+    const auto said = factsOf(item.get(), "", 0);
+    if (!said || (said->stx_mask & STATX_TYPE) == 0)
+        return std::unexpected(PinFailure::unavailable);
+    if (S_ISLNK(said->stx_mode))
+        return std::unexpected(PinFailure::link);
+    if (!S_ISREG(said->stx_mode) && !S_ISDIR(said->stx_mode))
+        return std::unexpected(PinFailure::special);
+    return PinnedFile(std::move(folder), name, std::move(item));
+}
+
+std::optional<PinnedFileFacts> PinnedFile::facts() const {
+    const auto said = factsOf(descriptor(), "", STATX_BLOCKS | STATX_UID);
+    if (!said)
+        return std::nullopt;
+    PinnedFileFacts facts{.isPackage = false, .isUbiquitousItem = false};
+    if ((said->stx_mask & STATX_TYPE) != 0) {
+        facts.isRegularFile = S_ISREG(said->stx_mode);
+        facts.isSymbolicLink = S_ISLNK(said->stx_mode);
+    }
+    std::int64_t bytes = 0;
+    if ((said->stx_mask & STATX_BLOCKS) != 0 && !__builtin_mul_overflow(said->stx_blocks, bytesPerBlock, &bytes)) {
+        facts.allocatedBytes = bytes;
+        facts.totalAllocated = bytes;
+    }
+    if ((said->stx_mask & STATX_UID) != 0)
+        facts.owner = said->stx_uid;
+    // Last: the date tells of whatever was written while the rest was read.
+    facts.fingerprint = readFileFingerprint(descriptor());
+    return facts;
+}
+
+PinnedPlace PinnedFile::place() const {
+    return folder_->isInPlace() ? placeIn(folder_->descriptor(), name_) : PinnedPlace::folderMoved;
+}
+
+PinnedPlace PinnedFile::placeIn(int folder, const std::string& name) const {
+    // Without a name it would be the folder itself.
+    const auto found =
+        name.empty() || !isWhole(name) ? std::nullopt : factsOf(folder, name.c_str(), STATX_INO | STATX_MNT_ID);
+    const auto pinned = factsOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
+    if (!found || !pinned)
+        return PinnedPlace::missing;
+    if (isSameItem(*found, *pinned))
+        return PinnedPlace::unchanged;
+    return S_ISLNK(found->stx_mode) ? PinnedPlace::link : PinnedPlace::otherItem;
+}
+
+} // namespace vantry

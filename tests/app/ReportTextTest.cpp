@@ -1,0 +1,173 @@
+#include "app/ReportText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+namespace vantry {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+const SystemTime moment{std::chrono::seconds(1'700'000'000)}; // 2023-11-14 22:13:20 UTC
+
+CleanupCandidate candidate(const std::filesystem::path& path, CleanupCategory category, std::int64_t size) {
+    const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash
+                                ? CleanupConfidence::suggested
+                                : CleanupConfidence::review;
+    return CleanupCandidate::withFingerprint(path, path.filename().native(), category, "Because.", size, confidence,
+                                             {.contentModificationDate = moment}, moment);
+}
+
+CleanupScanReport report(std::vector<CleanupCandidate> candidates = {}) {
+    CleanupScanReport made;
+    made.candidates = std::move(candidates);
+    for (const auto& row : allCleanupCategories) {
+        made.states[row.value] = CleanupScanState::checked;
+        made.metrics[row.value] = {CleanupByteAmount::exact(1000), 0, 0};
+    }
+    made.storageSnapshot = StorageSnapshot{"Data", 500'000'000'000, 200'000'000'000, moment};
+    made.duration = std::chrono::milliseconds(1250);
+    return made;
+}
+
+std::string textOf(const CleanupScanReport& scanned) { return reportText(scanned, "/home/ada", false); }
+
+TEST(ReportText, BeginsWithTheVolumeAndEndsWithWhatItTook) {
+    const auto text = textOf(report());
+    EXPECT_TRUE(text.starts_with("Data\n300 GB of 500 GB used, 200 GB available\n\nNothing to review was found.\n"));
+    EXPECT_THAT(text, EndsWith("\nChecked in 1.2 seconds; nothing was changed.\n"));
+}
+
+TEST(ReportText, SaysWhenTheVolumeCannotBeRead) {
+    auto scanned = report();
+    scanned.storageSnapshot.reset();
+    EXPECT_TRUE(textOf(scanned).starts_with("The volume could not be read.\n"));
+}
+
+TEST(ReportText, ListsCandidatesByAreaWithSizeConfidencePathAndReason) {
+    const auto text = textOf(report({candidate("/home/ada/Library/Logs/old.log", CleanupCategory::log, 2'000'000),
+                                     candidate("/Applications/x", CleanupCategory::macOSInstaller, 3'000'000)}));
+    EXPECT_THAT(text, HasSubstr("\n2 items to review, 5 MB; 1 of them low risk, 2 MB\n"));
+    EXPECT_THAT(text, HasSubstr("\nTemporary App Files\n"
+                                "      2 MB  Low Risk      old.log\n"
+                                "                          ~/Library/Logs/old.log\n"
+                                "                          Because.\n"
+                                "\nApps & App Data\n"
+                                "      3 MB  Review First  x\n"
+                                "                          /Applications/x\n"));
+    EXPECT_THAT(text, Not(HasSubstr("Coding Tools")));
+}
+
+TEST(ReportText, CountsOneItemAndNoneOfLowRisk) {
+    EXPECT_THAT(textOf(report({candidate("/x", CleanupCategory::orphan, 1)})),
+                HasSubstr("\n1 item to review, 1 byte; none of them low risk\n"));
+}
+
+TEST(ReportText, ATotalThatWouldOverflowIsTheLargest) {
+    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+    EXPECT_THAT(textOf(report(
+                    {candidate("/x", CleanupCategory::orphan, largest), candidate("/y", CleanupCategory::orphan, 1)})),
+                HasSubstr("2 items to review, 9.22 EB;"));
+}
+
+TEST(ReportText, ShowsNoControlCharactersAndNoBrokenText) {
+    const auto text = textOf(report({candidate("/home/ada/a\nb\x1b[31m\x7f\xff", CleanupCategory::log, 1)}));
+    EXPECT_THAT(text, HasSubstr("~/a\\x0ab\\x1b[31m\\x7f\xef\xbf\xbd\n"));
+    EXPECT_EQ(text.find('\x1b'), std::string::npos);
+}
+
+TEST(ReportText, OnlyWhatLiesBelowTheHomeFolderIsShortened) {
+    EXPECT_THAT(textOf(report({candidate("/home/adam/x", CleanupCategory::log, 1)})), HasSubstr(" /home/adam/x\n"));
+    EXPECT_THAT(reportText(report({candidate("/x", CleanupCategory::log, 1)}), "", false), HasSubstr(" /x\n"));
+}
+
+TEST(ReportText, TellsStateAndUsageOfEveryCategoryAndWhyOneWasNotCheckedCompletely) {
+    struct Case {
+        CleanupScanState state;
+        const char* why;
+    };
+    for (const auto& [state, why] :
+         {Case{CleanupScanState::limited, "time ran out, or there is more than is listed here"},
+          Case{CleanupScanState::relocated, "the folder is a link to another place, which is not followed"},
+          Case{CleanupScanState::permissionNeeded, "the folder may not be read"},
+          Case{CleanupScanState::unavailable, "the folder could not be listed in time"}}) {
+        auto scanned = report();
+        scanned.states[CleanupCategory::cache] = state;
+        scanned.metrics[CleanupCategory::cache] = {CleanupByteAmount::atLeast(5'000'000), 3'000'000, 2};
+        scanned.metrics[CleanupCategory::log].occupied = CleanupByteAmount::unavailable();
+        const auto text = textOf(scanned);
+        EXPECT_THAT(text, HasSubstr(std::string(title(state))));
+        EXPECT_THAT(text, HasSubstr("at least 5 MB  2 items, 3 MB\n"));
+        EXPECT_THAT(text, HasSubstr("size unknown\n"));
+        EXPECT_THAT(text, HasSubstr(std::string("Not checked completely\n  Temporary App Files: ") + why + "\n"));
+    }
+    EXPECT_THAT(textOf(report()), Not(HasSubstr("Not checked completely")));
+}
+
+TEST(ReportText, ColoursAreTheOnlyDifferenceOnATerminal) {
+    const auto scanned = report({candidate("/x", CleanupCategory::log, 1)});
+    auto colored = reportText(scanned, "/home/ada", true);
+    EXPECT_THAT(colored, HasSubstr("\x1b[32mLow Risk"));
+    for (std::size_t at = 0; (at = colored.find('\x1b')) != std::string::npos;)
+        colored.erase(at, colored.find('m', at) - at + 1);
+    EXPECT_EQ(colored, textOf(scanned));
+}
+
+TEST(ReportJson, IsOneLineWithEveryField) {
+    auto scanned = report({candidate("/home/ada/old.log", CleanupCategory::log, 2'000'000)});
+    scanned.metrics[CleanupCategory::log] = {CleanupByteAmount::atLeast(7), 2'000'000, 1};
+    scanned.metrics[CleanupCategory::cache].occupied = CleanupByteAmount::unavailable();
+    const auto text = reportJson(scanned);
+    EXPECT_EQ(text.find('\n'), text.size() - 1);
+    const auto object = Json::parse(text);
+    EXPECT_EQ(object["storage"], Json({{"volumeName", "Data"},
+                                       {"totalBytes", 500'000'000'000},
+                                       {"availableBytes", 200'000'000'000},
+                                       {"usedBytes", 300'000'000'000},
+                                       {"updatedAt", "2023-11-14T22:13:20Z"}}));
+    EXPECT_EQ(object["durationSeconds"], 1.25);
+    EXPECT_EQ(object["candidates"], Json::array({{{"path", "/home/ada/old.log"},
+                                                  {"title", "old.log"},
+                                                  {"category", "Old Log Files"},
+                                                  {"area", "Temporary App Files"},
+                                                  {"reason", "Because."},
+                                                  {"sizeBytes", 2'000'000},
+                                                  {"confidence", "Low Risk"},
+                                                  {"disposition", "Low Risk"},
+                                                  {"modifiedAt", "2023-11-14T22:13:20Z"}}}));
+    EXPECT_EQ(object["categories"].size(), allCleanupCategories.size());
+    EXPECT_EQ(object["categories"]["Old Log Files"], Json({{"state", "Checked"},
+                                                           {"occupied", {{"kind", "atLeast"}, {"bytes", 7}}},
+                                                           {"reviewableBytes", 2'000'000},
+                                                           {"reviewableItemCount", 1}}));
+    EXPECT_EQ(object["categories"]["Temporary App Files"]["occupied"], Json({{"kind", "unavailable"}}));
+    EXPECT_EQ(object["categories"]["Old Crash Reports"]["occupied"], Json({{"kind", "exact"}, {"bytes", 1000}}));
+}
+
+TEST(ReportJson, WithoutAVolumeOrADateHasNullThere) {
+    auto scanned = report({CleanupCandidate::withFingerprint("/x", "x", CleanupCategory::log, "", 1,
+                                                             CleanupConfidence::suggested, {}, moment)});
+    scanned.storageSnapshot.reset();
+    const auto object = Json::parse(reportJson(scanned));
+    EXPECT_TRUE(object["storage"].is_null());
+    EXPECT_TRUE(object["candidates"][0]["modifiedAt"].is_null());
+}
+
+TEST(ReportJson, APathThatIsNoUtf8IsPercentEncoded) {
+    const auto object =
+        Json::parse(reportJson(report({candidate("/home/ada/a b\xff%é.log", CleanupCategory::log, 1)})));
+    EXPECT_FALSE(object["candidates"][0].contains("path"));
+    EXPECT_EQ(object["candidates"][0]["pathEncoded"], "/home/ada/a%20b%FF%25%C3%A9.log");
+    EXPECT_EQ(object["candidates"][0]["title"], "a b\xef\xbf\xbd%é.log");
+}
+
+} // namespace
+
+} // namespace vantry

@@ -1,0 +1,173 @@
+// Workers in a file system that does not answer: they survive even being killed.
+
+#include "cleanup/scan/WorkerHost.h"
+#include "tests/cleanup/scan/WorkerHostFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace vantry {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A mounted file system that hangs, until it is let go of: then every question to it fails.
+class HungMount {
+public:
+    /// `control` is an empty folder for the kernel's list of such mounts.
+    HungMount(const fs::path& point, const char* hangsIn, const fs::path& control) : point_(point), control_(control) {
+        const bool controllable = mount("none", control.c_str(), "fusectl", 0, nullptr) == 0;
+        if (!controllable || access("/dev/fuse", R_OK | W_OK) != 0)
+            return;
+        auto server = ChildProcess::start(OMBREL_HANGING_FILE_SYSTEM, {point, hangsIn}, ChildOutput::pipe);
+        if (!server)
+            return;
+        server_ = std::move(*server);
+        pollfd event{server_->output(), POLLIN, 0};
+        std::array<char, 16> line{};
+        constexpr int patience = 30'000; // milliseconds
+        isMounted_ = poll(&event, 1, patience) == 1 && read(server_->output(), line.data(), line.size()) > 0;
+        struct stat facts = {};
+        if (isMounted_ && stat(point.c_str(), &facts) == 0) // it answers for the mount point itself
+            connection_ = std::to_string(minor(facts.st_dev));
+    }
+    HungMount(const HungMount&) = delete;
+    HungMount& operator=(const HungMount&) = delete;
+    ~HungMount() {
+        if (!connection_.empty())
+            letGo();
+        if (isMounted_)
+            umount2(point_.c_str(), MNT_DETACH);
+        umount2(control_.c_str(), MNT_DETACH);
+        if (server_) {
+            server_->sendSignal(SIGKILL);
+            static_cast<void>(endOf(*server_));
+        }
+    }
+
+    [[nodiscard]] bool isMounted() const { return !connection_.empty(); }
+    void letGo() const { std::ofstream(control_ / connection_ / "abort") << '1'; }
+
+private:
+    fs::path point_;
+    fs::path control_;
+    std::string connection_;
+    std::optional<ChildProcess> server_;
+    bool isMounted_ = false;
+};
+
+// Each test needs as many seconds as it asks questions.
+class HungMounts : public WorkerHostFixture {
+protected:
+    HungMounts() : WorkerHostFixture(OMBREL_EXECUTABLE) {
+        for (const char* name : {"tree", "control"})
+            fs::create_directory(root / name);
+        fs::create_directory(root / "tree/mount");
+        writeFile(root / "tree/file", "1");
+    }
+
+    /// What `ask` answers, once it has been seen that a worker is left behind that ends when the mount is let go of.
+    template <class Ask>
+    void expectNothing(const char* hangsIn, Ask ask) {
+        HungMount mount(point, hangsIn, root / "control");
+        if (!mount.isMounted())
+            GTEST_SKIP() << "no right, or no way, to mount a file system of one's own";
+        const auto begin = std::chrono::steady_clock::now();
+        const auto answer = ask();
+        const auto took = std::chrono::steady_clock::now() - begin;
+        EXPECT_EQ(answer, decltype(answer){}) << hangsIn;
+        EXPECT_LT(took, 5s) << hangsIn; // 0.94 s where nothing else runs
+        EXPECT_EQ(host.abandonedCount(), 1U) << hangsIn;
+        EXPECT_TRUE(hasChildrenBesideTheServer()) << hangsIn;
+        mount.letGo();
+        const auto patience = deadlineIn(30s);
+        while (host.abandonedCount() != 0 && !hasPassed(patience))
+            std::this_thread::sleep_for(1ms);
+        EXPECT_EQ(host.abandonedCount(), 0U) << hangsIn;
+        EXPECT_FALSE(hasChildrenBesideTheServer()) << hangsIn;
+    }
+
+    const fs::path point = root / "tree/mount";
+
+private:
+    // Of this process; the kernel lists them all.
+    static bool hasChildrenBesideTheServer() {
+        std::ifstream list("/proc/self/task/" + std::to_string(getpid()) + "/children");
+        int count = 0;
+        for (pid_t child = 0; list >> child;)
+            ++count;
+        return count > 1;
+    }
+};
+
+} // namespace
+
+TEST_F(HungMounts, ThatDoNotSayWhatStandsThereCostNoMoreThanTheBound) {
+    expectNothing("getattr", [&] { return host.directoryMetrics(point / "folder", farAway()); });
+    if (IsSkipped())
+        return;
+    expectNothing("getattr", [&] { return host.directoryMetrics(point, farAway()); });
+    expectNothing("getattr", [&] { return host.shallowChildren(point / "folder", farAway()); });
+}
+
+TEST_F(HungMounts, ThatDoNotListCostNoMoreThanTheBound) {
+    expectNothing("readdir", [&] { return host.directoryMetrics(point / "folder", farAway()); });
+    if (IsSkipped())
+        return;
+    expectNothing("readdir", [&] { return host.directoryMetrics(point, farAway()); });
+    expectNothing("readdir", [&] { return host.shallowChildren(point / "folder", farAway()); });
+    expectNothing("readdir", [&] { return host.shallowChildren(point, farAway()); });
+}
+
+TEST_F(HungMounts, InsideATreeCostNoMoreThanTheBound) {
+    for (const char* hangsIn : {"getattr", "readdir"}) {
+        expectNothing(hangsIn, [&] { return host.directoryMetrics(root / "tree", farAway()); });
+        if (IsSkipped())
+            return;
+    }
+    EXPECT_EQ(host.shallowChildren(root / "tree", farAway()).urls.size(), 2U);
+}
+
+TEST_F(HungMounts, KeepNoOtherQuestionFromBeingAnswered) {
+    fs::create_directory(root / "other");
+    writeFile(root / "other/file", "1");
+    expectNothing("readdir", [&] {
+        const auto answer = host.directoryMetrics(point, farAway());
+        EXPECT_TRUE(completeAnswer([&] { return host.directoryMetrics(root / "other", farAway()); }).complete);
+        EXPECT_TRUE(completeAnswer([&] { return host.shallowChildren(root / "tree", farAway()); }).complete);
+        return answer;
+    });
+}
+
+TEST_F(HungMounts, AreLeftBehindWithTheirWorkersByAHostThatGoes) {
+    {
+        HungMount mount(point, "readdir", root / "control");
+        if (!mount.isMounted())
+            GTEST_SKIP() << "no right, or no way, to mount a file system of one's own";
+        const auto begin = std::chrono::steady_clock::now();
+        {
+            WorkerHost other({OMBREL_EXECUTABLE, temporary});
+            EXPECT_EQ(other.directoryMetrics(point, farAway()), DirectoryMetrics{});
+            EXPECT_EQ(other.abandonedCount(), 1U);
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
+    }
+    // Nobody reaps it any more but this test.
+    EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+}
+
+} // namespace vantry

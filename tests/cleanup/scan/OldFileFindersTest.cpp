@@ -1,0 +1,318 @@
+#include "cleanup/scan/OldFileFinders.h"
+
+#include "cleanup/scan/CleanupPlaces.h"
+#include "tests/cleanup/scan/ScanFixture.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vantry::CleanupScanner {
+namespace {
+
+using std::chrono::days;
+using std::chrono::nanoseconds;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using namespace std::string_view_literals;
+
+constexpr std::array logExtensions{"log"sv, "txt"sv};
+constexpr std::array kept{"Homebrew"sv, "CocoaPods"sv};
+constexpr days age{30};
+
+class OldItems : public testing::Test, public ScanFixture {
+protected:
+    OldItemsRule rule(std::int64_t minimumSize = 4096, std::size_t maximumCount = 40) {
+        return {.folder = home() / "place",
+                .category = CleanupCategory::log,
+                .reason = "Because.",
+                .olderThan = age,
+                .minimumSize = minimumSize,
+                .maximumCount = maximumCount,
+                .extensions = logExtensions,
+                .excludedNames = kept};
+    }
+    std::vector<std::string> files(const OldItemsRule& use) { return namesOf(oldRegularFiles(context, use)); }
+    std::vector<std::string> folders(const OldItemsRule& use) { return namesOf(oldDirectoryChildren(context, use)); }
+    [[nodiscard]] bool isLimited() const { return budget.limitedCategories.contains(CleanupCategory::log); }
+};
+
+TEST_F(OldItems, AFileIsJudgedByKindDateAndSize) {
+    const auto cutoff = cutoffDate(now, age);
+    using Kind = ItemFacts::Kind;
+    struct Case {
+        const char* what;
+        ItemFacts facts;
+        bool isOld;
+    };
+    const Case cases[] = {
+        {"just old enough", {Kind::regularFile, cutoff - nanoseconds(1), 4096}, true},
+        {"exactly the cutoff", {Kind::regularFile, cutoff, 4096}, false},
+        {"younger", {Kind::regularFile, cutoff + nanoseconds(1), 4096}, false},
+        {"very old", {Kind::regularFile, SystemTime::min(), 4096}, true},
+        {"of the future", {Kind::regularFile, SystemTime::max(), 4096}, false},
+        {"one byte short", {Kind::regularFile, SystemTime::min(), 4095}, false},
+        {"larger", {Kind::regularFile, SystemTime::min(), 4097}, true},
+        {"no size", {Kind::regularFile, SystemTime::min(), std::nullopt}, false},
+        {"no date", {Kind::regularFile, std::nullopt, 4096}, false},
+        {"a folder", {Kind::folder, SystemTime::min(), 4096}, false},
+        {"a link", {Kind::symbolicLink, SystemTime::min(), 4096}, false},
+        {"something else", {Kind::other, SystemTime::min(), 4096}, false},
+    };
+    for (const auto& [what, facts, isOld] : cases)
+        EXPECT_EQ(isOldRegularFile(rule(), facts, cutoff), isOld) << what;
+}
+
+TEST_F(OldItems, AFolderIsJudgedByKindNameAndDateBeforeItIsMeasured) {
+    const auto cutoff = cutoffDate(now, age);
+    using Kind = ItemFacts::Kind;
+    const ItemFacts old{Kind::folder, cutoff - nanoseconds(1), 4096};
+    EXPECT_TRUE(isOldFolder(rule(), "/a/app", old, cutoff));
+    EXPECT_TRUE(isOldFolder(rule(), "/Homebrew/homebrew", old, cutoff)) << "names are compared as they are";
+    EXPECT_FALSE(isOldFolder(rule(), "/a/Homebrew", old, cutoff));
+    EXPECT_FALSE(isOldFolder(rule(), "/a/app", {Kind::folder, cutoff, 4096}, cutoff));
+    EXPECT_FALSE(isOldFolder(rule(), "/a/app", {Kind::folder, std::nullopt, 4096}, cutoff));
+    EXPECT_FALSE(isOldFolder(rule(), "/a/app", {Kind::symbolicLink, old.contentModificationDate, 0}, cutoff));
+    EXPECT_FALSE(isOldFolder(rule(), "/a/app", {Kind::regularFile, old.contentModificationDate, 0}, cutoff));
+}
+
+TEST_F(OldItems, WhatIsInsideAFolderHasToBeOldAndLargeEnoughToo) {
+    const auto cutoff = cutoffDate(now, age);
+    EXPECT_TRUE(isOldInside(rule(), {4096, cutoff - nanoseconds(1), true}, cutoff));
+    EXPECT_TRUE(isOldInside(rule(), {4096, cutoff - nanoseconds(1), false}, cutoff)) << "judged on what was measured";
+    EXPECT_TRUE(isOldInside(rule(), {4096, std::nullopt, true}, cutoff)) << "the folder's own date stands";
+    EXPECT_FALSE(isOldInside(rule(), {4096, cutoff, true}, cutoff));
+    EXPECT_FALSE(isOldInside(rule(), {4095, cutoff - nanoseconds(1), true}, cutoff));
+}
+
+TEST_F(OldItems, TheCutoffStaysInsideWhatTimesCanTell) {
+    EXPECT_EQ(cutoffDate(now, days(1)), now - days(1));
+    EXPECT_EQ(cutoffDate(now, days(0)), now);
+    EXPECT_EQ(cutoffDate(SystemTime::min() + days(1), days(2)), SystemTime::min());
+    EXPECT_EQ(cutoffDate(SystemTime::max(), days(1)), SystemTime::max() - days(1));
+}
+
+TEST_F(OldItems, ExtensionsMatchInAnyCaseAndOnlyAsAWhole) {
+    auto use = rule();
+    for (const char* name : {"a.log", "a.LOG", "a.b.Txt"})
+        EXPECT_TRUE(matchesExtensions(use, name)) << name;
+    for (const char* name : {"log", ".log", "a.logs", "a.log.gz", "a.", "alog", "a.lo"})
+        EXPECT_FALSE(matchesExtensions(use, name)) << name;
+    use.extensions = {};
+    use.excludedExtensions = logExtensions;
+    EXPECT_TRUE(matchesExtensions(use, "a"));
+    EXPECT_TRUE(matchesExtensions(use, "a.mov"));
+    EXPECT_FALSE(matchesExtensions(use, "a.LOG"));
+}
+
+TEST_F(OldItems, AFileOfExactlyTheSmallestSizeIsOfferedAndASmallerOneIsNot) {
+    file("place/exact.log", 8192, days(31));
+    file("place/less.log", 4096, days(31));
+    EXPECT_THAT(files(rule(8192)), ElementsAre("exact.log"));
+    EXPECT_THAT(files(rule(8193)), IsEmpty());
+    EXPECT_FALSE(isLimited());
+}
+
+TEST_F(OldItems, AFileHasToBeStrictlyOlderThanTheCutoff) {
+    file("place/at.log", 4096, age);
+    file("place/before.log", 4096, age + nanoseconds(1));
+    file("place/after.log", 4096, age - nanoseconds(1));
+    EXPECT_THAT(files(rule()), ElementsAre("before.log"));
+}
+
+TEST_F(OldItems, ACandidateCarriesWhatTheFinderWasToldAndWhatIdentifiesIt) {
+    const auto url = file("place/old.log", 8192, days(40));
+    const auto candidates = oldRegularFiles(context, rule());
+    ASSERT_EQ(candidates.size(), 1U);
+    const auto& candidate = candidates.front();
+    const auto fingerprint = readFileFingerprint(url);
+    EXPECT_EQ(candidate.url, url);
+    EXPECT_EQ(candidate.title, "old.log");
+    EXPECT_EQ(candidate.category, CleanupCategory::log);
+    EXPECT_EQ(candidate.reason, "Because.");
+    EXPECT_EQ(candidate.size, 8192);
+    EXPECT_EQ(candidate.confidence, CleanupConfidence::suggested);
+    EXPECT_EQ(candidate.scannedAt, now);
+    EXPECT_EQ(candidate.scannedModificationDate, now - days(40));
+    EXPECT_TRUE(candidate.scannedResourceIdentifier);
+    EXPECT_EQ(candidate.scannedResourceIdentifier, fingerprint.resourceIdentifier);
+    EXPECT_EQ(candidate.scannedVolumeIdentifier, fingerprint.volumeIdentifier);
+}
+
+TEST_F(OldItems, OnlyCategoriesThatMayGoToTheTrashAreLowRisk) {
+    file("place/old.log", 4096, days(40));
+    for (const auto& row : allCleanupCategories) {
+        auto use = rule();
+        use.category = row.value;
+        const auto candidates = oldRegularFiles(context, use);
+        ASSERT_EQ(candidates.size(), 1U);
+        EXPECT_EQ(candidates[0].confidence == CleanupConfidence::suggested, candidates[0].canMoveToTrash())
+            << row.rawValue;
+    }
+}
+
+TEST_F(OldItems, LinksFoldersFifosAndHiddenFilesAreNotOffered) {
+    const auto target = file("elsewhere/target.log", 4096, days(90));
+    link("place/link.log", target);
+    setAge("place/link.log", days(90));
+    folderWithFile("place/folder.log", 4096, days(90));
+    ASSERT_EQ(mkfifo(at("place/fifo.log").c_str(), 0600), 0);
+    setAge("place/fifo.log", days(90));
+    file("place/.hidden.log", 4096, days(90));
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_FALSE(isLimited());
+}
+
+TEST_F(OldItems, AFolderThatIsALinkIsNotLookedAt) {
+    folderWithFile("elsewhere/app", 4096, days(90));
+    file("elsewhere/old.log", 4096, days(90));
+    link("place", home() / "elsewhere");
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_THAT(workers.asked, IsEmpty());
+    EXPECT_FALSE(isLimited());
+}
+
+TEST_F(OldItems, AFolderWhoseListingIsNotCompleteGivesNothingAndLimitsTheCategory) {
+    file("place/old.log", 4096, days(90));
+    workers.hung.insert(home() / "place");
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    budget.limitedCategories.clear();
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, AMissingFolderGivesNothingAndLimitsTheCategory) {
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, WhenTimeIsUpNothingIsListedAndTheCategoryIsLimited) {
+    file("place/old.log", 4096, days(90));
+    budget.deadline = deadlineIn(std::chrono::seconds(-1));
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    budget.limitedCategories.clear();
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    EXPECT_THAT(workers.asked, IsEmpty());
+}
+
+TEST_F(OldItems, WhenTimeRunsOutAfterTheListingTheCategoryIsLimited) {
+    file("place/old.log", 4096, days(90));
+    folderWithFile("place/app", 4096, days(90));
+    workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
+    EXPECT_THAT(files(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    budget.limitedCategories.clear();
+    budget.deadline = deadlineIn(std::chrono::seconds(60));
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, AFileThatVanishesAfterTheListingIsPassedOver) {
+    const auto gone = file("place/gone.log", 4096, days(90));
+    file("place/here.log", 4096, days(90));
+    workers.afterListing = [&](const auto&) { std::filesystem::remove(gone); };
+    EXPECT_THAT(files(rule()), ElementsAre("here.log"));
+}
+
+TEST_F(OldItems, OfMoreThanTheCountTheLargestAreOfferedAndTheCategoryIsLimited) {
+    for (int i = 0; i <= 40; ++i)
+        file(fmt::format("place/{:02}.log", i), 4096 * (i + 1), days(90));
+    const auto names = files(rule());
+    ASSERT_EQ(names.size(), 40U);
+    EXPECT_EQ(names.front(), "40.log");
+    EXPECT_EQ(names.back(), "01.log");
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, ExactlyTheCountIsNotCut) {
+    file("place/a.log", 4096, days(90));
+    file("place/b.log", 4096, days(90));
+    EXPECT_THAT(files(rule(4096, 2)), ElementsAre("a.log", "b.log"));
+    EXPECT_FALSE(isLimited());
+}
+
+TEST_F(OldItems, EqualSizesKeepTheOrderOfTheListing) {
+    for (const char* name : {"c", "a", "d", "b"})
+        file(fmt::format("place/{}.log", name), name[0] == 'd' ? 8192 : 4096, days(90));
+    EXPECT_THAT(files(rule()), ElementsAre("d.log", "a.log", "b.log", "c.log"));
+}
+
+TEST_F(OldItems, NamesOfAnyBytesAreOfferedWithATitleThatIsText) {
+    file("place/\xff\n.log", 4096, days(90));
+    const auto candidates = oldRegularFiles(context, rule());
+    ASSERT_EQ(candidates.size(), 1U);
+    EXPECT_EQ(candidates[0].url, home() / "place" / "\xff\n.log");
+    EXPECT_EQ(candidates[0].title, "\xef\xbf\xbd\n.log");
+}
+
+TEST_F(OldItems, OldFoldersAreOfferedWithTheSizeOfEverythingInside) {
+    folderWithFile("place/app", 8192, days(90));
+    file("place/app/inside/more", 4096, days(90));
+    setAge("place/app", days(90));
+    const auto candidates = oldDirectoryChildren(context, rule());
+    ASSERT_EQ(candidates.size(), 1U);
+    EXPECT_EQ(candidates[0].title, "app");
+    EXPECT_EQ(candidates[0].size, 12288);
+}
+
+TEST_F(OldItems, AFolderOfAnExcludedNameIsNeverOfferedNorMeasured) {
+    folderWithFile("place/Homebrew", 4096, days(900));
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_FALSE(workers.wasAsked("measure " + (home() / "place/Homebrew").native()));
+}
+
+TEST_F(OldItems, AnOldFolderThatHoldsOneFileOfYesterdayIsLeftAlone) {
+    folderWithFile("place/app", 8192, days(90));
+    file("place/app/inside/yesterday", 4096, days(1));
+    setAge("place/app", days(90));
+    EXPECT_THAT(folders(rule()), IsEmpty());
+}
+
+TEST_F(OldItems, AYoungFolderIsNotEvenMeasured) {
+    folderWithFile("place/app", 8192, days(90));
+    setAge("place/app", days(1));
+    EXPECT_THAT(folders(rule()), IsEmpty());
+    EXPECT_THAT(workers.asked, ElementsAre("list " + (home() / "place").native()));
+}
+
+TEST_F(OldItems, AnEmptyOldFolderIsJudgedByItsOwnDate) {
+    directory("place/empty");
+    setAge("place/empty", days(31));
+    EXPECT_THAT(folders(rule(0)), ElementsAre("empty"));
+    EXPECT_THAT(folders(rule(1)), IsEmpty());
+}
+
+TEST_F(OldItems, AnIncompleteMeasurementLimitsTheCategoryAndIsJudgedAsItIs) {
+    const auto large = folderWithFile("place/large", 4096, days(90));
+    const auto small = folderWithFile("place/small", 4096, days(90));
+    workers.metrics[large] = {5000, now - days(90), false};
+    workers.metrics[small] = {4095, now - days(90), true};
+    EXPECT_THAT(folders(rule()), ElementsAre("large"));
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, FoldersThatAreLinksAndFilesAreNotOfferedAsFolders) {
+    folderWithFile("elsewhere/app", 4096, days(90));
+    link("place/link", home() / "elsewhere/app");
+    setAge("place/link", days(90));
+    file("place/file", 4096, days(90));
+    EXPECT_THAT(folders(rule()), IsEmpty());
+}
+
+TEST_F(OldItems, LargeDownloadsLeaveOutWhatTheOtherDownloadFindersMatch) {
+    const auto use = largeDownloadsRule(environment);
+    for (const auto category :
+         {CleanupCategory::installer, CleanupCategory::archive, CleanupCategory::interruptedDownload})
+        for (const auto extension : matchedExtensions(category))
+            EXPECT_FALSE(matchesExtensions(use, "file." + std::string(extension))) << extension;
+    for (const char* name : {"film.mov", "disk", "old.log", "a.iso"})
+        EXPECT_TRUE(matchesExtensions(use, name)) << name;
+}
+
+} // namespace
+} // namespace vantry::CleanupScanner

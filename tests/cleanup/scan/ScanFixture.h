@@ -1,0 +1,147 @@
+#pragma once
+
+#include "cleanup/scan/ScanContext.h"
+#include "platform/DirectoryWalk.h"
+#include "platform/ItemFacts.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <fcntl.h>
+#include <map>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace vantry {
+
+inline constexpr std::int64_t mebibyte = 1024 * 1024;
+
+/// Does in this process what workers do, and fails where it is told to.
+class FakeWorkers : public ScanWorkers {
+public:
+    [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override {
+        asked.push_back("measure " + folder.native());
+        if (const auto given = metrics.find(folder); given != metrics.end())
+            return given->second;
+        if (hasPassed(deadline))
+            return {};
+        const auto totals = walkTree(folder, deadlineIn(std::chrono::seconds(60)), 1);
+        return {totals.allocatedBytes, totals.newestModification, totals.complete};
+    }
+    [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
+        asked.push_back("list " + folder.native());
+        if (hung.contains(folder) || hasPassed(deadline))
+            return {};
+        auto names = visibleNames(folder);
+        if (!names)
+            return {};
+        std::ranges::sort(*names); // an order that does not depend on the file system
+        ShallowChildren children{.urls = {}, .complete = true};
+        for (const auto& name : *names)
+            children.urls.push_back(folder / name);
+        if (afterListing)
+            afterListing(folder);
+        return children;
+    }
+    [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
+                                                      std::span<const std::string> keys, Deadline deadline) override {
+        PropertyListTexts answer{.texts = {}, .complete = listsAreComplete && !hasPassed(deadline)};
+        for (const auto& file : files) {
+            asked.push_back("read " + file.native());
+            auto& texts = answer.texts.emplace_back();
+            if (const auto given = lists.find(file); given != lists.end()) {
+                texts.emplace();
+                for (const auto& key : keys)
+                    if (const auto text = given->second.find(key); text != given->second.end())
+                        texts->insert(*text);
+            }
+        }
+        return answer;
+    }
+
+    [[nodiscard]] bool wasAsked(const std::string& question) const {
+        return std::ranges::find(asked, question) != asked.end();
+    }
+
+    std::map<std::filesystem::path, DirectoryMetrics> metrics; ///< instead of what is there
+    std::set<std::filesystem::path> hung;                      ///< folders whose listing is not complete
+    std::map<std::filesystem::path, std::map<std::string, std::string>> lists;
+    bool listsAreComplete = true;
+    std::function<void(const std::filesystem::path&)> afterListing;
+    std::vector<std::string> asked;
+};
+
+/// A made-up home folder at a made-up time, and what a finder needs to look through it.
+class ScanFixture {
+private:
+    TemporaryFolder folder_; // before what lies in it
+
+public:
+    ScanFixture() { std::filesystem::create_directories(home()); }
+
+    [[nodiscard]] std::filesystem::path home() const { return folder_ / "home"; }
+    [[nodiscard]] std::filesystem::path applications() const { return folder_ / "Applications"; }
+
+    /// A file that occupies `bytes`, rounded up to whole blocks, and was modified `age` ago.
+    std::filesystem::path file(const std::filesystem::path& path, std::int64_t bytes, std::chrono::nanoseconds age) {
+        const auto url = at(path);
+        std::filesystem::create_directories(url.parent_path());
+        const int fd = open(url.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        const bool made = fd >= 0 && (bytes == 0 || posix_fallocate(fd, 0, bytes) == 0);
+        close(fd);
+        if (!made)
+            throw std::runtime_error("cannot make " + url.native());
+        setAge(url, age);
+        return url;
+    }
+    std::filesystem::path directory(const std::filesystem::path& path) {
+        std::filesystem::create_directories(at(path));
+        return at(path);
+    }
+    /// A folder with one file in it, both modified `age` ago.
+    std::filesystem::path folderWithFile(const std::filesystem::path& path, std::int64_t bytes,
+                                         std::chrono::nanoseconds age) {
+        file(path / "data", bytes, age);
+        setAge(at(path), age);
+        return at(path);
+    }
+    std::filesystem::path link(const std::filesystem::path& path, const std::filesystem::path& target) {
+        std::filesystem::create_directories(at(path).parent_path());
+        std::filesystem::create_symlink(target, at(path));
+        return at(path);
+    }
+    void setAge(const std::filesystem::path& path, std::chrono::nanoseconds age) const {
+        const auto since = (now - age).time_since_epoch();
+        const auto seconds = std::chrono::floor<std::chrono::seconds>(since);
+        const timespec time{static_cast<time_t>(seconds.count()), (since - seconds).count()};
+        const timespec times[2] = {time, time};
+        if (utimensat(AT_FDCWD, at(path).c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
+            throw std::runtime_error("cannot date " + at(path).native());
+    }
+    [[nodiscard]] std::filesystem::path at(const std::filesystem::path& path) const {
+        return path.is_absolute() ? path : home() / path;
+    }
+
+    SystemTime now = std::chrono::sys_days(std::chrono::year(2026) / 6 / 1);
+    FakeWorkers workers;
+    ScanEnvironment environment{.home = home(),
+                                .applications = applications(),
+                                .systemApplications = folder_ / "System/Applications",
+                                .workers = {},
+                                .now = [this] { return now; }};
+    ScanBudget budget{.deadline = deadlineIn(std::chrono::seconds(60)), .limitedCategories = {}};
+    ScanContext context{environment, workers, budget};
+};
+
+/// The last components, in order.
+[[nodiscard]] inline std::vector<std::string> namesOf(const std::vector<CleanupCandidate>& candidates) {
+    std::vector<std::string> names;
+    for (const auto& candidate : candidates)
+        names.push_back(candidate.url.filename().native());
+    return names;
+}
+
+} // namespace vantry

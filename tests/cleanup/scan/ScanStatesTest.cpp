@@ -1,0 +1,141 @@
+#include "cleanup/scan/ScanStates.h"
+
+#include "cleanup/scan/CleanupPlaces.h"
+#include "tests/cleanup/scan/ScanFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace vantry::CleanupScanner {
+namespace {
+
+using Places = std::vector<std::filesystem::path>;
+
+class ScanStates : public testing::Test, public ScanFixture {
+protected:
+    // As an ordinary user, since the superuser may read everything.
+    CleanupScanState stateAsOrdinaryUser(const Places& places) {
+        if (geteuid() != 0)
+            return accessState(workers, places, budget.deadline);
+        std::filesystem::permissions(home().parent_path(), std::filesystem::perms::all);
+        const pid_t child = fork();
+        if (child == 0) {
+            if (setgid(65534) != 0 || setuid(65534) != 0)
+                _exit(99);
+            _exit(static_cast<int>(accessState(workers, places, budget.deadline)));
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return static_cast<CleanupScanState>(WEXITSTATUS(status));
+    }
+    std::filesystem::path unreadable(const char* name) {
+        const auto folder = directory(name);
+        std::filesystem::permissions(folder, std::filesystem::perms::none);
+        return folder;
+    }
+    std::filesystem::path slow(const char* name) {
+        const auto folder = directory(name);
+        workers.hung.insert(folder);
+        return folder;
+    }
+};
+
+TEST_F(ScanStates, OfNoPlacesIsNotPresent) {
+    EXPECT_EQ(accessState(workers, Places(), budget.deadline), CleanupScanState::notPresent);
+}
+
+TEST_F(ScanStates, FollowFromThePlacesInTheirOrder) {
+    const auto good = directory("good");
+    const auto closed = unreadable("closed");
+    const auto closedToo = unreadable("closed too");
+    const auto late = slow("late");
+    const auto missing = home() / "missing";
+    const auto aFile = file("file", 4096, {});
+    struct Case {
+        Places places;
+        CleanupScanState state;
+    };
+    const Case cases[] = {
+        {{good}, CleanupScanState::checked},
+        {{missing}, CleanupScanState::notPresent},
+        {{aFile}, CleanupScanState::notPresent},
+        {{missing, aFile, good}, CleanupScanState::checked},
+        {{closed}, CleanupScanState::permissionNeeded},
+        {{closed, good}, CleanupScanState::checked},
+        {{closed, closedToo}, CleanupScanState::permissionNeeded},
+        {{late}, CleanupScanState::unavailable},
+        {{late, good}, CleanupScanState::checked},
+        {{late, missing}, CleanupScanState::unavailable},
+        {{closed, late}, CleanupScanState::permissionNeeded},
+        {{late, closed}, CleanupScanState::permissionNeeded},
+    };
+    for (const auto& [places, state] : cases)
+        EXPECT_EQ(stateAsOrdinaryUser(places), state) << testing::PrintToString(places);
+}
+
+TEST_F(ScanStates, TheFirstCompleteListingEndsTheWalk) {
+    const auto first = directory("first");
+    const auto second = directory("second");
+    ASSERT_EQ(accessState(workers, Places{first, second}, budget.deadline), CleanupScanState::checked);
+    EXPECT_THAT(workers.asked, testing::ElementsAre("list " + first.native()));
+}
+
+TEST_F(ScanStates, APlaceThatIsALinkToAFolderCouldNotBeChecked) {
+    link("link", directory("elsewhere"));
+    EXPECT_EQ(accessState(workers, Places{home() / "link"}, budget.deadline), CleanupScanState::unavailable);
+    link("dangling", home() / "nowhere");
+    EXPECT_EQ(accessState(workers, Places{home() / "dangling"}, budget.deadline), CleanupScanState::notPresent);
+}
+
+TEST_F(ScanStates, WhenTimeIsUpNoPlaceIsLookedAt) {
+    const auto past = deadlineIn(std::chrono::seconds(-1));
+    EXPECT_EQ(accessState(workers, Places{directory("good")}, past), CleanupScanState::unavailable);
+    EXPECT_EQ(accessState(workers, Places(), past), CleanupScanState::notPresent);
+    EXPECT_THAT(workers.asked, testing::IsEmpty());
+}
+
+TEST_F(ScanStates, OfAnEmptyHomeAreAllNotPresent) {
+    const auto states = scanStates(workers, environment, budget.deadline);
+    EXPECT_EQ(states.size(), allCleanupCategories.size());
+    for (const auto& [category, state] : states)
+        EXPECT_EQ(state, CleanupScanState::notPresent) << rawValue(category);
+}
+
+TEST_F(ScanStates, EachCategoryHasItsOwnPlaces) {
+    for (const auto& row : allCleanupCategories)
+        for (const auto& place : approvedRoots(row.value, environment)) {
+            ScanFixture made;
+            made.directory(place.native().starts_with(home().native()) ? place.lexically_relative(home())
+                                                                       : made.applications());
+            for (const auto& [category, state] : scanStates(made.workers, made.environment, made.budget.deadline)) {
+                const auto roots = approvedRoots(category, environment);
+                // A place that lies in another is there when that is.
+                const bool isThere = std::ranges::any_of(roots, [&](const auto& root) {
+                    return root == place || place.native().starts_with(root.native() + "/");
+                });
+                EXPECT_EQ(state, isThere ? CleanupScanState::checked : CleanupScanState::notPresent)
+                    << rawValue(category) << " with " << place;
+            }
+        }
+}
+
+TEST_F(ScanStates, TheFourDownloadCategoriesShareOneListing) {
+    directory("Downloads");
+    const auto states = scanStates(workers, environment, budget.deadline);
+    for (const auto category : {CleanupCategory::installer, CleanupCategory::archive,
+                                CleanupCategory::interruptedDownload, CleanupCategory::largeDownload})
+        EXPECT_EQ(states.at(category), CleanupScanState::checked);
+    EXPECT_EQ(std::ranges::count(workers.asked, "list " + (home() / "Downloads").native()), 1);
+}
+
+TEST_F(ScanStates, DeviceBackupsThatAreALinkAreRelocatedAndNotLookedAt) {
+    const auto root = approvedRoots(CleanupCategory::deviceBackup, environment).front();
+    link(root, directory("elsewhere"));
+    EXPECT_EQ(scanStates(workers, environment, budget.deadline).at(CleanupCategory::deviceBackup),
+              CleanupScanState::relocated);
+    EXPECT_FALSE(workers.wasAsked("list " + root.native()));
+}
+
+} // namespace
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,390 @@
+#include "cleanup/scan/ValidationDecisions.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_view_literals;
+
+constexpr auto missing = "it no longer exists"sv;
+constexpr auto linked = "its path now contains a symbolic link"sv;
+constexpr auto notDirect = "it is not a direct file inside an approved cleanup folder"sv;
+constexpr auto relocatedRoot = "the approved cleanup folder is missing or relocated"sv;
+constexpr auto unverified = "its current file details could not be verified"sv;
+constexpr auto notRegular = "it is no longer a local, regular file"sv;
+constexpr auto unverifiedRoot = "the approved cleanup folder could not be verified"sv;
+constexpr auto notCaptured = "the scan did not capture every identity check required"sv;
+constexpr auto otherItem = "a different item now occupies this path"sv;
+constexpr auto otherVolume = "it is no longer on the approved folder’s volume"sv;
+constexpr auto modified = "it was modified after the scan"sv;
+constexpr auto notOwned = "it is not owned by the current user"sv;
+constexpr auto resized = "its allocated size changed after the scan"sv;
+constexpr auto tooYoung = "it is no longer old enough for low-risk cleanup"sv;
+
+constexpr SystemTime now{std::chrono::nanoseconds(1'800'000'000'123'456'789)};
+constexpr uid_t user = 501;
+constexpr std::int64_t size = 8192;
+
+const std::vector<CleanupCategory> approved{CleanupCategory::log, CleanupCategory::crashReport,
+                                            CleanupCategory::installer, CleanupCategory::interruptedDownload};
+
+/// What passes every check, to be spoilt.
+struct Item {
+    CleanupCandidate candidate = CleanupCandidate::withFingerprint(
+        "/home/Library/Logs/old.log", "old.log", CleanupCategory::log, "", size, CleanupConfidence::suggested,
+        {.contentModificationDate = now - 365 * 24h, .resourceIdentifier = "file 1", .volumeIdentifier = "volume 1"},
+        now);
+    PinnedFileFacts facts{.isRegularFile = true,
+                          .isSymbolicLink = false,
+                          .isPackage = false,
+                          .isUbiquitousItem = false,
+                          .allocatedBytes = size,
+                          .totalAllocated = size,
+                          .owner = user,
+                          .fingerprint = {.contentModificationDate = now - 365 * 24h,
+                                          .resourceIdentifier = "file 1",
+                                          .volumeIdentifier = "volume 1"}};
+    PinnedFolderFacts root{.isDirectory = true, .isSymbolicLink = false, .volumeIdentifier = "volume 1"};
+
+    [[nodiscard]] Refusal byIdentity() const { return refusalByIdentity(candidate, facts, root); }
+    [[nodiscard]] Refusal byRules() const { return refusalByRules(candidate, facts, user, now); }
+};
+
+struct Case {
+    const char* name;
+    std::function<void(Item&)> spoil;
+    Refusal expected;
+};
+
+void expectAll(const std::vector<Case>& cases, const std::function<Refusal(const Item&)>& decide) {
+    for (const auto& [name, spoil, expected] : cases) {
+        Item item;
+        spoil(item);
+        EXPECT_EQ(decide(item), expected) << name;
+    }
+}
+
+} // namespace
+
+TEST(ValidationDecisions, ProtectedIsEveryCategoryThatMayNotGoToTheTrash) {
+    for (const auto& row : allCleanupCategories) {
+        const bool passes = row.removalDisposition == CleanupRemovalDisposition::directTrash;
+        // A protected one is called that however long ago it was found.
+        for (const SystemTime scannedAt : {now, now - 1h, now + 1h, SystemTime::min(), SystemTime::max()}) {
+            const Refusal refusal = refusalByScan(row.value, scannedAt, now);
+            EXPECT_EQ(refusal != "this type of item is protected from direct cleanup", passes) << row.rawValue;
+        }
+        EXPECT_EQ(refusalByScan(row.value, now, now) == std::nullopt, passes) << row.rawValue;
+    }
+}
+
+TEST(ValidationDecisions, ACategoryThatNobodyKnowsIsNotApproved) {
+    const auto unknown = static_cast<CleanupCategory>(99);
+    EXPECT_EQ(refusalByScan(unknown, now, now), "this type of item is not approved for direct cleanup");
+    EXPECT_EQ(refusalByScan(unknown, now - 301s, now), "the scan is more than five minutes old");
+}
+
+TEST(ValidationDecisions, AScanIsGoodForFiveMinutesAndNotFromTheFuture) {
+    constexpr auto stale = "the scan is more than five minutes old"sv;
+    const std::vector<std::tuple<const char*, SystemTime, SystemTime, Refusal>> cases{
+        {"at once", now, now, std::nullopt},
+        {"a nanosecond ago", now - 1ns, now, std::nullopt},
+        {"299 s ago", now - 299s, now, std::nullopt},
+        {"300 s ago", now - 300s, now, std::nullopt},
+        {"300 s and 1 ns ago", now - 300s - 1ns, now, stale},
+        {"301 s ago", now - 301s, now, stale},
+        {"1 ns ahead", now + 1ns, now, stale},
+        {"ten years ahead", now + 3650 * 24h, now, stale},
+        {"ten years ago", now - 3650 * 24h, now, stale},
+        {"as long ago as can be", SystemTime::min(), SystemTime::max(), stale},
+        {"as far ahead as can be", SystemTime::max(), SystemTime::min(), stale},
+        {"just after the signed difference overflows", SystemTime(-1ns), SystemTime::max(), stale},
+        {"at the end of time", SystemTime::max() - 300s, SystemTime::max(), std::nullopt},
+        {"just too long at the end of time", SystemTime::max() - 300s - 1ns, SystemTime::max(), stale},
+        {"at the begin of time", SystemTime::min(), SystemTime::min() + 300s, std::nullopt},
+        {"just too long at the begin of time", SystemTime::min(), SystemTime::min() + 300s + 1ns, stale},
+        {"across 1970", SystemTime(-150s), SystemTime(150s), std::nullopt},
+    };
+    for (const auto category : approved)
+        for (const auto& [name, scannedAt, clock, expected] : cases)
+            EXPECT_EQ(refusalByScan(category, scannedAt, clock), expected) << name;
+}
+
+TEST(ValidationDecisions, WhatIsThereWithoutLinksInAFolderInPlacePasses) {
+    EXPECT_EQ(refusalByExistence(true), std::nullopt);
+    EXPECT_EQ(refusalByExistence(false), missing);
+    EXPECT_EQ(refusalByLinks(false), std::nullopt);
+    EXPECT_EQ(refusalByLinks(true), linked);
+    EXPECT_EQ(refusalByRootPlace(true), std::nullopt);
+    EXPECT_EQ(refusalByRootPlace(false), relocatedRoot);
+}
+
+TEST(ValidationDecisions, AnItemLiesDirectlyInOneOfTheApprovedFolders) {
+    const std::vector<std::filesystem::path> roots{"/home/first", "/home/second/", "/home/./third/../third"};
+    const std::vector<std::pair<const char*, Refusal>> cases{
+        {"/home/first/file", std::nullopt},
+        {"/home/second/file", std::nullopt},
+        {"/home/third/file", std::nullopt},
+        {"/home/first/below/file", notDirect},
+        {"/home/first", notDirect},
+        {"/home/file", notDirect},
+        {"/home/firstfile", notDirect},
+        {"/home/first2/file", notDirect},
+        {"/home/fir/file", notDirect},
+        {"/home/First/file", notDirect},
+        {"/other/home/first/file", notDirect},
+        {"home/first/file", notDirect},
+        {"file", notDirect},
+        {"/", notDirect},
+        {"", notDirect},
+    };
+    for (const auto& [item, expected] : cases)
+        EXPECT_EQ(refusalByParent(item, roots), expected) << item;
+    EXPECT_EQ(refusalByParent("/home/first/file", {}), notDirect);
+    const std::vector<std::filesystem::path> top{"/"};
+    EXPECT_EQ(refusalByParent("/", top), notDirect);
+    EXPECT_EQ(refusalByParent("/file", top), std::nullopt);
+}
+
+TEST(ValidationDecisions, AnItemIsKnownToBeALocalRegularFile) {
+    EXPECT_EQ(refusalByKind(std::nullopt), unverified);
+    expectAll(
+        {
+            {"nothing", [](Item&) {}, std::nullopt},
+            {"no regular file", [](Item& item) { item.facts.isRegularFile = false; }, notRegular},
+            {"perhaps a regular file", [](Item& item) { item.facts.isRegularFile.reset(); }, notRegular},
+            {"a link", [](Item& item) { item.facts.isSymbolicLink = true; }, notRegular},
+            {"perhaps a link", [](Item& item) { item.facts.isSymbolicLink.reset(); }, notRegular},
+            {"a package", [](Item& item) { item.facts.isPackage = true; }, notRegular},
+            {"perhaps a package", [](Item& item) { item.facts.isPackage.reset(); }, notRegular},
+            {"in a cloud", [](Item& item) { item.facts.isUbiquitousItem = true; }, notRegular},
+            {"perhaps in a cloud", [](Item& item) { item.facts.isUbiquitousItem.reset(); }, notRegular},
+            {"nothing known", [](Item& item) { item.facts = {}; }, notRegular},
+        },
+        [](const Item& item) { return refusalByKind(item.facts); });
+}
+
+TEST(ValidationDecisions, TheFolderIsKnownToBeAFolderOnAVolume) {
+    EXPECT_EQ(refusalByRoot(std::nullopt), unverifiedRoot);
+    expectAll(
+        {
+            {"nothing", [](Item&) {}, std::nullopt},
+            {"no folder", [](Item& item) { item.root.isDirectory = false; }, unverifiedRoot},
+            {"perhaps a folder", [](Item& item) { item.root.isDirectory.reset(); }, unverifiedRoot},
+            {"a link", [](Item& item) { item.root.isSymbolicLink = true; }, unverifiedRoot},
+            {"perhaps a link", [](Item& item) { item.root.isSymbolicLink.reset(); }, unverifiedRoot},
+            {"on no volume", [](Item& item) { item.root.volumeIdentifier.reset(); }, unverifiedRoot},
+            {"nothing known", [](Item& item) { item.root = {}; }, unverifiedRoot},
+        },
+        [](const Item& item) { return refusalByRoot(item.root); });
+}
+
+TEST(ValidationDecisions, AnItemIsTheOneThatTheScanFound) {
+    const auto all = [](Item& item) { item.facts.fingerprint = {now, "file 2", "volume 2"}; };
+    expectAll(
+        {
+            {"nothing", [](Item&) {}, std::nullopt},
+            {"no scanned date", [](Item& item) { item.candidate.scannedModificationDate.reset(); }, notCaptured},
+            {"no scanned file", [](Item& item) { item.candidate.scannedResourceIdentifier.reset(); }, notCaptured},
+            {"no scanned volume", [](Item& item) { item.candidate.scannedVolumeIdentifier.reset(); }, notCaptured},
+            {"no date", [](Item& item) { item.facts.fingerprint.contentModificationDate.reset(); }, notCaptured},
+            {"no file", [](Item& item) { item.facts.fingerprint.resourceIdentifier.reset(); }, notCaptured},
+            {"no volume", [](Item& item) { item.facts.fingerprint.volumeIdentifier.reset(); }, notCaptured},
+            {"neither date",
+             [](Item& item) {
+                 item.candidate.scannedModificationDate.reset();
+                 item.facts.fingerprint.contentModificationDate.reset();
+             },
+             notCaptured},
+            {"neither file",
+             [](Item& item) {
+                 item.candidate.scannedResourceIdentifier.reset();
+                 item.facts.fingerprint.resourceIdentifier.reset();
+             },
+             notCaptured},
+            {"another file", [](Item& item) { item.facts.fingerprint.resourceIdentifier = "file 2"; }, otherItem},
+            {"a longer text", [](Item& item) { item.facts.fingerprint.resourceIdentifier = "file 11"; }, otherItem},
+            {"another volume", [](Item& item) { item.facts.fingerprint.volumeIdentifier = "volume 2"; }, otherVolume},
+            {"a moved folder", [](Item& item) { item.root.volumeIdentifier = "volume 2"; }, otherVolume},
+            {"both on another volume than when scanned",
+             [](Item& item) {
+                 item.root.volumeIdentifier = "volume 2";
+                 item.facts.fingerprint.volumeIdentifier = "volume 2";
+             },
+             otherVolume},
+            {"a nanosecond later", [](Item& item) { *item.facts.fingerprint.contentModificationDate += 1ns; },
+             modified},
+            {"a nanosecond earlier", [](Item& item) { *item.facts.fingerprint.contentModificationDate -= 1ns; },
+             modified},
+            {"everything different", all, otherItem},
+            {"everything but the file different",
+             [=](Item& item) {
+                 all(item);
+                 item.facts.fingerprint.resourceIdentifier = "file 1";
+             },
+             otherVolume},
+            {"everything different and something missing",
+             [=](Item& item) {
+                 all(item);
+                 item.candidate.scannedVolumeIdentifier.reset();
+             },
+             notCaptured},
+        },
+        &Item::byIdentity);
+}
+
+TEST(ValidationDecisions, AnItemBelongsToTheUserAndHasTheScannedSize) {
+    expectAll(
+        {
+            {"nothing", [](Item&) {}, std::nullopt},
+            {"another user", [](Item& item) { item.facts.owner = user + 1; }, notOwned},
+            {"root", [](Item& item) { item.facts.owner = 0; }, notOwned},
+            {"nobody known", [](Item& item) { item.facts.owner.reset(); }, notOwned},
+            {"a block more", [](Item& item) { *item.facts.totalAllocated += 512; }, resized},
+            {"a byte less", [](Item& item) { *item.facts.totalAllocated -= 1; }, resized},
+            {"nothing scanned", [](Item& item) { item.candidate.size = 0; }, resized},
+            {"other contents of the same total", [](Item& item) { item.facts.allocatedBytes = 1; }, std::nullopt},
+            {"no total", [](Item& item) { item.facts.totalAllocated.reset(); }, std::nullopt},
+            {"no total and another size",
+             [](Item& item) {
+                 item.facts.totalAllocated.reset();
+                 *item.facts.allocatedBytes += 512;
+             },
+             resized},
+            {"no size at all",
+             [](Item& item) {
+                 item.facts.totalAllocated.reset();
+                 item.facts.allocatedBytes.reset();
+             },
+             resized},
+            {"no size, and none scanned",
+             [](Item& item) {
+                 item.facts.totalAllocated.reset();
+                 item.facts.allocatedBytes.reset();
+                 item.candidate.size = 0;
+             },
+             resized},
+            {"an empty file",
+             [](Item& item) {
+                 item.facts.totalAllocated = 0;
+                 item.candidate.size = 0;
+             },
+             std::nullopt},
+            {"everything wrong",
+             [](Item& item) {
+                 item.facts = {};
+                 item.candidate.url = "/home/Library/Logs/old";
+             },
+             notOwned},
+            {"everything after the owner wrong",
+             [](Item& item) {
+                 item.facts = {.owner = user};
+                 item.candidate.url = "/home/Library/Logs/old";
+             },
+             resized},
+            {"everything after the size wrong",
+             [](Item& item) {
+                 item.facts.fingerprint = {};
+                 item.candidate.url = "/home/Library/Logs/old";
+             },
+             "its file type is no longer an approved log"},
+        },
+        &Item::byRules);
+}
+
+TEST(ValidationDecisions, ATypeIsToldByTheExtensionInAnyCase) {
+    struct Types {
+        CleanupCategory category;
+        std::vector<std::string> names;
+        std::vector<std::string> otherNames;
+        std::string_view refusal;
+    };
+    const std::vector<Types> table{
+        {CleanupCategory::log,
+         {"a.log", "a.txt", "a.out", "a.LOG", "a.Txt", "a.b.ouT", "\xff.log", "new\nline.log", " .log"},
+         {"a", "log", ".log", "a.", "a.log.", "a.logs", "a.log ", "a.log\n", "a.crash", "a.dmg", "a.log.gz"},
+         "its file type is no longer an approved log"},
+        {CleanupCategory::crashReport,
+         {"a.crash", "a.ips", "a.diag", "a.spin", "a.hang", "a.CRASH", "a.IPS", "a.Diag", "a.SPIN", "a.hanG"},
+         {"a.log", "a.txt", "a.cras", "a.crash2", "ips"},
+         "its file type is no longer an approved crash report"},
+        {CleanupCategory::installer,
+         {"a.dmg", "a.pkg", "a.xip", "a.DMG", "a.Pkg", "a.XIP"},
+         {"a.zip", "a.mpkg", "a.iso", "dmg", "a.part"},
+         "its file type is no longer an approved installer"},
+        {CleanupCategory::interruptedDownload,
+         {"a.download", "a.crdownload", "a.part", "a.partial", "a.dmg.PART", "a.CrDownload"},
+         {"a.dmg", "a.parts", "a.tmp", "a.par", "download"},
+         "its file type is no longer an interrupted download"},
+    };
+    for (const auto& [category, names, otherNames, refusal] : table) {
+        Item item;
+        item.candidate.category = category;
+        for (const auto& name : names) {
+            item.candidate.url = "/home/folder/" + name;
+            EXPECT_EQ(item.byRules(), std::nullopt) << name;
+        }
+        for (const auto& name : otherNames) {
+            item.candidate.url = "/home/folder/" + name;
+            EXPECT_EQ(item.byRules(), refusal) << name;
+        }
+    }
+}
+
+TEST(ValidationDecisions, AnItemIsAsOldAsItsCategoryDemands) {
+    struct Rule {
+        CleanupCategory category;
+        const char* name;
+        std::chrono::seconds minimum;
+    };
+    for (const auto& [category, name, minimum] :
+         {Rule{CleanupCategory::log, "a.log", 2'592'000s}, Rule{CleanupCategory::crashReport, "a.ips", 2'592'000s},
+          Rule{CleanupCategory::installer, "a.dmg", 1'814'400s},
+          Rule{CleanupCategory::interruptedDownload, "a.part", 1'209'600s}}) {
+        Item item;
+        item.candidate.category = category;
+        item.candidate.url = std::string("/home/folder/") + name;
+        const auto refusalAt = [&](SystemTime date, SystemTime clock) {
+            item.facts.fingerprint.contentModificationDate = date;
+            return refusalByRules(item.candidate, item.facts, user, clock);
+        };
+        EXPECT_EQ(refusalAt(now - minimum, now), std::nullopt) << name;
+        EXPECT_EQ(refusalAt(now - minimum - 1ns, now), std::nullopt) << name;
+        EXPECT_EQ(refusalAt(now - minimum + 1ns, now), tooYoung) << name;
+        EXPECT_EQ(refusalAt(now, now), tooYoung) << name;
+        EXPECT_EQ(refusalAt(now + 1ns, now), tooYoung) << name;
+        EXPECT_EQ(refusalAt(SystemTime(-1s), now), std::nullopt) << "before 1970";
+        EXPECT_EQ(refusalAt(SystemTime::min(), now), std::nullopt);
+        EXPECT_EQ(refusalAt(SystemTime::max(), now), tooYoung);
+        // Differences that no signed count of nanoseconds holds.
+        EXPECT_EQ(refusalAt(SystemTime::min(), SystemTime::max()), std::nullopt);
+        EXPECT_EQ(refusalAt(SystemTime::max(), SystemTime::min()), tooYoung);
+        EXPECT_EQ(refusalAt(SystemTime::min(), SystemTime::min() + minimum), std::nullopt);
+        EXPECT_EQ(refusalAt(SystemTime::min(), SystemTime::min() + minimum - 1ns), tooYoung);
+        EXPECT_EQ(refusalAt(SystemTime(-1s), SystemTime(minimum) - 1s), std::nullopt);
+        EXPECT_EQ(refusalAt(SystemTime(-1s), SystemTime(minimum) - 1s - 1ns), tooYoung);
+    }
+}
+
+TEST(ValidationDecisions, InTheEndTheNameLeadsToTheItem) {
+    EXPECT_EQ(refusalByPlace(PinnedPlace::unchanged), std::nullopt);
+    EXPECT_EQ(refusalByPlace(PinnedPlace::folderMoved), relocatedRoot);
+    EXPECT_EQ(refusalByPlace(PinnedPlace::missing), missing);
+    EXPECT_EQ(refusalByPlace(PinnedPlace::link), linked);
+    EXPECT_EQ(refusalByPlace(PinnedPlace::otherItem), otherItem);
+}
+
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,32 @@
+// One target for libFuzzer: the one after which the program is called.
+
+#include "tests/fuzz/Targets.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+const vantry::FuzzTarget* target = nullptr;
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments) {
+    const std::filesystem::path program = (*arguments)[0];
+    for (const auto& each : vantry::fuzzTargets())
+        if (program.filename() == each.name)
+            target = &each;
+    if (!target) {
+        std::fprintf(stderr, "%s is not the name of a target\n", program.c_str());
+        std::exit(EXIT_FAILURE);
+    }
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+    target->run({reinterpret_cast<const char*>(bytes), count});
+    return 0;
+}

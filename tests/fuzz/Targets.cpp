@@ -1,0 +1,108 @@
+#include "tests/fuzz/Targets.h"
+
+#include "cleanup/scan/WorkerArguments.h"
+#include "cleanup/scan/WorkerPayload.h"
+#include "tests/fuzz/PropertyListFuzz.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace vantry {
+
+namespace {
+
+void require(bool condition, const char* what) {
+    if (condition)
+        return;
+    std::fprintf(stderr, "not so: %s\n", what);
+    std::abort();
+}
+
+bool canBeInAFolder(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
+}
+
+std::vector<std::string> pieces(std::string_view bytes, char separator) {
+    std::vector<std::string> pieces;
+    while (!bytes.empty()) {
+        const auto end = std::min(bytes.find(separator), bytes.size());
+        pieces.emplace_back(bytes.substr(0, end));
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return pieces;
+}
+
+void readMetrics(std::string_view bytes) {
+    const auto payload = decodedDirectoryMetrics(bytes);
+    if (!payload)
+        return;
+    require(nlohmann::json::accept(bytes), "what is read is JSON");
+    require(payload->size >= 0, "a size is not negative");
+    require(!payload->newestModificationTime || timeFromSecondsSince1970(*payload->newestModificationTime),
+            "a time is one that can be told");
+    require(decodedDirectoryMetrics(encoded(*payload)) == payload, "measures are read as they are written");
+}
+
+void readChildren(std::string_view bytes) {
+    const auto writtenAndRead = [](ShallowChildrenPayload payload) {
+        auto read = decodedShallowChildren(encoded(payload));
+        require(read.has_value(), "a list that is written can be read");
+        std::ranges::sort(payload.names); // those that are no UTF-8 go behind the others
+        std::ranges::sort(read->names);
+        require(*read == payload, "a list is read as it is written");
+    };
+    if (const auto payload = decodedShallowChildren(bytes)) {
+        require(nlohmann::json::accept(bytes), "what is read is JSON");
+        require(std::ranges::all_of(payload->names, canBeInAFolder), "a name stays in its folder");
+        writtenAndRead(*payload);
+    }
+    ShallowChildrenPayload named{.names = pieces(bytes, '\n'), .complete = true};
+    std::erase_if(named.names, [](const auto& name) { return !canBeInAFolder(name); });
+    writtenAndRead(std::move(named));
+}
+
+// An argument a line.
+void readArguments(std::string_view bytes) {
+    using namespace CleanupScanner;
+    const auto arguments = pieces(bytes, '\n');
+    const auto job = workerJob(arguments);
+    const std::string flag = arguments.empty() ? "" : arguments[0];
+    require(!job || (flag.starts_with("--") && flag.ends_with("-worker")), "a worker is what has a flag in front");
+    require(job || (flag != directoryMetricsFlag && flag != shallowChildrenFlag),
+            "what has a flag in front is a worker");
+    if (!job)
+        return;
+    require(std::holds_alternative<std::monostate>(*job) ||
+                std::holds_alternative<MeasuringJob>(*job) == (flag == directoryMetricsFlag),
+            "the flag says what is to be measured");
+    if (const auto* measuring = std::get_if<MeasuringJob>(&*job)) {
+        require(arguments.size() == 3, "measuring takes a folder and a budget");
+        require(measuring->folder == arguments[1], "the folder is taken as it is");
+        require(measuring->budget >= std::chrono::nanoseconds(0) && measuring->budget <= std::chrono::seconds(3),
+                "a budget is no longer than three seconds");
+        require(arguments[2].find_first_not_of("0123456789.eE+-") == std::string::npos, "a budget is a plain number");
+        require(arguments[2].find_first_of("123456789") != std::string::npos, "a budget is not zero");
+    } else if (const auto* listing = std::get_if<ListingJob>(&*job)) {
+        require(flag == shallowChildrenFlag, "the flag says what is to be listed");
+        require(arguments.size() == 3, "listing takes a folder and a file");
+        require(*listing == ListingJob{arguments[1], arguments[2]}, "the paths are taken as they are");
+    }
+}
+
+constexpr FuzzTarget targets[] = {{"metrics", readMetrics},
+                                  {"children", readChildren},
+                                  {"arguments", readArguments},
+                                  {"property-list", readPropertyList}};
+
+} // namespace
+
+std::span<const FuzzTarget> fuzzTargets() { return targets; }
+
+} // namespace vantry
