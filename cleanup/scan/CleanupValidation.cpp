@@ -12,8 +12,8 @@ namespace vantry::CleanupScanner {
 
 namespace {
 
-// A pin proves that the item is there and that no link leads to it. Without one the path has to be asked: of an item
-// behind a link it is asked first whether there is one, and for want of a descriptor nothing may be known.
+// A pin proves that the item is there and that no link leads to it. Without one the path is asked: behind a link there
+// may be no item, and what could not be held, for want of a descriptor, may well be there.
 Refusal refusalByPath(const std::filesystem::path& item, std::optional<PinFailure> failure) {
     const bool isProven = !failure || failure == PinFailure::special;
     const bool exists = isProven || (failure != PinFailure::missing && readItemFacts(item));
@@ -42,11 +42,15 @@ std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& can
     const std::filesystem::path parent = item.parent_path();
     const auto root = PinnedFolder::open(parent);
     auto file = root ? PinnedFile::open(*root, item.filename().native()) : std::unexpected(root.error());
-    if (const auto refusal = refusalByPath(item, file ? std::nullopt : std::optional(file.error())))
+    const auto failure = file ? std::nullopt : std::optional(file.error());
+    if (const auto refusal = refusalByPath(item, failure))
         return refused(refusal);
     if (const auto refusal = refusalByParent(item, approvedRoots(candidate.category, environment)))
         return refused(refusal);
-    if (const auto refusal = refusalByRootPlace(root ? (*root)->isInPlace() : pathHasNoSymbolicLinkComponents(parent)))
+    // Not to be able to hold a thing is no sign that the folder is not there.
+    const bool isUnknown = failure == PinFailure::unavailable;
+    if (const auto refusal =
+            refusalByRootPlace(isUnknown ? pathHasNoSymbolicLinkComponents(parent) : (*root)->isInPlace()))
         return refused(refusal);
 
     const auto facts = factsOf(file);

@@ -4,6 +4,7 @@
 #include "platform/PropertyList.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

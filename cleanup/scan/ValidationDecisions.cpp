@@ -127,7 +127,8 @@ Refusal refusalByRules(const CleanupCandidate& candidate, const PinnedFileFacts&
         return "it is not owned by the current user";
     if ((facts.totalAllocated ? facts.totalAllocated : facts.allocatedBytes) != candidate.size)
         return "its allocated size changed after the scan";
-    if (std::ranges::count(matchedExtensions(candidate.category), lowercaseExtension(candidate.url)) == 0)
+    if (std::ranges::count(matchedExtensions(candidate.category),
+                           lowercaseExtension(standardizedPath(candidate.url))) == 0)
         return wrongType(candidate.category);
     const auto date = facts.fingerprint.contentModificationDate;
     const auto age = date ? nanosecondsSince(*date, now) : std::nullopt;

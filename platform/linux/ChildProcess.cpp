@@ -134,10 +134,12 @@ Result<ChildProcess> ChildProcess::start(const std::filesystem::path& program,
     exit.reset();
     exit.reset(pidfd_open(pid, 0));
     if (!exit) {
-        // Without a way to see it end, the child is of no use.
-        const auto error = errorFromErrno(errno, "pidfd_open");
-        killAndReap(pid);
-        return std::unexpected(error);
+        // Without a way to see it end, the child is of no use. Where the ends of children are ignored it may be gone
+        // already, and its number another's.
+        const int failure = errno;
+        if (failure != ESRCH)
+            killAndReap(pid);
+        return std::unexpected(errorFromErrno(failure, "pidfd_open"));
     }
     return ChildProcess(pid, std::move(exit), std::move(pipe.readEnd));
 }

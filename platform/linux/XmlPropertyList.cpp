@@ -127,11 +127,14 @@ private:
         return found;
     }
 
+    // What ends the comment or the instruction that begins here, if one does; its begin is read.
+    [[nodiscard]] const char* endOfAside() { return skip("<!--") ? "-->" : skip("<?") ? "?>" : nullptr; }
+
     // Whitespace, comments and instructions. False when one of them has no end.
     [[nodiscard]] bool skipMiscellany() {
         for (;;) {
             skipWhitespace();
-            const char* end = skip("<!--") ? "-->" : skip("<?") ? "?>" : nullptr;
+            const char* end = endOfAside();
             if (!end)
                 return true;
             if (!upTo(end))
@@ -276,8 +279,8 @@ private:
                 if (!piece)
                     return false;
                 take(*piece);
-            } else if (skip("<!--")) {
-                if (!upTo("-->"))
+            } else if (const char* end = endOfAside()) {
+                if (!upTo(end))
                     return false;
             } else {
                 return closes(name);

@@ -14,6 +14,7 @@ const vantry::FuzzTarget* target = nullptr;
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): libFuzzer looks for this name
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments) {
     const std::filesystem::path program = (*arguments)[0];
     for (const auto& each : vantry::fuzzTargets())
@@ -26,6 +27,7 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments) {
     return 0;
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming): and for this
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     target->run({reinterpret_cast<const char*>(bytes), count});
     return 0;

@@ -18,6 +18,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace vantry {
 
@@ -150,6 +151,18 @@ TEST_F(HungMounts, KeepNoOtherQuestionFromBeingAnswered) {
         EXPECT_TRUE(completeAnswer([&] { return host.directoryMetrics(root / "other", farAway()); }).complete);
         EXPECT_TRUE(completeAnswer([&] { return host.shallowChildren(root / "tree", farAway()); }).complete);
         return answer;
+    });
+}
+
+TEST_F(HungMounts, CostAPropertyListNoMoreThanTheBoundAndLeaveTheOthers) {
+    writeFile(root / "list", "<plist><dict><key>Name</key><string>a</string></dict></plist>");
+    expectNothing("getattr", [&] {
+        const std::vector<fs::path> files{root / "list", point / "folder/file", root / "list"};
+        const std::vector<std::string> keys{"Name"};
+        auto answer = host.propertyListTexts(files, keys, farAway());
+        EXPECT_FALSE(answer.complete);
+        EXPECT_TRUE(answer.texts.front() && answer.texts.back());
+        return answer.texts[1];
     });
 }
 

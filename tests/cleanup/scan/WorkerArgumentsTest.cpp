@@ -58,6 +58,22 @@ TEST(WorkerArguments, InTheRightNumberNameAJob) {
               WorkerJob(MeasuringJob{"caf\xe9\n", 1s}));
 }
 
+TEST(WorkerArguments, NameThePropertyListsBehindAsManyKeysAsTheySay) {
+    const auto job = [](Arguments arguments) {
+        arguments.insert(arguments.begin(), "--property-list-worker");
+        return workerJob(arguments);
+    };
+    EXPECT_EQ(job({"1", "key", "/a", "/b"}), WorkerJob(PropertyListJob{{"key"}, {"/a", "/b"}}));
+    EXPECT_EQ(job({"2", "", "--x", ""}), WorkerJob(PropertyListJob{{"", "--x"}, {""}}));
+    EXPECT_EQ(job({"0", "/a"}), WorkerJob(PropertyListJob{{}, {"/a"}}));
+    EXPECT_EQ(job({"2", "a", "b"}), WorkerJob(PropertyListJob{{"a", "b"}, {}}));
+    EXPECT_EQ(job({"1", "key", "caf\xe9\n"}), WorkerJob(PropertyListJob{{"key"}, {"caf\xe9\n"}}));
+    EXPECT_EQ(job({}), nothing);
+    for (const auto& count : {""s, "2"s, "3"s, "-1"s, "+1"s, " 1"s, "1 "s, "1.0"s, "1e0"s, "0x1"s, "a"s, "1\0"s,
+                              "18446744073709551616"s, "18446744073709551615"s})
+        EXPECT_EQ(job({count, "/a"}), nothing) << count;
+}
+
 TEST(WorkerArguments, InAWrongNumberAskAWorkerForNothing) {
     for (const char* flag : {"--directory-metrics-worker", "--shallow-children-worker"})
         for (const auto& arguments : {Arguments{flag}, Arguments{flag, "/folder"}, Arguments{flag, "/folder", "1", "2"},

@@ -12,7 +12,10 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -299,6 +302,29 @@ TEST_F(PinnedFileTest, IsNotTakenForAFileThatReplacedIt) {
         ASSERT_EQ(pinned.place(), PinnedPlace::otherItem);
         fs::remove(file);
     }
+}
+
+// The same file, and yet another place: what is done by name there would be done to what is mounted.
+TEST_F(PinnedFileTest, WhatIsMountedOverItIsAnotherPlace) {
+    const std::string answer = inChildProcess([&]() -> std::string {
+        const auto mountOnItself = [](const fs::path& path) {
+            return mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0;
+        };
+        // Mounted for this process alone, and gone with it.
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            return "not mounted";
+        const PinnedFile pinned = pinnedFile();
+        if (!mountOnItself(file))
+            return "not mounted";
+        if (pinned.place() != PinnedPlace::otherItem)
+            return "wrong about the file";
+        if (umount(file.c_str()) != 0 || !mountOnItself(folder))
+            return "not mounted";
+        return pinned.place() == PinnedPlace::folderMoved ? "right" : "wrong about the folder";
+    });
+    if (answer == "not mounted")
+        GTEST_SKIP() << "may not mount";
+    EXPECT_EQ(answer, "right");
 }
 
 TEST_F(PinnedFileTest, NeedsNoPermissionOnTheItem) {

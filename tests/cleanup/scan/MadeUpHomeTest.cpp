@@ -1,0 +1,236 @@
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/CleanupScanner.h"
+#include "platform/ChildProcess.h"
+#include "tests/cleanup/scan/ScanFixture.h"
+
+#include <atomic>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+
+namespace vantry::CleanupScanner {
+namespace {
+
+using std::chrono::days;
+using testing::IsEmpty;
+
+/// Everything about every item of a folder that a scan must not change: all but the times of access.
+std::map<std::string, std::string> pictureOf(const std::filesystem::path& folder) {
+    std::map<std::string, std::string> picture;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        struct stat said = {};
+        if (lstat(entry.path().c_str(), &said) != 0)
+            throw std::runtime_error("cannot look at " + entry.path().native());
+        std::string text;
+        for (const auto number :
+             {static_cast<long long>(said.st_ino), static_cast<long long>(said.st_mode),
+              static_cast<long long>(said.st_size), static_cast<long long>(said.st_blocks),
+              static_cast<long long>(said.st_uid), static_cast<long long>(said.st_nlink),
+              static_cast<long long>(said.st_mtim.tv_sec), static_cast<long long>(said.st_mtim.tv_nsec),
+              static_cast<long long>(said.st_ctim.tv_sec), static_cast<long long>(said.st_ctim.tv_nsec)})
+            text += std::to_string(number) + " ";
+        picture[entry.path().native()] = text;
+    }
+    return picture;
+}
+
+/// Scans made-up homes with real workers.
+class MadeUpHome : public testing::Test, public ScanFixture {
+protected:
+    MadeUpHome() { environment.workers = {OMBREL_EXECUTABLE, directory(home().parent_path() / "temporary")}; }
+    CleanupScanReport scanned(const std::vector<std::string>& running = {}) { return scan(environment, running); }
+    [[nodiscard]] static std::map<CleanupCategory, std::vector<std::string>>
+    byCategory(const CleanupScanReport& report) {
+        std::map<CleanupCategory, std::vector<std::string>> names;
+        for (const auto& candidate : report.candidates)
+            names[candidate.category].push_back(candidate.url.filename().native());
+        return names;
+    }
+    void list(const std::filesystem::path& path, const std::string& key, const std::string& value) {
+        const auto file = at(path);
+        std::filesystem::create_directories(file.parent_path());
+        writeFile(file, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>" + key +
+                            "</key><string>" + value + "</string></dict></plist>\n");
+    }
+};
+
+TEST_F(MadeUpHome, ThatHoldsEveryCategoryIsReportedWhollyAndNotChanged) {
+    constexpr std::int64_t large = 262'144'000;
+    folderWithFile("Library/Caches/com.example.painter", 26'214'400, days(31));
+    file("Library/Logs/old.log", 524'288, days(31));
+    file("Library/Logs/DiagnosticReports/old.ips", 524'288, days(31));
+    file("Downloads/Painter.dmg", 5'242'880, days(22));
+    file("Downloads/photos.zip", 26'214'400, days(46));
+    file("Downloads/film.part", 5'242'880, days(15));
+    file("Downloads/film.mov", large, days(91));
+    folderWithFile(applications() / "Install macOS Sonoma.app", 8192, days(1));
+    list(applications() / "Painter.app/Contents/Info.plist", "CFBundleIdentifier", "com.example.painter");
+    for (const char* identifier : {"painter", "gone", "runs"})
+        folderWithFile(std::string("Library/Saved Application State/com.example.") + identifier + ".savedState", 4096,
+                       days(1));
+    folderWithFile("Library/Developer/Xcode/DerivedData", 4096, days(1));
+    folderWithFile(".npm/_cacache", 4096, days(1));
+    folderWithFile("Library/Developer/Xcode/Archives/2019-05-01", large, days(181));
+    const std::filesystem::path backups = "Library/Application Support/MobileSync/Backup";
+    for (const char* name : {"first", "second"}) {
+        list(backups / name / "Info.plist", "GUID", "00008030-1");
+        setAge(backups / name, days(name[0] == 'f' ? 100 : 1));
+    }
+    file("Library/iTunes/iPhone Software Updates/old.ipsw", large, days(91));
+
+    const auto before = pictureOf(home());
+    const auto report = scanned({"com.example.runs"});
+    EXPECT_EQ(pictureOf(home()), before);
+    const std::map<CleanupCategory, std::vector<std::string>> expected{
+        {CleanupCategory::cache, {"com.example.painter"}},
+        {CleanupCategory::log, {"old.log"}},
+        {CleanupCategory::crashReport, {"old.ips"}},
+        {CleanupCategory::installer, {"Painter.dmg"}},
+        {CleanupCategory::archive, {"photos.zip"}},
+        {CleanupCategory::interruptedDownload, {"film.part"}},
+        {CleanupCategory::largeDownload, {"film.mov"}},
+        {CleanupCategory::macOSInstaller, {"Install macOS Sonoma.app"}},
+        {CleanupCategory::orphan, {"com.example.gone.savedState"}},
+        {CleanupCategory::developerBuild, {"DerivedData"}},
+        {CleanupCategory::developerCache, {"_cacache"}},
+        {CleanupCategory::developerArchive, {"2019-05-01"}},
+        {CleanupCategory::deviceBackup, {"first"}},
+        {CleanupCategory::deviceSoftware, {"old.ipsw"}},
+    };
+    EXPECT_EQ(byCategory(report), expected);
+    for (const auto& row : allCleanupCategories) {
+        EXPECT_TRUE(report.metrics.at(row.value).occupied.isExact()) << row.rawValue;
+        EXPECT_EQ(report.metrics.at(row.value).reviewableItemCount, 1) << row.rawValue;
+        EXPECT_NE(report.states.at(row.value), CleanupScanState::notPresent) << row.rawValue;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(environment.workers.temporaryFolder));
+}
+
+TEST_F(MadeUpHome, WithLinksAtEveryLevelOffersNothingThatIsReachedThroughOne) {
+    const auto elsewhere = home().parent_path() / "elsewhere";
+    file(elsewhere / "old.log", 524'288, days(90));
+    file(elsewhere / "old.dmg", 26'214'400, days(90));
+    folderWithFile(elsewhere / "app", 26'214'400, days(90));
+    link("Downloads", elsewhere);
+    link("Library/Caches/app", elsewhere / "app");
+    link("Library/Logs/old.log", elsewhere / "old.log");
+    link("Library/Logs/DiagnosticReports", elsewhere);
+    link("Library/Application Support/MobileSync/Backup", elsewhere);
+    link("Library/Developer/Xcode/DerivedData", elsewhere);
+    link(".npm", home());
+    link("Library/Saved Application State", home() / "Library");
+    link("Library/Logs/loop", home() / "Library/Logs/loop");
+    const auto report = scanned();
+    EXPECT_THAT(report.candidates, IsEmpty());
+    EXPECT_EQ(report.states.at(CleanupCategory::installer), CleanupScanState::unavailable);
+    EXPECT_EQ(report.states.at(CleanupCategory::deviceBackup), CleanupScanState::relocated);
+    EXPECT_EQ(report.states.at(CleanupCategory::cache), CleanupScanState::checked);
+    EXPECT_EQ(report.metrics.at(CleanupCategory::cache).occupied, CleanupByteAmount::exact(0));
+    EXPECT_EQ(report.metrics.at(CleanupCategory::deviceBackup).occupied, CleanupByteAmount::unavailable());
+}
+
+TEST_F(MadeUpHome, WithSocketsFifosAndOddNamesIsScannedToItsEnd) {
+    const auto logs = directory("Library/Logs");
+    ASSERT_EQ(mkfifo((logs / "fifo.log").c_str(), 0600), 0);
+    setAge("Library/Logs/fifo.log", days(90));
+    const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    const auto name = (logs / "s.log").native();
+    ASSERT_LT(name.size(), sizeof address.sun_path);
+    name.copy(address.sun_path, name.size());
+    ASSERT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    close(fd);
+    setAge(logs / "s.log", days(90));
+    const std::vector<std::string> names{"line\nbreak.log", "quote\"\\.log", "\xff\xfe.log", " .log",
+                                         std::string(251, 'x') + ".log"};
+    for (const auto& odd : names)
+        file("Library/Logs/" + odd, 524'288, days(90));
+    const auto report = scanned();
+    EXPECT_THAT(namesOf(report.candidates), testing::UnorderedElementsAreArray(names));
+    EXPECT_EQ(report.states.at(CleanupCategory::log), CleanupScanState::checked);
+}
+
+TEST_F(MadeUpHome, IsScannedTheSameWithDatesThatNoClockShows) {
+    struct Case {
+        const char* name;
+        std::int64_t seconds;
+        bool isOld;
+    };
+    const Case cases[] = {{"1901.log", -2'147'483'648, true},
+                          {"1969.log", -1, true},
+                          {"1970.log", 0, true},
+                          {"2106.log", 4'294'967'297, false},
+                          {"2400.log", 13'569'465'600, false}};
+    std::vector<std::string> old;
+    for (const auto& [name, seconds, isOld] : cases) {
+        const auto path = file(std::string("Library/Logs/") + name, 524'288, {});
+        const timespec times[2] = {{seconds, 1}, {seconds, 1}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        if (isOld)
+            old.emplace_back(name);
+    }
+    EXPECT_THAT(namesOf(scanned().candidates), testing::UnorderedElementsAreArray(old));
+    const auto usual = now;
+    now = usual - days(3650);
+    EXPECT_THAT(namesOf(scanned().candidates), testing::UnorderedElementsAreArray(old));
+    now = usual + days(3650);
+    EXPECT_THAT(namesOf(scanned().candidates), testing::UnorderedElementsAreArray(old));
+}
+
+TEST_F(MadeUpHome, WithSparseAndEmptyFilesCountsWhatTheyOccupy) {
+    const auto path = file("Downloads/sparse.dmg", 0, days(90));
+    std::filesystem::resize_file(path, 1'000'000'000);
+    setAge(path, days(90));
+    const auto report = scanned();
+    EXPECT_THAT(report.candidates, IsEmpty());
+    EXPECT_EQ(report.metrics.at(CleanupCategory::installer).occupied, CleanupByteAmount::exact(0));
+}
+
+TEST_F(MadeUpHome, OfAnOrdinaryUserSaysWhatMayNotBeRead) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "has to become another user";
+    file("Downloads/old.dmg", 5'242'880, days(90));
+    file("Library/Logs/old.log", 524'288, days(90));
+    directory("Library/Caches/closed");
+    std::filesystem::permissions(home().parent_path(), std::filesystem::perms::all);
+    std::filesystem::permissions(environment.workers.temporaryFolder, std::filesystem::perms::all);
+    std::filesystem::permissions(at("Downloads"), std::filesystem::perms::none);
+    std::filesystem::permissions(at("Library/Logs/old.log"), std::filesystem::perms::none);
+    std::filesystem::permissions(at("Library/Caches/closed"), std::filesystem::perms::none);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(65534) != 0 || setuid(65534) != 0)
+            _exit(99);
+        const auto report = scanned();
+        _exit(report.states.at(CleanupCategory::installer) != CleanupScanState::permissionNeeded ? 1
+              : namesOf(report.candidates) != std::vector<std::string>{"old.log"}                ? 2
+              : report.states.at(CleanupCategory::cache) != CleanupScanState::checked            ? 3
+                                                                                                 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(MadeUpHome, FilesThatVanishAllTheTimeAreNoTrouble) {
+    std::atomic<bool> done = false;
+    directory("Library/Logs");
+    std::thread vanisher([&] {
+        for (int i = 0; !done; ++i) {
+            const auto path = file("Library/Logs/" + std::to_string(i % 50) + ".log", 524'288, days(90));
+            std::filesystem::remove(path);
+        }
+    });
+    for (int i = 0; i < 5; ++i)
+        for (const auto& candidate : scanned().candidates)
+            EXPECT_EQ(candidate.category, CleanupCategory::log);
+    done = true;
+    vanisher.join();
+}
+
+} // namespace
+} // namespace vantry::CleanupScanner
