@@ -9,6 +9,7 @@
 #include "storage/StorageReader.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -116,6 +117,7 @@ int runUserInterface(std::vector<std::string> arguments) {
 
 int main(int argumentCount, char** argumentValues) {
     using namespace vantry;
+    std::signal(SIGCHLD, SIG_DFL); // whoever started this may ignore it, and then no worker could be waited for
     const std::vector<std::string> arguments(argumentValues + std::min(argumentCount, 1),
                                              argumentValues + argumentCount);
     return runEntry(arguments, {.runFilesystemWorkerIfRequested = CleanupScanner::runFilesystemWorkerIfRequested,

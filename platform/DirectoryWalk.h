@@ -27,8 +27,8 @@ struct TreeTotals {
 /// there included. What cannot be read is passed over; a link, and a folder that cannot be opened, give nothing and are
 /// not complete. Works at any depth and width in bounded memory. Uses up to `threads` threads (at least the calling
 /// one), more than one only once the tree has shown to be large. Blocking until the tree is walked or `deadline` has
-/// passed, and as long as a file system does not answer; any thread. Never fails: what keeps it from seeing everything
-/// makes the answer not complete.
+/// passed, and as long as a file system does not answer; any thread. Never fails: what keeps this process from seeing
+/// everything makes the answer not complete.
 [[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsigned threads);
 
 /// The names directly inside a folder, as bytes, in the order of the file system, hidden ones (a leading dot; on macOS

@@ -16,7 +16,7 @@ struct ItemFacts {
     Kind kind = Kind::other;
     /// Held at the ends of what `SystemTime` can tell.
     std::optional<SystemTime> contentModificationDate;
-    /// With all of its forks where the system tells them. Sparse files count what they occupy.
+    /// Of a regular file, with all of its forks where the system tells them. Sparse files count what they occupy.
     std::optional<std::int64_t> allocatedBytes;
 
     bool operator==(const ItemFacts&) const = default;

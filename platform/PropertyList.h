@@ -38,8 +38,8 @@ inline constexpr std::size_t longestPropertyListText = 64 << 10; ///< bytes in U
 
 /// The texts under `keys` of the outermost dictionary of a list that is XML in UTF-8 or binary. A key has none when
 /// its value, the last one of a key that comes twice, is no text, a longer one, no valid Unicode or holds a zero.
-/// Fails for everything else and beyond the bounds above. What is neither a key nor a text is looked at as far as its
-/// place and length. Any thread; its stack holds the bounds.
+/// Fails for everything else and beyond the bounds above. What a number, a date or data says is not looked at. On macOS
+/// the system reads the list, which takes as much memory as it likes before the bounds are looked at. Any thread.
 [[nodiscard]] Result<std::map<std::string, std::string>> propertyListTexts(std::string_view bytes,
                                                                            std::span<const std::string> keys);
 

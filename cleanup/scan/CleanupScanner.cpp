@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <iterator>
+#include <map>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
@@ -47,6 +49,41 @@ constexpr std::array<OldFilesUse, 5> oldFilesUses{{
     {CleanupCategory::interruptedDownload, "An unfinished download that has not changed for at least 14 days.",
      5'242'880, 20},
 }};
+
+/// Asks for each folder once in a scan: a finder's answer serves the states and the metrics, too. What was not complete
+/// is asked for again, with the time that is left then.
+class RememberingWorkers : public ScanWorkers {
+public:
+    explicit RememberingWorkers(ScanWorkers& workers) : workers_(workers) {}
+
+    [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override {
+        if (const auto known = metrics_.find(folder); known != metrics_.end())
+            return known->second;
+        const auto answer = workers_.directoryMetrics(folder, deadline);
+        if (answer.complete)
+            metrics_.emplace(folder, answer);
+        return answer;
+    }
+    [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
+        if (const auto known = children_.find(folder); known != children_.end())
+            return known->second;
+        auto answer = workers_.shallowChildren(folder, deadline);
+        if (answer.complete && answer.urls.size() <= mostRemembered)
+            children_.emplace(folder, answer);
+        return answer;
+    }
+    [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
+                                                      std::span<const std::string> keys, Deadline deadline) override {
+        return workers_.propertyListTexts(files, keys, deadline);
+    }
+
+private:
+    static constexpr std::size_t mostRemembered = 10'000; // entries of one folder
+
+    ScanWorkers& workers_;
+    std::map<std::filesystem::path, DirectoryMetrics> metrics_;
+    std::map<std::filesystem::path, ShallowChildren> children_;
+};
 
 std::vector<CleanupCandidate> oldCaches(ScanContext& context) {
     const auto category = CleanupCategory::cache;
@@ -119,10 +156,11 @@ void mergeLimitedCategories(const std::set<CleanupCategory>& limited,
             state->second = CleanupScanState::limited;
 }
 
-CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& workers,
+CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& askedWorkers,
                        std::span<const std::string> runningBundleIdentifiers) {
     const auto start = std::chrono::steady_clock::now();
     ScanBudget budget{.deadline = start + findingTime, .limitedCategories = {}};
+    RememberingWorkers workers(askedWorkers);
     ScanContext context(environment, workers, budget);
     auto candidates = withoutDuplicates(findCandidates(context, runningBundleIdentifiers));
     sortForReport(candidates);

@@ -23,7 +23,7 @@ struct ShallowChildren {
 /// The texts found in property lists, one element for each file asked for, absent for one that could not be read.
 struct PropertyListTexts {
     std::vector<std::optional<std::map<std::string, std::string>>> texts;
-    bool complete = false; ///< every file was tried before time was up
+    bool complete = false; ///< there was an answer about every file: a list or that it is none
 
     bool operator==(const PropertyListTexts&) const = default;
 };

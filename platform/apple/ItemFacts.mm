@@ -11,7 +11,18 @@ namespace vantry {
 
 namespace {
 
-constexpr std::int64_t bytesPerBlock = 512; // of st_blocks, whatever the file system's own block
+// The figures of the resource values, since those are what a file's size is compared with before it is moved.
+std::optional<std::int64_t> allocatedBytes(const std::filesystem::path& path) {
+    @autoreleasepool {
+        NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
+        NSDictionary<NSURLResourceKey, id>* values =
+            [url resourceValuesForKeys:@[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ] error:nil];
+        for (NSURLResourceKey key in @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ])
+            if (id value = values[key]; [value isKindOfClass:[NSNumber class]])
+                return [value longLongValue];
+        return std::nullopt;
+    }
+}
 
 } // namespace
 
@@ -25,9 +36,8 @@ std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path) {
                  : S_ISLNK(said.st_mode) ? ItemFacts::Kind::symbolicLink
                                          : ItemFacts::Kind::other;
     facts.contentModificationDate = systemTimeFromUnix(said.st_mtimespec.tv_sec, said.st_mtimespec.tv_nsec);
-    std::int64_t bytes = 0;
-    if (!__builtin_mul_overflow(said.st_blocks, bytesPerBlock, &bytes))
-        facts.allocatedBytes = bytes;
+    if (facts.kind == ItemFacts::Kind::regularFile)
+        facts.allocatedBytes = allocatedBytes(path);
     return facts;
 }
 

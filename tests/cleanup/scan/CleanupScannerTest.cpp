@@ -157,5 +157,21 @@ TEST_F(ScanReport, AHomeWhosePlacesAllHangSaysSoEverywhere) {
         EXPECT_EQ(metric.occupied.isExact(), category == CleanupCategory::crashReport) << rawValue(category);
 }
 
+TEST_F(ScanReport, EachFolderIsListedAndMeasuredOnceUnlessThatWasNotComplete) {
+    folderWithFile(".npm/_cacache", 4096, days(1));
+    const auto incomplete = folderWithFile(".gradle/caches", 4096, days(1));
+    workers.metrics[incomplete] = {4096, now, false};
+    directory("Downloads");
+    const auto hung = directory("Library/Logs");
+    workers.hung.insert(hung);
+    const auto report = scan(environment, workers, {});
+    const auto times = [&](const std::string& question) { return std::ranges::count(workers.asked, question); };
+    EXPECT_EQ(times("measure " + at(".npm/_cacache").native()), 1);
+    EXPECT_EQ(times("list " + at("Downloads").native()), 1);
+    EXPECT_EQ(times("measure " + incomplete.native()), 2);
+    EXPECT_EQ(times("list " + hung.native()), 2);
+    EXPECT_EQ(report.metrics.at(CleanupCategory::developerCache).occupied, CleanupByteAmount::atLeast(8192));
+}
+
 } // namespace
 } // namespace vantry::CleanupScanner
