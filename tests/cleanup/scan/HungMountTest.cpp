@@ -1,5 +1,6 @@
 // Workers in a file system that does not answer: they survive even being killed.
 
+#include "cleanup/scan/CleanupScanner.h"
 #include "cleanup/scan/WorkerHost.h"
 #include "tests/cleanup/scan/WorkerHostFixture.h"
 
@@ -164,6 +165,40 @@ TEST_F(HungMounts, CostAPropertyListNoMoreThanTheBoundAndLeaveTheOthers) {
         EXPECT_TRUE(answer.texts.front() && answer.texts.back());
         return answer.texts[1];
     });
+}
+
+TEST_F(HungMounts, LeaveAScanTruthfulAndBounded) {
+    const fs::path home = root / "tree/home";
+    const fs::path cache = home / "Library/Caches/app";
+    const fs::path downloads = home / "Downloads";
+    fs::create_directories(cache);
+    fs::create_directories(downloads);
+    fs::create_directories(root / "other control");
+    writeFile(home / "Library/Caches/file", "1");
+    HungMount inAPlace(cache, "readdir", root / "control");
+    HungMount atAPlace(downloads, "readdir", root / "other control");
+    if (!inAPlace.isMounted() || !atAPlace.isMounted())
+        GTEST_SKIP() << "no right, or no way, to mount a file system of one's own";
+    const ScanEnvironment environment{.home = home,
+                                      .applications = root / "none",
+                                      .systemApplications = root / "none",
+                                      .workers = {OMBREL_EXECUTABLE, temporary},
+                                      .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
+    const auto begin = std::chrono::steady_clock::now();
+    const auto report = CleanupScanner::scan(environment, host, {});
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s); // some 8 s where nothing else runs
+    EXPECT_TRUE(report.candidates.empty());
+    EXPECT_EQ(report.states.at(CleanupCategory::cache), CleanupScanState::limited);
+    EXPECT_FALSE(report.metrics.at(CleanupCategory::cache).occupied.isExact());
+    EXPECT_EQ(report.states.at(CleanupCategory::installer), CleanupScanState::unavailable);
+    EXPECT_EQ(report.metrics.at(CleanupCategory::installer).occupied, CleanupByteAmount::atLeast(0));
+    EXPECT_EQ(report.states.at(CleanupCategory::log), CleanupScanState::notPresent);
+    EXPECT_GT(host.abandonedCount(), 0U);
+    inAPlace.letGo();
+    atAPlace.letGo();
+    const auto patience = deadlineIn(30s);
+    while (host.abandonedCount() != 0 && !hasPassed(patience))
+        std::this_thread::sleep_for(1ms);
 }
 
 TEST_F(HungMounts, AreLeftBehindWithTheirWorkersByAHostThatGoes) {
