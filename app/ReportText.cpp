@@ -50,15 +50,36 @@ private:
     bool colored_;
 };
 
-// A name may hold line breaks and whatever else would move a terminal's cursor.
+// Whether the UTF-8 at the begin of `text` is a character that would move a terminal's cursor, change its state, or let
+// a name look like another: the controls, and what sets the direction of writing.
+bool isControl(std::string_view text, std::size_t& length) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+    length = 1;
+    if (byte(0) < 0x20 || byte(0) == 0x7f)
+        return true;
+    length = 2;
+    if ((byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) <= 0x9f) || (byte(0) == 0xd8 && byte(1) == 0x9c))
+        return true;
+    length = 3;
+    if (byte(0) != 0xe2)
+        return false;
+    return (byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f || (byte(2) >= 0xa8 && byte(2) <= 0xae))) ||
+           (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9);
+}
+
 std::string printable(std::string_view text) {
     std::string result;
-    for (const char character : withReplacementCharacters(text)) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7f)
-            result += fmt::format("\\x{:02x}", byte);
-        else
-            result += character;
+    const std::string valid = withReplacementCharacters(text);
+    for (std::string_view rest = valid; !rest.empty();) {
+        std::size_t length = 0;
+        if (isControl(rest, length)) {
+            for (const char character : rest.substr(0, length))
+                result += fmt::format("\\x{:02x}", static_cast<unsigned char>(character));
+            rest.remove_prefix(length);
+            continue;
+        }
+        result += rest.front() == '\\' ? "\\\\" : std::string(1, rest.front());
+        rest.remove_prefix(1);
     }
     return result;
 }
@@ -141,10 +162,10 @@ std::string_view explanation(CleanupScanState state) {
     switch (state) {
     case CleanupScanState::checked:
     case CleanupScanState::notPresent: return "";
-    case CleanupScanState::limited: return "time ran out, or there is more than is listed here";
+    case CleanupScanState::limited: return "not all of it could be looked at, or there is more than is listed here";
     case CleanupScanState::relocated: return "the folder is a link to another place, which is not followed";
     case CleanupScanState::permissionNeeded: return "the folder may not be read";
-    case CleanupScanState::unavailable: return "the folder could not be listed in time";
+    case CleanupScanState::unavailable: return "the folder is a link, or could not be listed";
     }
     return "";
 }

@@ -36,6 +36,11 @@ int printStatus(bool json) {
     return printOut(json ? statusJson(*result) : statusText(*result));
 }
 
+bool understandsEscapes(int fd) {
+    const char* terminal = std::getenv("TERM");
+    return isatty(fd) == 1 && terminal && std::string_view(terminal) != "dumb";
+}
+
 // On a terminal, while there is nothing to see yet.
 class ProgressLine {
 public:
@@ -51,14 +56,12 @@ public:
     }
 
 private:
-    bool shown_ = isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+    bool shown_ = understandsEscapes(STDERR_FILENO) && isatty(STDOUT_FILENO) == 1;
 };
 
 bool wantsColors() {
     const char* noColor = std::getenv("NO_COLOR");
-    const char* terminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && (!noColor || *noColor == '\0') &&
-           (!terminal || std::string_view(terminal) != "dumb");
+    return understandsEscapes(STDOUT_FILENO) && (!noColor || *noColor == '\0');
 }
 
 CleanupScanReport scanWithProgress(const ScanEnvironment& environment, std::span<const std::string> arguments) {
@@ -67,6 +70,8 @@ CleanupScanReport scanWithProgress(const ScanEnvironment& environment, std::span
 }
 
 int printReport(bool json, std::span<const std::string> arguments) {
+    if (arguments.back() == "--running")
+        return fail("--running needs the bundle identifier of an application.");
     const auto environment = ScanEnvironment::current();
     if (!environment)
         return fail(environment.error().message);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Result.h"
 #include "base/Time.h"
 
 #include <cstdint>
@@ -22,18 +23,24 @@ struct ItemFacts {
     bool operator==(const ItemFacts&) const = default;
 };
 
-// On Linux these answer from cached attributes where a server would have to be asked, and start no automounter.
-// Blocking; any thread.
+/// What can be done with a folder; `none` where no folder stands, `unknown` where that cannot be found out.
+enum class FolderAccess { none, readable, unreadable, unknown };
 
-/// The item at `path` itself, a link not followed. Absent when there is none or it cannot be looked at.
-[[nodiscard]] std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path);
+// On Linux none of these waits for a server or for another process: what the kernel does not know of a file system that
+// does not answer by itself is an error of kind `timedOut`, or unknown. On macOS the file system is asked. Any thread.
 
-/// Whether `path` leads to a folder, links followed.
-[[nodiscard]] bool isFolder(const std::filesystem::path& path);
+/// The item at `path` itself, a link not followed. An error of kind `notFound` where there is none.
+[[nodiscard]] Result<ItemFacts> readItemFacts(const std::filesystem::path& path);
 
-/// Whether this process may read the folder that `path` leads to. On file systems without a disk of their own, which
-/// might not answer, Linux decides by owner, group and permission bits alone.
-[[nodiscard]] bool isReadableFolder(const std::filesystem::path& path);
+/// The folder that `path` leads to, links followed. On Linux file systems that are asked through others are judged by
+/// owner, group and permission bits alone.
+[[nodiscard]] FolderAccess folderAccess(const std::filesystem::path& path);
+
+/// Whether this process may read the file that `path` leads to; false also where that cannot be found out.
+[[nodiscard]] bool isReadableFile(const std::filesystem::path& path);
+
+/// Where `path` leads to, without links; an error where it leads nowhere or that cannot be found out.
+[[nodiscard]] Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path);
 
 /// The name of the item that users see, as UTF-8. Linux: the last component, with U+FFFD for bytes that are no UTF-8;
 /// macOS: what the Finder shows.

@@ -57,7 +57,7 @@ void appendWholeFolders(ScanContext& context, CleanupCategory category, const st
                         std::vector<CleanupCandidate>& candidates) {
     const auto roots = approvedRoots(category, context.environment());
     for (std::size_t i = 0; i < roots.size() && !context.isOver(category); ++i) {
-        const auto facts = readItemFacts(roots[i]);
+        const auto facts = context.look(roots[i], category);
         if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(roots[i], context.environment().home))
             continue;
         if (const auto metrics = context.measure(roots[i], category); metrics.size > 0)
@@ -91,7 +91,7 @@ std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
             break;
         if (!isMacOSInstaller(url))
             continue;
-        const auto facts = readItemFacts(url);
+        const auto facts = context.look(url, category);
         if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(url, root))
             continue;
         candidates.push_back(

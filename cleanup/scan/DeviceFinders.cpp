@@ -48,7 +48,7 @@ std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesys
     for (const auto& url : context.list(root, category)) {
         if (context.isOver(category))
             break;
-        const auto facts = readItemFacts(url);
+        const auto facts = context.look(url, category);
         if (facts && facts->kind == ItemFacts::Kind::folder && facts->contentModificationDate &&
             isSafeCandidate(url, root))
             folders.push_back({url, *facts->contentModificationDate});

@@ -87,7 +87,7 @@ std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldIte
             break;
         if (!matchesExtensions(rule, url))
             continue;
-        const auto facts = readItemFacts(url);
+        const auto facts = context.look(url, rule.category);
         if (!facts || !isOldRegularFile(rule, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
             continue;
         candidates.push_back(context.candidate(url, withReplacementCharacters(url.filename().native()), rule.category,
@@ -102,7 +102,7 @@ std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const O
     for (const auto& url : entries(context, rule)) {
         if (context.isOver(rule.category))
             break;
-        const auto facts = readItemFacts(url);
+        const auto facts = context.look(url, rule.category);
         if (!facts || !isOldFolder(rule, url, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
             continue;
         const auto metrics = context.measure(url, rule.category);

@@ -40,8 +40,8 @@ struct OldItemsRule {
 /// Whether what was measured in an old folder lets it be offered.
 [[nodiscard]] bool isOldInside(const OldItemsRule& rule, const DirectoryMetrics& metrics, SystemTime cutoff);
 
-// Both finders list the folder once, offer the largest first and cut at the rule's count. Whatever they could not look
-// at means fewer candidates, and limits the category where it was time that did not suffice or the count that was cut.
+// Both finders list the folder once, offer the largest first and cut at the rule's count. What they could not look at,
+// a folder that is missing among it, means fewer candidates and limits the category, and so does a cut.
 
 [[nodiscard]] std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldItemsRule& rule);
 [[nodiscard]] std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const OldItemsRule& rule);

@@ -42,7 +42,7 @@ public:
                 addInformation(url);
                 for (const auto inside : foldersOfBundles)
                     searchBundles(url / inside);
-            } else if (depth < deepestFolderOfApplications && isPlainFolder(url)) {
+            } else if (depth < deepestFolderOfApplications) {
                 searchApplications(url, depth + 1);
             }
     }
@@ -54,33 +54,51 @@ private:
     void searchBundles(const std::filesystem::path& folder, int depth = 0) {
         for (const auto& url : list(folder)) {
             addInformation(url);
-            if (depth < deepestFolderOfBundles && !url.has_extension() && isPlainFolder(url))
+            if (depth < deepestFolderOfBundles && !url.has_extension())
                 searchBundles(url, depth + 1);
         }
     }
 
+    // The first that is there. One that may not be read leaves its bundle unknown.
     void addInformation(const std::filesystem::path& bundle) {
-        for (const auto place : placesOfInformation)
-            if (const auto facts = readItemFacts(bundle / place); facts) {
-                files_.push_back(bundle / place);
-                return;
-            }
+        if (leadsNowhere(bundle))
+            complete_ = false; // to a disk that is not there now, for instance
+        for (const auto place : placesOfInformation) {
+            const auto file = bundle / place;
+            const auto facts = readItemFacts(file);
+            if (!facts && facts.error().kind == ErrorKind::notFound)
+                continue;
+            const auto real =
+                facts ? resolvedPath(file) : Result<std::filesystem::path>(std::unexpected(facts.error()));
+            if (real && isReadableFile(*real))
+                files_.push_back(*real); // no link, which would not be read
+            else
+                complete_ = false;
+            return;
+        }
     }
 
+    // What stands in `folder`, which may be missing, a file, or a link.
     std::vector<std::filesystem::path> list(const std::filesystem::path& folder) {
-        if (!complete_ || !isFolder(folder))
+        if (!complete_)
             return {};
+        const auto access = folderAccess(folder);
+        if (access == FolderAccess::none) {
+            complete_ = !leadsNowhere(folder);
+            return {};
+        }
         // A link is refused as a folder to list; what it leads to is listed.
-        std::error_code error;
-        const auto real = isSymbolicLink(folder) ? std::filesystem::canonical(folder, error) : folder;
-        auto children = context_.isOver(category) || error ? std::nullopt : context_.listed(real, category);
+        const auto real = isSymbolicLink(folder) ? resolvedPath(folder) : folder;
+        auto children = access == FolderAccess::unreadable || !real || context_.isOver(category)
+                            ? std::nullopt
+                            : context_.listed(*real, category);
         complete_ = children.has_value();
         return children ? std::move(*children) : std::vector<std::filesystem::path>();
     }
 
-    static bool isPlainFolder(const std::filesystem::path& url) {
-        const auto facts = readItemFacts(url);
-        return facts && facts->kind == ItemFacts::Kind::folder;
+    static bool leadsNowhere(const std::filesystem::path& path) {
+        const auto target = resolvedPath(path);
+        return isSymbolicLink(path) && !target;
     }
 
     ScanContext& context_;
@@ -96,8 +114,10 @@ std::optional<BundleIdentifiers> installedAndEmbeddedBundleIdentifiers(ScanConte
     for (const auto& folder :
          {environment.applications, environment.home / "Applications", environment.systemApplications})
         search.searchApplications(folder);
-    if (!search.complete())
+    if (!search.complete()) {
+        context.limit(category);
         return std::nullopt;
+    }
     const auto lists = context.read(search.files(), identifierKeys, category);
     if (!lists.complete)
         return std::nullopt;
@@ -129,7 +149,7 @@ std::vector<CleanupCandidate> orphanedAppData(ScanContext& context,
     for (const auto& url : states) {
         if (context.isOver(category))
             break;
-        const auto facts = readItemFacts(url);
+        const auto facts = context.look(url, category);
         if (!facts || facts->kind != ItemFacts::Kind::folder || claimed->contains(lowercase(url.stem().native())) ||
             !isSafeCandidate(url, root))
             continue;

@@ -14,9 +14,9 @@ namespace vantry::CleanupScanner {
 using BundleIdentifiers = std::set<std::string>;
 
 /// What installed applications and the bundles inside them call themselves. Applications are looked for in both
-/// applications folders of the environment and in the one of the home folder, also up to two plain folders deep; an
-/// application that is a link counts. Absent, with the category limited, when not all of them could be looked at: a
-/// bundle that was missed would make its data an orphan.
+/// applications folders of the environment and in the one of the home folder, also up to two plain folders deep; links
+/// are followed. Absent, with the category limited, when not all of them could be looked at: a bundle that was missed
+/// would make its data an orphan. An application with a list that is malformed claims nothing.
 [[nodiscard]] std::optional<BundleIdentifiers> installedAndEmbeddedBundleIdentifiers(ScanContext& context);
 
 /// Saved window state whose bundle is neither installed nor embedded nor running, whatever its age and size.

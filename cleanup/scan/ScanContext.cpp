@@ -24,6 +24,15 @@ std::vector<std::filesystem::path> ScanContext::list(const std::filesystem::path
     return listed(folder, category).value_or(std::vector<std::filesystem::path>());
 }
 
+std::optional<ItemFacts> ScanContext::look(const std::filesystem::path& url, CleanupCategory category) {
+    const auto facts = readItemFacts(url);
+    if (facts)
+        return *facts;
+    if (facts.error().kind != ErrorKind::notFound)
+        limit(category);
+    return std::nullopt;
+}
+
 DirectoryMetrics ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
     const auto metrics = workers_.directoryMetrics(folder, budget_.deadline);
     if (!metrics.complete)

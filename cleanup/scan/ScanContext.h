@@ -4,6 +4,7 @@
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/scan/ScanEnvironment.h"
 #include "cleanup/scan/ScanWorkers.h"
+#include "platform/ItemFacts.h"
 
 #include <filesystem>
 #include <optional>
@@ -40,6 +41,9 @@ public:
     /// The same with no entries instead.
     [[nodiscard]] std::vector<std::filesystem::path> list(const std::filesystem::path& folder,
                                                           CleanupCategory category);
+    /// What stands at `url`; absent when there is nothing, or, with the category limited, when that cannot be found
+    /// out.
+    [[nodiscard]] std::optional<ItemFacts> look(const std::filesystem::path& url, CleanupCategory category);
     /// Measures `folder`. A measurement that is not complete limits the category.
     [[nodiscard]] DirectoryMetrics measure(const std::filesystem::path& folder, CleanupCategory category);
     /// The texts under `keys` in each file. Limits the category when time did not suffice for all of them.

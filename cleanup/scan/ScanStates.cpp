@@ -12,14 +12,15 @@ CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesyst
     for (const auto& place : places) {
         if (hasPassed(deadline))
             return sawUnreadable ? CleanupScanState::permissionNeeded : CleanupScanState::unavailable;
-        if (!isFolder(place))
-            continue;
-        if (!isReadableFolder(place))
-            sawUnreadable = true;
-        else if (workers.shallowChildren(place, deadline).complete)
-            return CleanupScanState::checked;
-        else
+        switch (folderAccess(place)) {
+        case FolderAccess::none: break;
+        case FolderAccess::unreadable: sawUnreadable = true; break;
+        case FolderAccess::readable:
+        case FolderAccess::unknown: // a worker may wait for an answer
+            if (workers.shallowChildren(place, deadline).complete)
+                return CleanupScanState::checked;
             sawIncomplete = true;
+        }
     }
     return sawUnreadable   ? CleanupScanState::permissionNeeded
            : sawIncomplete ? CleanupScanState::unavailable

@@ -44,17 +44,22 @@ CleanupByteAmount amountOf(const DirectoryMetrics& metrics) {
     return metrics.size > 0 ? CleanupByteAmount::atLeast(metrics.size) : CleanupByteAmount::unavailable();
 }
 
+bool isMissing(const Result<ItemFacts>& facts) { return !facts && facts.error().kind == ErrorKind::notFound; }
+
 // The regular files directly in `folder`, until the deadline. False when that were not all.
 template <class Visit>
 bool visitRegularFiles(ScanWorkers& workers, const std::filesystem::path& folder, Deadline deadline, Visit visit) {
     const auto children = workers.shallowChildren(folder, deadline);
+    bool all = children.complete;
     for (const auto& url : children.urls) {
         if (hasPassed(deadline))
             return false;
-        if (const auto facts = readItemFacts(url); facts && facts->kind == ItemFacts::Kind::regularFile)
+        const auto facts = readItemFacts(url);
+        if (facts && facts->kind == ItemFacts::Kind::regularFile)
             visit(url, *facts);
+        all = all && (facts || isMissing(facts));
     }
-    return children.complete;
+    return all;
 }
 
 CleanupByteAmount measureRoots(ScanWorkers& workers, std::span<const std::filesystem::path> places, Deadline deadline) {
@@ -64,13 +69,23 @@ CleanupByteAmount measureRoots(ScanWorkers& workers, std::span<const std::filesy
     return combineAmounts(amounts);
 }
 
+// Also what is no folder.
+CleanupByteAmount measureWhatIsThere(ScanWorkers& workers, std::span<const std::filesystem::path> places,
+                                     Deadline deadline) {
+    std::vector<CleanupByteAmount> amounts;
+    for (const auto& place : places)
+        amounts.push_back(isMissing(readItemFacts(place)) ? CleanupByteAmount::exact(0)
+                                                          : amountOf(workers.directoryMetrics(place, deadline)));
+    return combineAmounts(amounts);
+}
+
 } // namespace
 
 CleanupByteAmount measureRoot(ScanWorkers& workers, const std::filesystem::path& place, Deadline deadline) {
     const auto facts = readItemFacts(place);
-    if (!facts)
+    if (isMissing(facts))
         return CleanupByteAmount::exact(0);
-    if (facts->kind != ItemFacts::Kind::folder)
+    if (facts && facts->kind != ItemFacts::Kind::folder)
         return CleanupByteAmount::unavailable();
     return amountOf(workers.directoryMetrics(place, deadline));
 }
@@ -122,7 +137,7 @@ CleanupByteAmount measureMatchingFileUsage(ScanWorkers& workers, std::span<const
                                            std::span<const std::string_view> extensions, Deadline deadline) {
     std::vector<CleanupByteAmount> amounts;
     for (const auto& root : roots) {
-        if (!readItemFacts(root))
+        if (isMissing(readItemFacts(root)))
             continue;
         ByteSum sum;
         if (!visitRegularFiles(workers, root, deadline, [&](const auto& url, const ItemFacts& facts) {
@@ -159,10 +174,11 @@ std::map<CleanupCategory, CleanupCategoryMetric> measureCategoryUsage(ScanWorker
     for (const auto& [category, amount] : measureDownloadUsage(workers, environment, deadline))
         metrics[category].occupied = amount;
     metrics[CleanupCategory::macOSInstaller].occupied = measureMacOSInstallerUsage(workers, environment, deadline);
-    for (const auto category :
-         {CleanupCategory::orphan, CleanupCategory::developerBuild, CleanupCategory::developerCache,
-          CleanupCategory::developerArchive, CleanupCategory::deviceBackup})
+    for (const auto category : {CleanupCategory::orphan, CleanupCategory::developerBuild,
+                                CleanupCategory::developerArchive, CleanupCategory::deviceBackup})
         metrics[category].occupied = measureRoots(workers, roots(category), deadline);
+    metrics[CleanupCategory::developerCache].occupied =
+        measureWhatIsThere(workers, roots(CleanupCategory::developerCache), deadline);
     metrics[CleanupCategory::deviceSoftware].occupied = measureMatchingFileUsage(
         workers, roots(CleanupCategory::deviceSoftware), matchedExtensions(CleanupCategory::deviceSoftware), deadline);
 

@@ -4,7 +4,9 @@
 #include "platform/apple/FoundationValues.h"
 
 #include <Foundation/Foundation.h>
+#include <cerrno>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace vantry {
@@ -26,10 +28,10 @@ std::optional<std::int64_t> allocatedBytes(const std::filesystem::path& path) {
 
 } // namespace
 
-std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path) {
+Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     struct stat said = {};
     if (lstat(path.c_str(), &said) != 0)
-        return std::nullopt;
+        return std::unexpected(errorFromErrno(errno));
     ItemFacts facts;
     facts.kind = S_ISREG(said.st_mode)   ? ItemFacts::Kind::regularFile
                  : S_ISDIR(said.st_mode) ? ItemFacts::Kind::folder
@@ -41,12 +43,35 @@ std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     return facts;
 }
 
-bool isFolder(const std::filesystem::path& path) {
+FolderAccess folderAccess(const std::filesystem::path& path) {
     struct stat facts = {};
-    return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    if (stat(path.c_str(), &facts) != 0)
+        switch (errno) {
+        case ENOENT:
+        case ENOTDIR:
+        case ELOOP:
+        case ENAMETOOLONG: return FolderAccess::none;
+        case EACCES:
+        case EPERM: return FolderAccess::unreadable;
+        default: return FolderAccess::unknown;
+        }
+    if (!S_ISDIR(facts.st_mode))
+        return FolderAccess::none;
+    return access(path.c_str(), R_OK) == 0 ? FolderAccess::readable : FolderAccess::unreadable;
 }
 
-bool isReadableFolder(const std::filesystem::path& path) { return isFolder(path) && access(path.c_str(), R_OK) == 0; }
+bool isReadableFile(const std::filesystem::path& path) {
+    struct stat facts = {};
+    return stat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) && access(path.c_str(), R_OK) == 0;
+}
+
+Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
+    std::error_code error;
+    auto resolved = std::filesystem::canonical(path, error);
+    if (error)
+        return std::unexpected(errorFromErrno(error.value()));
+    return resolved;
+}
 
 std::string displayName(const std::filesystem::path& path) {
     @autoreleasepool {

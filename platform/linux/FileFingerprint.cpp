@@ -1,6 +1,6 @@
 #include "platform/FileFingerprint.h"
 
-#include "base/UniqueFd.h"
+#include "platform/linux/PromptLookup.h"
 
 #include <array>
 #include <cstddef>
@@ -75,8 +75,8 @@ FileFingerprint readFileFingerprint(int fd) {
 FileFingerprint readFileFingerprint(const std::filesystem::path& path) {
     // One descriptor, so that all the answers are about one file.
     const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    const UniqueFd fd(open(item.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    return fd ? readFileFingerprint(fd.get()) : FileFingerprint();
+    const auto fd = openPromptly(item, FinalLink::isOpened);
+    return fd ? readFileFingerprint(fd->get()) : FileFingerprint();
 }
 
 } // namespace vantry

@@ -1,10 +1,13 @@
 #include "platform/ItemFacts.h"
 
 #include "base/Utf8.h"
+#include "platform/linux/PromptLookup.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -12,7 +15,7 @@ namespace vantry {
 
 namespace {
 
-constexpr int cachedFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
+constexpr int ofItem = AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
 constexpr std::int64_t bytesPerBlock = 512; // of stx_blocks, whatever the file system's own block
 
 ItemFacts::Kind kindOf(unsigned mode) {
@@ -32,7 +35,7 @@ bool isInGroup(gid_t group) {
     return std::ranges::count(groups, group) != 0;
 }
 
-bool mayRead(const struct statx& facts) {
+bool bitsLetRead(const struct statx& facts) {
     if (geteuid() == 0)
         return true;
     if (facts.stx_uid == geteuid())
@@ -40,13 +43,24 @@ bool mayRead(const struct statx& facts) {
     return (facts.stx_mode & (isInGroup(facts.stx_gid) ? S_IRGRP : S_IROTH)) != 0;
 }
 
+bool mayRead(int fd, const struct statx& facts) {
+    if (!isOnPromptFileSystem(fd))
+        return bitsLetRead(facts);
+    if (faccessat(fd, "", R_OK, AT_EACCESS | AT_EMPTY_PATH) == 0)
+        return true;
+    return errno != EACCES && bitsLetRead(facts); // an older system without this way of asking
+}
+
+// That somebody would have to be waited for is a kind of its own.
+Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN ? ETIMEDOUT : errorNumber); }
+
 } // namespace
 
-std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path) {
+Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
+    const auto fd = openPromptly(path, FinalLink::isOpened);
     struct statx said = {};
-    if (statx(AT_FDCWD, path.c_str(), cachedFlags | AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_MTIME | STATX_BLOCKS,
-              &said) != 0)
-        return std::nullopt;
+    if (!fd || statx(fd->get(), "", ofItem, STATX_TYPE | STATX_MTIME | STATX_BLOCKS, &said) != 0)
+        return std::unexpected(lookupError(fd ? errno : fd.error()));
     ItemFacts facts;
     if ((said.stx_mask & STATX_TYPE) != 0)
         facts.kind = kindOf(said.stx_mode);
@@ -58,19 +72,38 @@ std::optional<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     return facts;
 }
 
-bool isFolder(const std::filesystem::path& path) {
+FolderAccess folderAccess(const std::filesystem::path& path) {
+    const auto fd = openPromptly(path, FinalLink::isFollowed);
+    if (!fd)
+        switch (lookupError(fd.error()).kind) {
+        case ErrorKind::notFound: return FolderAccess::none;
+        case ErrorKind::permissionDenied: return FolderAccess::unreadable;
+        default: return fd.error() == ELOOP || fd.error() == ENAMETOOLONG ? FolderAccess::none : FolderAccess::unknown;
+        }
     struct statx facts = {};
-    return statx(AT_FDCWD, path.c_str(), cachedFlags, STATX_TYPE, &facts) == 0 && S_ISDIR(facts.stx_mode);
+    if (statx(fd->get(), "", ofItem, STATX_TYPE | STATX_MODE | STATX_UID | STATX_GID, &facts) != 0)
+        return FolderAccess::unknown;
+    if (!S_ISDIR(facts.stx_mode))
+        return FolderAccess::none;
+    return mayRead(fd->get(), facts) ? FolderAccess::readable : FolderAccess::unreadable;
 }
 
-bool isReadableFolder(const std::filesystem::path& path) {
+bool isReadableFile(const std::filesystem::path& path) {
+    const auto fd = openPromptly(path, FinalLink::isFollowed);
     struct statx facts = {};
-    if (statx(AT_FDCWD, path.c_str(), cachedFlags, STATX_TYPE | STATX_MODE | STATX_UID | STATX_GID, &facts) != 0)
-        return false;
-    if (!S_ISDIR(facts.stx_mode))
-        return false;
-    const bool isOnDisk = facts.stx_dev_major != 0;
-    return isOnDisk ? faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0 : mayRead(facts);
+    return fd && statx(fd->get(), "", ofItem, STATX_TYPE | STATX_MODE | STATX_UID | STATX_GID, &facts) == 0 &&
+           S_ISREG(facts.stx_mode) && mayRead(fd->get(), facts);
+}
+
+Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
+    const auto fd = openPromptly(path, FinalLink::isFollowed);
+    if (!fd)
+        return std::unexpected(lookupError(fd.error()));
+    std::error_code error;
+    auto resolved = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd->get()), error);
+    if (error)
+        return std::unexpected(errorFromErrno(error.value()));
+    return resolved;
 }
 
 std::string displayName(const std::filesystem::path& path) {

@@ -83,6 +83,29 @@ TEST(ReportText, ShowsNoControlCharactersAndNoBrokenText) {
     EXPECT_EQ(text.find('\x1b'), std::string::npos);
 }
 
+TEST(ReportText, ShowsNothingThatHidesWhatANameIs) {
+    const std::pair<const char*, const char*> cases[] = {{"\xc2\x9b"
+                                                          "31m",
+                                                          "\\xc2\\x9b31m"},
+                                                         {"\xe2\x80\xae"
+                                                          "gpj",
+                                                          "\\xe2\\x80\\xaegpj"},
+                                                         {"\xe2\x81\xa6"
+                                                          "a",
+                                                          "\\xe2\\x81\\xa6a"},
+                                                         {"\xe2\x80\xa8"
+                                                          "a",
+                                                          "\\xe2\\x80\\xa8a"},
+                                                         {"\xd8\x9c"
+                                                          "a",
+                                                          "\\xd8\\x9ca"},
+                                                         {"a\\x0a", "a\\\\x0a"},
+                                                         {"“é…”", "“é…”"}};
+    for (const auto& [name, shown] : cases)
+        EXPECT_THAT(textOf(report({candidate(std::filesystem::path("/home/ada") / name, CleanupCategory::log, 1)})),
+                    HasSubstr(std::string(" ~/") + shown + "\n"));
+}
+
 TEST(ReportText, OnlyWhatLiesBelowTheHomeFolderIsShortened) {
     EXPECT_THAT(textOf(report({candidate("/home/adam/x", CleanupCategory::log, 1)})), HasSubstr(" /home/adam/x\n"));
     EXPECT_THAT(reportText(report({candidate("/x", CleanupCategory::log, 1)}), "", false), HasSubstr(" /x\n"));
@@ -94,10 +117,10 @@ TEST(ReportText, TellsStateAndUsageOfEveryCategoryAndWhyOneWasNotCheckedComplete
         const char* why;
     };
     for (const auto& [state, why] :
-         {Case{CleanupScanState::limited, "time ran out, or there is more than is listed here"},
+         {Case{CleanupScanState::limited, "not all of it could be looked at, or there is more than is listed here"},
           Case{CleanupScanState::relocated, "the folder is a link to another place, which is not followed"},
           Case{CleanupScanState::permissionNeeded, "the folder may not be read"},
-          Case{CleanupScanState::unavailable, "the folder could not be listed in time"}}) {
+          Case{CleanupScanState::unavailable, "the folder is a link, or could not be listed"}}) {
         auto scanned = report();
         scanned.states[CleanupCategory::cache] = state;
         scanned.metrics[CleanupCategory::cache] = {CleanupByteAmount::atLeast(5'000'000), 3'000'000, 2};

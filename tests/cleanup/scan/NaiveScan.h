@@ -214,6 +214,15 @@ private:
 
     void addOrphans() {
         const auto root = home("Library/Saved Application State");
+        bool anyState = false;
+        for (const auto& path : list(root))
+            anyState = anyState || extension(path) == "savedstate";
+        struct stat target = {};
+        for (const auto& path : list(made_.applications().native()))
+            if (anyState && isLink(path) && stat(path.c_str(), &target) != 0) { // who knows what it is
+                limited_.insert(CleanupCategory::orphan);
+                return;
+            }
         Names claimed;
         for (const auto& [file, texts] : made_.workers.lists)
             if (texts.contains("CFBundleIdentifier") && look(file.native()))
@@ -357,6 +366,12 @@ private:
                 parts.push_back(whole(place));
             result.amounts[row.value] = text(together(parts));
         }
+        std::vector<Amount> caches;
+        for (const auto& place : places(CleanupCategory::developerCache))
+            caches.push_back(look(place) && S_ISREG(look(place)->st_mode)
+                                 ? Amount{look(place)->st_blocks * 512, true, true}
+                                 : whole(place));
+        result.amounts[CleanupCategory::developerCache] = text(together(caches));
         result.amounts[CleanupCategory::crashReport] = "=0";
         const auto downloads = home("Downloads");
         result.amounts[CleanupCategory::installer] = text(matching(downloads, installers));

@@ -5,6 +5,8 @@
 #include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace vantry::CleanupScanner {
 namespace {
@@ -76,7 +78,7 @@ TEST_F(OrphanedData, AnApplicationThatIsALinkClaimsItsData) {
     state("com.example.linked.savedState");
     const auto plist = file("elsewhere/Linked.app/Contents/Info.plist", 4096, days(1));
     link(applications() / "Linked.app", home() / "elsewhere/Linked.app");
-    workers.lists[applications() / "Linked.app/Contents/Info.plist"] = {{"CFBundleIdentifier", "com.example.linked"}};
+    workers.lists[plist] = {{"CFBundleIdentifier", "com.example.linked"}};
     EXPECT_THAT(orphans(), IsEmpty());
 }
 
@@ -92,6 +94,60 @@ TEST_F(OrphanedData, AnApplicationWithoutAReadableListClaimsNothing) {
     file(applications() / "Broken.app/Contents/Info.plist", 4096, days(1));
     directory(applications() / "Empty.app");
     EXPECT_THAT(orphans(), ElementsAre("com.example.gone.savedState"));
+}
+
+TEST_F(OrphanedData, ApplicationsBehindLinksClaimTheirData) {
+    state("com.example.more.savedState");
+    state("com.example.list.savedState");
+    bundle(home() / "elsewhere/More.app", "com.example.more");
+    directory(applications());
+    link(applications() / "More", home() / "elsewhere");
+    const auto list = file("lists/Info.plist", 4096, days(1));
+    workers.lists[list] = {{"CFBundleIdentifier", "com.example.list"}};
+    link(applications() / "List.app/Contents/Info.plist", list);
+    EXPECT_THAT(orphans(), IsEmpty());
+    EXPECT_FALSE(isLimited());
+}
+
+TEST_F(OrphanedData, NothingIsOfferedWhileAnApplicationIsOnADiskThatIsAway) {
+    state("com.example.gone.savedState");
+    link(applications() / "Away.app", home() / "away/Away.app");
+    EXPECT_THAT(orphans(), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    std::filesystem::remove(applications() / "Away.app");
+    link(home() / "Applications", home() / "away");
+    EXPECT_THAT(orphans(), IsEmpty());
+    EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OrphanedData, NothingIsOfferedWhileAnApplicationMayNotBeRead) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "has to become another user";
+    state("com.example.gone.savedState");
+    bundle(applications() / "Here.app", "com.example.here");
+    bundle(applications() / "Here.app/Contents/Library/LoginItems/Helper.app", "com.example.helper");
+    std::filesystem::permissions(home().parent_path(), std::filesystem::perms::all);
+    const auto offersToNobody = [&] {
+        const pid_t child = fork();
+        if (child == 0) {
+            if (setgid(65534) != 0 || setuid(65534) != 0)
+                _exit(99);
+            const bool offers = !orphans().empty();
+            _exit(offers ? 1 : isLimited() ? 0 : 2);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        return WEXITSTATUS(status);
+    };
+    ASSERT_EQ(offersToNobody(), 1);
+    for (const char* closed : {"Here.app", "Here.app/Contents/Info.plist", "Here.app/Contents/Library/LoginItems",
+                               "Here.app/Contents/Library/LoginItems/Helper.app"}) {
+        const auto path = applications() / closed;
+        const auto before = std::filesystem::status(path).permissions();
+        std::filesystem::permissions(path, std::filesystem::perms::none);
+        EXPECT_EQ(offersToNobody(), 0) << closed;
+        std::filesystem::permissions(path, before);
+    }
 }
 
 TEST_F(OrphanedData, LinksAndFilesAreNoSavedState) {

@@ -18,6 +18,8 @@ protected:
     ~EnvironmentOfAScan() override {
         if (before_)
             setenv("HOME", before_->c_str(), 1);
+        else
+            unsetenv("HOME");
     }
     TemporaryFolder folder;
 

@@ -127,6 +127,19 @@ TEST_F(Usage, OfDownloadsIsALowerBoundWhenNotAllOfThemWereSeen) {
         EXPECT_EQ(amount, Amount::atLeast(0)) << rawValue(category);
 }
 
+TEST_F(Usage, OfACodingToolsCacheIsThatOfWhateverStandsThere) {
+    file(".npm/_cacache", 4096, {});
+    workers.metrics[home() / ".npm/_cacache"] = {4096, now, true};
+    const auto amount = [&] {
+        return measureCategoryUsage(workers, environment, {}, budget.deadline)
+            .at(CleanupCategory::developerCache)
+            .occupied;
+    };
+    EXPECT_EQ(amount(), Amount::exact(4096));
+    link(".gradle/caches", home());
+    EXPECT_EQ(amount(), Amount::atLeast(4096));
+}
+
 TEST_F(Usage, OfMatchingFilesCountsThoseOfTheExtensionsInTheRootsThatExist) {
     using namespace std::string_view_literals;
     const std::vector extensions{"ipsw"sv, "dmg"sv};

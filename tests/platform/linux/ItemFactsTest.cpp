@@ -28,16 +28,19 @@ protected:
         return path;
     }
     // What an ordinary user is told, since the superuser may read everything.
-    static bool isReadableToNobody(const std::filesystem::path& path) {
+    template <class Ask>
+    static int asNobody(Ask ask) {
         if (geteuid() != 0)
-            return isReadableFolder(path);
+            return static_cast<int>(ask());
         const pid_t child = fork();
         if (child == 0)
-            _exit(setgid(65534) == 0 && setuid(65534) == 0 ? (isReadableFolder(path) ? 1 : 0) : 99);
+            _exit(setgid(65534) == 0 && setuid(65534) == 0 ? static_cast<int>(ask()) : 99);
         int status = 0;
         EXPECT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_NE(WEXITSTATUS(status), 99);
-        return WEXITSTATUS(status) == 1;
+        return WEXITSTATUS(status);
+    }
+    static FolderAccess accessOfNobody(const std::filesystem::path& path) {
+        return static_cast<FolderAccess>(asNobody([&] { return folderAccess(path); }));
     }
 
     TemporaryFolder folder;
@@ -59,10 +62,17 @@ TEST_F(Items, AreOfTheKindThatStandsAtThePathLinksNotFollowed) {
 
 TEST_F(Items, ThatAreMissingOrCannotBeReachedHaveNoFacts) {
     file("file");
-    EXPECT_FALSE(readItemFacts(folder / "nothing"));
-    EXPECT_FALSE(readItemFacts(folder / "file/inside"));
+    EXPECT_EQ(readItemFacts(folder / "nothing").error().kind, ErrorKind::notFound);
+    EXPECT_EQ(readItemFacts(folder / "file/inside").error().kind, ErrorKind::notFound);
     EXPECT_FALSE(readItemFacts(folder / std::string(300, 'x')));
     EXPECT_FALSE(readItemFacts(""));
+}
+
+TEST_F(Items, InAFolderThatMayNotBeEnteredAreNotCalledMissing) {
+    chmod(folder.path().c_str(), 0755);
+    const auto closed = directory("closed", 0600);
+    EXPECT_EQ(asNobody([&] { return readItemFacts(closed / "item").error().kind; }),
+              static_cast<int>(geteuid() == 0 ? ErrorKind::permissionDenied : ErrorKind::notFound));
 }
 
 TEST_F(Items, TellTheirDateToTheNanosecond) {
@@ -86,37 +96,57 @@ TEST_F(Items, OccupyWhatIsAllocatedAndNotTheirLength) {
     EXPECT_EQ(readItemFacts(sparse)->allocatedBytes, 0);
 }
 
-TEST_F(Items, AreFoldersAlsoThroughALink) {
+TEST_F(Items, AreFoldersAlsoThroughLinks) {
     std::filesystem::create_symlink(folder.path(), folder / "link");
+    std::filesystem::create_symlink("link", folder / "link to link");
     std::filesystem::create_symlink(file("file"), folder / "link to file");
     std::filesystem::create_symlink(folder / "nowhere", folder / "dangling");
-    EXPECT_TRUE(isFolder(folder.path()));
-    EXPECT_TRUE(isFolder(folder / "link"));
-    for (const char* name : {"file", "link to file", "dangling", "nothing"})
-        EXPECT_FALSE(isFolder(folder / name)) << name;
+    std::filesystem::create_symlink("loop", folder / "loop");
+    for (const auto& path : {folder.path(), folder / "link", folder / "link to link", folder / "link/link/link"})
+        EXPECT_EQ(folderAccess(path), FolderAccess::readable) << path;
+    for (const char* name : {"file", "link to file", "dangling", "nothing", "loop", "file/inside"})
+        EXPECT_EQ(folderAccess(folder / name), FolderAccess::none) << name;
 }
 
 TEST_F(Items, AreReadableFoldersWhenPermissionsLetThem) {
-    chmod(folder.path().c_str(), 0755);
-    EXPECT_TRUE(isReadableToNobody(directory("open", 0755)));
-    EXPECT_TRUE(isReadableToNobody(directory("listable", 0744)));
-    EXPECT_EQ(isReadableToNobody(directory("closed", 0700)), geteuid() != 0) << "its owner may";
-    EXPECT_FALSE(isReadableToNobody(directory("enterable", 0311)));
-    EXPECT_FALSE(isReadableToNobody(directory("nobody's", 0)));
-    EXPECT_FALSE(isReadableToNobody(file("file")));
-    EXPECT_FALSE(isReadableToNobody(folder / "nothing"));
+    const TemporaryFolder inMemory(folderForManyFiles());
+    for (const auto& parent : {folder.path(), inMemory.path()}) {
+        chmod(parent.c_str(), 0755);
+        for (const auto& [mode, access] :
+             {std::pair{0755, FolderAccess::readable}, std::pair{0744, FolderAccess::readable},
+              std::pair{0311, FolderAccess::unreadable}, std::pair{0, FolderAccess::unreadable}}) {
+            const auto path = parent / std::to_string(mode);
+            ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
+            ASSERT_EQ(chmod(path.c_str(), static_cast<mode_t>(mode)), 0);
+            EXPECT_EQ(accessOfNobody(path), access) << path;
+        }
+    }
 }
 
-TEST_F(Items, OnFileSystemsWithoutADiskAreReadableByTheirPermissionBits) {
-    const TemporaryFolder inMemory(folderForManyFiles());
-    chmod(inMemory.path().c_str(), 0755);
-    for (const auto& [mode, isReadable] :
-         {std::pair<mode_t, bool>{0755, true}, {0744, true}, {0311, false}, {0, false}}) {
-        const auto path = inMemory / std::to_string(mode);
-        ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
-        ASSERT_EQ(chmod(path.c_str(), mode), 0);
-        EXPECT_EQ(isReadableToNobody(path), isReadable) << mode;
-    }
+TEST_F(Items, AreReadableFilesWhenPermissionsLetThem) {
+    chmod(folder.path().c_str(), 0755);
+    const auto open = file("open");
+    chmod(open.c_str(), 0644);
+    const auto closed = file("closed");
+    chmod(closed.c_str(), 0);
+    std::filesystem::create_symlink("open", folder / "link");
+    EXPECT_EQ(asNobody([&] { return isReadableFile(open); }), 1);
+    EXPECT_EQ(asNobody([&] { return isReadableFile(folder / "link"); }), 1);
+    EXPECT_EQ(asNobody([&] { return isReadableFile(closed); }), 0);
+    EXPECT_FALSE(isReadableFile(folder.path()));
+    EXPECT_FALSE(isReadableFile(folder / "nothing"));
+}
+
+TEST_F(Items, AreFoundWhereLinksLead) {
+    const auto root = std::filesystem::canonical(folder.path());
+    directory("real");
+    std::filesystem::create_symlink("real", folder / "link");
+    std::filesystem::create_symlink("../" + root.filename().native() + "/link", folder / "roundabout");
+    std::filesystem::create_symlink("nowhere", folder / "dangling");
+    EXPECT_EQ(resolvedPath(folder / "link"), root / "real");
+    EXPECT_EQ(resolvedPath(folder / "roundabout"), root / "real");
+    EXPECT_EQ(resolvedPath(folder / "real"), root / "real");
+    EXPECT_EQ(resolvedPath(folder / "dangling").error().kind, ErrorKind::notFound);
 }
 
 TEST_F(Items, AreShownByTheirNameAsText) {
