@@ -15,6 +15,7 @@ namespace vantry {
 
 namespace {
 
+constexpr int byPath = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
 constexpr int ofItem = AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
 constexpr std::int64_t bytesPerBlock = 512; // of stx_blocks, whatever the file system's own block
 
@@ -57,10 +58,15 @@ Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN
 } // namespace
 
 Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
-    const auto fd = openPromptly(path, FinalLink::isOpened);
+    constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_BLOCKS;
     struct statx said = {};
-    if (!fd || statx(fd->get(), "", ofItem, STATX_TYPE | STATX_MTIME | STATX_BLOCKS, &said) != 0)
-        return std::unexpected(lookupError(fd ? errno : fd.error()));
+    const auto fd = openPromptly(path, FinalLink::isOpened);
+    const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then by its path
+    if (!fd && !noneLeft)
+        return std::unexpected(lookupError(fd.error()));
+    if (noneLeft ? statx(AT_FDCWD, path.c_str(), byPath, wanted, &said) != 0
+                 : statx(fd->get(), "", ofItem, wanted, &said) != 0)
+        return std::unexpected(lookupError(errno));
     ItemFacts facts;
     if ((said.stx_mask & STATX_TYPE) != 0)
         facts.kind = kindOf(said.stx_mode);
