@@ -4,6 +4,7 @@
 #include "cleanup/scan/DeveloperFinders.h"
 #include "cleanup/scan/DeviceFinders.h"
 #include "cleanup/scan/OldFileFinders.h"
+#include "cleanup/scan/OldItemsRules.h"
 #include "cleanup/scan/OrphanFinder.h"
 #include "cleanup/scan/ScanStates.h"
 #include "cleanup/scan/UsageMeasurement.h"
@@ -25,30 +26,8 @@ namespace vantry::CleanupScanner {
 
 namespace {
 
-using namespace std::string_view_literals;
-
 constexpr std::chrono::seconds findingTime{10};
 constexpr std::chrono::seconds measuringTime{8}; // of each of the two passes
-
-constexpr std::array cachesOfOtherFinders{"Homebrew"sv, "CocoaPods"sv, "org.swift.swiftpm"sv};
-
-struct OldFilesUse {
-    CleanupCategory category;
-    std::string_view reason;
-    std::int64_t minimumSize;
-    std::size_t maximumCount;
-};
-
-constexpr std::array<OldFilesUse, 5> oldFilesUses{{
-    {CleanupCategory::log, "Old diagnostic record. Apps and macOS do not need this file to run.", 524'288, 40},
-    {CleanupCategory::crashReport, "Old crash report used only to diagnose a past problem.", 524'288, 30},
-    {CleanupCategory::installer, "Downloaded more than 21 days ago. Removing it does not uninstall the app.", 5'242'880,
-     30},
-    {CleanupCategory::archive, "Not changed for 45 days. It may be your only copy, so open it before deciding.",
-     26'214'400, 30},
-    {CleanupCategory::interruptedDownload, "An unfinished download that has not changed for at least 14 days.",
-     5'242'880, 20},
-}};
 
 /// Asks for each folder once in a scan: a finder's answer serves the states and the metrics, too. What was not complete
 /// is asked for again, with the time that is left then.
@@ -85,38 +64,15 @@ private:
     std::map<std::filesystem::path, ShallowChildren> children_;
 };
 
-std::vector<CleanupCandidate> oldCaches(ScanContext& context) {
-    const auto category = CleanupCategory::cache;
-    return oldDirectoryChildren(
-        context, {.folder = approvedRoots(category, context.environment()).front(),
-                  .category = category,
-                  .reason = "An app can normally recreate this. It has not changed for at least 30 days.",
-                  .olderThan = minimumAge(category),
-                  .minimumSize = 26'214'400,
-                  .maximumCount = 35,
-                  .excludedNames = cachesOfOtherFinders});
-}
-
-std::vector<CleanupCandidate> oldFiles(ScanContext& context, const OldFilesUse& use) {
-    return oldRegularFiles(context, {.folder = approvedRoots(use.category, context.environment()).front(),
-                                     .category = use.category,
-                                     .reason = use.reason,
-                                     .olderThan = minimumAge(use.category),
-                                     .minimumSize = use.minimumSize,
-                                     .maximumCount = use.maximumCount,
-                                     .extensions = matchedExtensions(use.category)});
-}
-
 std::vector<CleanupCandidate> findCandidates(ScanContext& context,
                                              std::span<const std::string> runningBundleIdentifiers) {
     std::vector<CleanupCandidate> candidates;
     const auto append = [&](std::vector<CleanupCandidate> found) {
         std::ranges::move(found, std::back_inserter(candidates));
     };
-    append(oldCaches(context));
-    for (const auto& use : oldFilesUses)
-        append(oldFiles(context, use));
-    append(oldRegularFiles(context, largeDownloadsRule(context.environment())));
+    append(oldDirectoryChildren(context, oldCachesRule(context.environment())));
+    for (const auto& rule : oldFilesRules(context.environment()))
+        append(oldRegularFiles(context, rule));
     append(developerCandidates(context));
     append(macOSInstallers(context));
     append(orphanedAppData(context, runningBundleIdentifiers));

@@ -3,7 +3,7 @@
 #include "base/Utf8.h"
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupValidation.h"
-#include "cleanup/scan/OldFileFinders.h"
+#include "cleanup/scan/OldItemsRules.h"
 
 #include <algorithm>
 #include <array>
@@ -21,11 +21,6 @@ struct Place {
 };
 
 // In the order of the categories' roots.
-constexpr std::array<Place, 2> archivePlaces{{
-    {"", "Xcode archive group not modified for at least 180 days. Keep anything needed for symbolication or release "
-         "export."},
-    {"", "Device-support version not modified for at least 180 days. Xcode can restore it when that OS is used again."},
-}};
 constexpr std::array<Place, 2> buildPlaces{{
     {"Xcode Derived Data", "Xcode recreates Derived Data when a project is built."},
     {"Simulator Caches", "Simulator caches are recreated when needed."},
@@ -37,19 +32,6 @@ constexpr std::array<Place, 5> cachePlaces{{
     {"npm Cache", "npm verifies and downloads package cache content again when needed."},
     {"Gradle Cache", "Gradle rebuilds and downloads cache content again when needed."},
 }};
-
-void appendOldGroups(ScanContext& context, std::vector<CleanupCandidate>& candidates) {
-    const auto category = CleanupCategory::developerArchive;
-    const auto roots = approvedRoots(category, context.environment());
-    for (std::size_t i = 0; i < roots.size(); ++i)
-        std::ranges::move(oldDirectoryChildren(context, {.folder = roots[i],
-                                                         .category = category,
-                                                         .reason = archivePlaces.at(i).reason,
-                                                         .olderThan = minimumAge(category),
-                                                         .minimumSize = 262'144'000,
-                                                         .maximumCount = 20}),
-                          std::back_inserter(candidates));
-}
 
 // Each place as a whole, whatever its age, if it holds anything.
 template <std::size_t Count>
@@ -70,7 +52,8 @@ void appendWholeFolders(ScanContext& context, CleanupCategory category, const st
 
 std::vector<CleanupCandidate> developerCandidates(ScanContext& context) {
     std::vector<CleanupCandidate> candidates;
-    appendOldGroups(context, candidates);
+    for (const auto& rule : developerArchiveRules(context.environment()))
+        std::ranges::move(oldDirectoryChildren(context, rule), std::back_inserter(candidates));
     appendWholeFolders(context, CleanupCategory::developerBuild, buildPlaces, candidates);
     appendWholeFolders(context, CleanupCategory::developerCache, cachePlaces, candidates);
     return candidates;

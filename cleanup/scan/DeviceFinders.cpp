@@ -2,7 +2,7 @@
 
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupValidation.h"
-#include "cleanup/scan/OldFileFinders.h"
+#include "cleanup/scan/OldItemsRules.h"
 
 #include <algorithm>
 #include <array>
@@ -109,18 +109,8 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
 
 std::vector<CleanupCandidate> deviceCandidates(ScanContext& context) {
     auto candidates = supersededDeviceBackups(context);
-    const auto category = CleanupCategory::deviceSoftware;
-    for (const auto& root : approvedRoots(category, context.environment()))
-        std::ranges::move(
-            oldRegularFiles(context,
-                            {.folder = root,
-                             .category = category,
-                             .reason = "Downloaded Apple-device update file not modified for at least 90 days.",
-                             .olderThan = minimumAge(category),
-                             .minimumSize = 262'144'000,
-                             .maximumCount = 10,
-                             .extensions = matchedExtensions(category)}),
-            std::back_inserter(candidates));
+    for (const auto& rule : deviceSoftwareRules(context.environment()))
+        std::ranges::move(oldRegularFiles(context, rule), std::back_inserter(candidates));
     return candidates;
 }
 

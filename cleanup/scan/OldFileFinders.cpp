@@ -34,24 +34,6 @@ std::vector<CleanupCandidate> largestFirst(ScanContext& context, const OldItemsR
 
 } // namespace
 
-OldItemsRule largeDownloadsRule(const ScanEnvironment& environment) {
-    static const auto otherDownloads = [] {
-        std::vector<std::string_view> extensions;
-        for (const auto category :
-             {CleanupCategory::installer, CleanupCategory::archive, CleanupCategory::interruptedDownload})
-            extensions.insert(extensions.end(), matchedExtensions(category).begin(), matchedExtensions(category).end());
-        return extensions;
-    }();
-    const auto category = CleanupCategory::largeDownload;
-    return {.folder = approvedRoots(category, environment).front(),
-            .category = category,
-            .reason = "A large Downloads file not changed for 90 days. Only you can know whether it is still needed.",
-            .olderThan = minimumAge(category),
-            .minimumSize = 262'144'000,
-            .maximumCount = 30,
-            .excludedExtensions = otherDownloads};
-}
-
 SystemTime cutoffDate(SystemTime now, std::chrono::days olderThan) {
     return now > SystemTime::min() + olderThan ? SystemTime(now - olderThan) : SystemTime::min();
 }

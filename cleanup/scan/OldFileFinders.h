@@ -25,9 +25,6 @@ struct OldItemsRule {
     std::span<const std::string_view> excludedNames = {};      ///< of folders
 };
 
-/// The large downloads: what is no installer, no archive and no partial download by its extension.
-[[nodiscard]] OldItemsRule largeDownloadsRule(const ScanEnvironment& environment);
-
 /// The moment before which something has to have been modified to be old at `now`.
 [[nodiscard]] SystemTime cutoffDate(SystemTime now, std::chrono::days olderThan);
 

@@ -3,7 +3,7 @@
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupValidation.h"
 #include "cleanup/scan/DeveloperFinders.h"
-#include "cleanup/scan/OldFileFinders.h"
+#include "cleanup/scan/OldItemsRules.h"
 #include "platform/ItemFacts.h"
 
 #include <algorithm>

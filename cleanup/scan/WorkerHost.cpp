@@ -62,19 +62,30 @@ bool endsWithin(ChildProcess& worker, std::chrono::milliseconds patience) {
     return true;
 }
 
-/// A name for a worker's list; what stands there is removed at the end, whatever happened.
+/// A name for a worker's list; what stands there is removed at the end, whatever happened. A request to end this
+/// process that arrives at this thread waits until then.
 class TemporaryList {
 public:
     explicit TemporaryList(const std::filesystem::path& folder)
-        : path_(folder / ("ombrel-children-" + randomUuid() + ".json")) {}
+        : path_(folder / ("ombrel-children-" + randomUuid() + ".json")) {
+        sigset_t requests;
+        sigemptyset(&requests);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+            sigaddset(&requests, signal);
+        pthread_sigmask(SIG_BLOCK, &requests, &before_);
+    }
     TemporaryList(const TemporaryList&) = delete;
     TemporaryList& operator=(const TemporaryList&) = delete;
-    ~TemporaryList() { unlink(path_.c_str()); }
+    ~TemporaryList() {
+        unlink(path_.c_str());
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
 private:
     std::filesystem::path path_;
+    sigset_t before_{};
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "cleanup/scan/OldFileFinders.h"
 
-#include "cleanup/scan/CleanupPlaces.h"
 #include "tests/cleanup/scan/ScanFixture.h"
 
 #include <array>
@@ -302,16 +301,6 @@ TEST_F(OldItems, FoldersThatAreLinksAndFilesAreNotOfferedAsFolders) {
     setAge("place/link", days(90));
     file("place/file", 4096, days(90));
     EXPECT_THAT(folders(rule()), IsEmpty());
-}
-
-TEST_F(OldItems, LargeDownloadsLeaveOutWhatTheOtherDownloadFindersMatch) {
-    const auto use = largeDownloadsRule(environment);
-    for (const auto category :
-         {CleanupCategory::installer, CleanupCategory::archive, CleanupCategory::interruptedDownload})
-        for (const auto extension : matchedExtensions(category))
-            EXPECT_FALSE(matchesExtensions(use, "file." + std::string(extension))) << extension;
-    for (const char* name : {"film.mov", "disk", "old.log", "a.iso"})
-        EXPECT_TRUE(matchesExtensions(use, name)) << name;
 }
 
 } // namespace

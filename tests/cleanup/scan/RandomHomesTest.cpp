@@ -22,7 +22,7 @@ constexpr int usualNumberOfHomes = 250;
 // OMBREL_RANDOM_HOMES=5000 for a thorough look.
 int numberOfHomes() {
     const char* wanted = std::getenv("OMBREL_RANDOM_HOMES");
-    return wanted ? std::atoi(wanted) : usualNumberOfHomes;
+    return wanted ? std::max(std::atoi(wanted), 1) : usualNumberOfHomes;
 }
 
 /// Files to link to: making and removing large ones takes most of the time, and a scan tells files by their names.
@@ -188,6 +188,14 @@ TEST(RandomHomes, AreScannedAsASecondImplementationSaysTheyAre) {
         ASSERT_EQ(candidates, expected.candidates) << "seed " << seed;
         for (const auto& row : allCleanupCategories) {
             ASSERT_EQ(title(report.states.at(row.value)), expected.states.at(row.value))
+                << row.rawValue << ", seed " << seed;
+            const auto isOfRow = [&](const naive::Found& one) { return one.category == row.value; };
+            std::int64_t bytes = 0;
+            for (const auto& one : expected.candidates)
+                bytes += isOfRow(one) ? one.size : 0;
+            ASSERT_EQ(report.metrics.at(row.value).reviewableBytes, bytes) << row.rawValue << ", seed " << seed;
+            ASSERT_EQ(report.metrics.at(row.value).reviewableItemCount,
+                      std::ranges::count_if(expected.candidates, isOfRow))
                 << row.rawValue << ", seed " << seed;
             ASSERT_EQ(amountText(report.metrics.at(row.value).occupied), expected.amounts.at(row.value))
                 << row.rawValue << ", seed " << seed;

@@ -56,6 +56,23 @@ TEST_F(FaultyWorkers, ThatHangAreEnded) {
     }
 }
 
+TEST_F(FaultyWorkers, LeaveNoListBehindAHostThatIsAskedToEnd) {
+    const fs::path asked = folder("hangs-after-writing");
+    const pid_t child = fork();
+    if (child == 0) {
+        WorkerHost own({OMBREL_WORKER_DOUBLE, temporary});
+        static_cast<void>(own.shallowChildren(asked, farAway()));
+        _exit(0); // the request was lost
+    }
+    while (fs::is_empty(temporary))
+        std::this_thread::yield();
+    kill(child, SIGTERM);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+    EXPECT_TRUE(fs::is_empty(temporary));
+}
+
 TEST_F(FaultyWorkers, ThatDoNotEndWhenAskedToAreKilled) {
     for (const char* behaviour : {"ignores-the-request-to-end", "stops-itself"}) {
         expectNoMeasures(behaviour);
