@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/socket.h>
+#include <sys/sysmacros.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
@@ -21,19 +22,26 @@ using testing::IsEmpty;
 /// Everything about every item of a folder that a scan must not change: all but the times of access.
 std::map<std::string, std::string> pictureOf(const std::filesystem::path& folder) {
     std::map<std::string, std::string> picture;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    std::vector<std::filesystem::path> items;
+    if (std::filesystem::exists(folder)) {
+        items.push_back(folder);
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+            items.push_back(entry.path());
+    }
+    for (const auto& item : items) {
         struct stat said = {};
-        if (lstat(entry.path().c_str(), &said) != 0)
-            throw std::runtime_error("cannot look at " + entry.path().native());
+        if (lstat(item.c_str(), &said) != 0)
+            throw std::runtime_error("cannot look at " + item.native());
         std::string text;
         for (const auto number :
              {static_cast<long long>(said.st_ino), static_cast<long long>(said.st_mode),
               static_cast<long long>(said.st_size), static_cast<long long>(said.st_blocks),
-              static_cast<long long>(said.st_uid), static_cast<long long>(said.st_nlink),
-              static_cast<long long>(said.st_mtim.tv_sec), static_cast<long long>(said.st_mtim.tv_nsec),
-              static_cast<long long>(said.st_ctim.tv_sec), static_cast<long long>(said.st_ctim.tv_nsec)})
+              static_cast<long long>(said.st_uid), static_cast<long long>(said.st_gid),
+              static_cast<long long>(said.st_nlink), static_cast<long long>(said.st_mtim.tv_sec),
+              static_cast<long long>(said.st_mtim.tv_nsec), static_cast<long long>(said.st_ctim.tv_sec),
+              static_cast<long long>(said.st_ctim.tv_nsec)})
             text += std::to_string(number) + " ";
-        picture[entry.path().native()] = text;
+        picture[item.native()] = text;
     }
     return picture;
 }
@@ -42,7 +50,14 @@ std::map<std::string, std::string> pictureOf(const std::filesystem::path& folder
 class MadeUpHome : public testing::Test, public ScanFixture {
 protected:
     MadeUpHome() { environment.workers = {OMBREL_EXECUTABLE, directory(home().parent_path() / "temporary")}; }
-    CleanupScanReport scanned(const std::vector<std::string>& running = {}) { return scan(environment, running); }
+    CleanupScanReport scanned(const std::vector<std::string>& running = {}) {
+        const auto before = pictureOf(home());
+        const auto beforeOfOthers = pictureOf(applications());
+        auto report = scan(environment, running);
+        EXPECT_EQ(pictureOf(home()), before);
+        EXPECT_EQ(pictureOf(applications()), beforeOfOthers);
+        return report;
+    }
     [[nodiscard]] static std::map<CleanupCategory, std::vector<std::string>>
     byCategory(const CleanupScanReport& report) {
         std::map<CleanupCategory, std::vector<std::string>> names;
@@ -82,9 +97,7 @@ TEST_F(MadeUpHome, ThatHoldsEveryCategoryIsReportedWhollyAndNotChanged) {
     }
     file("Library/iTunes/iPhone Software Updates/old.ipsw", large, days(91));
 
-    const auto before = pictureOf(home());
     const auto report = scanned({"com.example.runs"});
-    EXPECT_EQ(pictureOf(home()), before);
     const std::map<CleanupCategory, std::vector<std::string>> expected{
         {CleanupCategory::cache, {"com.example.painter"}},
         {CleanupCategory::log, {"old.log"}},
@@ -137,10 +150,12 @@ TEST_F(MadeUpHome, WithLinksAtEveryLevelOffersNothingThatIsReachedThroughOne) {
     EXPECT_EQ(report.metrics.at(CleanupCategory::deviceBackup).occupied, CleanupByteAmount::unavailable());
 }
 
-TEST_F(MadeUpHome, WithSocketsFifosAndOddNamesIsScannedToItsEnd) {
+TEST_F(MadeUpHome, WithSocketsFifosDevicesAndOddNamesIsScannedToItsEnd) {
     const auto logs = directory("Library/Logs");
     ASSERT_EQ(mkfifo((logs / "fifo.log").c_str(), 0600), 0);
     setAge("Library/Logs/fifo.log", days(90));
+    if (mknod((logs / "device.log").c_str(), S_IFCHR | 0600, makedev(1, 5)) == 0) // endless zeros; only root may
+        setAge("Library/Logs/device.log", days(90));
     const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     const auto name = (logs / "s.log").native();
@@ -209,7 +224,7 @@ TEST_F(MadeUpHome, OfAnOrdinaryUserSaysWhatMayNotBeRead) {
     if (child == 0) {
         if (setgid(65534) != 0 || setuid(65534) != 0)
             _exit(99);
-        const auto report = scanned();
+        const auto report = scan(environment, {});
         _exit(report.states.at(CleanupCategory::installer) != CleanupScanState::permissionNeeded ? 1
               : namesOf(report.candidates) != std::vector<std::string>{"old.log"}                ? 2
               : report.states.at(CleanupCategory::cache) != CleanupScanState::checked            ? 3
@@ -230,7 +245,7 @@ TEST_F(MadeUpHome, FilesThatVanishAllTheTimeAreNoTrouble) {
         }
     });
     for (int i = 0; i < 5; ++i)
-        EXPECT_THAT(namesOf(scanned().candidates), testing::Contains("stays.log"));
+        EXPECT_THAT(namesOf(scan(environment, {}).candidates), testing::Contains("stays.log"));
     done = true;
     vanisher.join();
 }

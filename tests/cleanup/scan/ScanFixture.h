@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <fcntl.h>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -33,6 +34,8 @@ public:
     }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("list " + folder.native());
+        if (whileListing)
+            whileListing(folder);
         if (hung.contains(folder) || hasPassed(deadline))
             return {};
         auto names = visibleNames(folder);
@@ -70,6 +73,7 @@ public:
     std::set<std::filesystem::path> hung;                      ///< folders whose listing is not complete
     std::map<std::filesystem::path, std::map<std::string, std::string>> lists;
     bool listsAreComplete = true;
+    std::function<void(const std::filesystem::path&)> whileListing;
     std::function<void(const std::filesystem::path&)> afterListing;
     std::vector<std::string> asked;
 };

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <thread>
 
 namespace vantry::CleanupScanner {
 namespace {
@@ -93,6 +94,21 @@ TEST_F(ScanStates, WhenTimeIsUpNoPlaceIsLookedAt) {
     EXPECT_EQ(accessState(workers, Places{directory("good")}, past), CleanupScanState::unavailable);
     EXPECT_EQ(accessState(workers, Places(), past), CleanupScanState::notPresent);
     EXPECT_THAT(workers.asked, testing::IsEmpty());
+}
+
+TEST_F(ScanStates, WhenTimeRunsOutWhatMayNotBeReadOutranksWhatWasNotReached) {
+    const auto closed = unreadable("closed");
+    const auto late = slow("late");
+    const auto good = directory("good");
+    // The slow place takes all the time that there is.
+    const auto until = deadlineIn(std::chrono::milliseconds(300));
+    budget.deadline = until;
+    workers.whileListing = [&](const auto&) {
+        while (!hasPassed(until))
+            std::this_thread::yield();
+    };
+    EXPECT_EQ(stateAsOrdinaryUser({closed, late, good}), CleanupScanState::permissionNeeded);
+    EXPECT_EQ(accessState(workers, Places{late, good}, until), CleanupScanState::unavailable);
 }
 
 TEST_F(ScanStates, OfAnEmptyHomeAreAllNotPresent) {
