@@ -16,7 +16,7 @@ using std::chrono::nanoseconds;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int usualNumberOfHomes = 50;
 #else
-constexpr int usualNumberOfHomes = 250;
+constexpr int usualNumberOfHomes = 1000;
 #endif
 
 // OMBREL_RANDOM_HOMES=5000 for a thorough look.
