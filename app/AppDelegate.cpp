@@ -270,10 +270,11 @@ void AppDelegate::showPopover() {
 }
 
 void AppDelegate::showCleanupWindow() {
-    if (!cleanupWindow_)
-        cleanupWindow_ = services_.makeCleanupWindow();
-    if (cleanupWindow_)
-        cleanupWindow_->showAndScan();
+    if (!cleanupWindowController_)
+        cleanupWindowController_ =
+            std::make_shared<CleanupWindowController>(shell_, services_.mainQueue, services_.backgroundQueue,
+                                                      services_.workspace, services_.makeCleanupServices());
+    cleanupWindowController_->showAndScan();
 }
 
 ContextMenuContent AppDelegate::contextMenu() const {

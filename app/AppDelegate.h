@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "app/Shell.h"
 #include "app/StoragePopoverViewController.h"
+#include "cleanup/window/CleanupWindowController.h"
 
 #include <memory>
 #include <optional>
@@ -48,6 +49,10 @@ public:
     void showPopover();
     /// Opens the "Free Up Space" window and starts a scan.
     void showCleanupWindow();
+    /// Null before the window was first shown.
+    [[nodiscard]] std::shared_ptr<CleanupWindowController> cleanupWindowController() const {
+        return cleanupWindowController_;
+    }
 
     /// The menu as it is right at this moment, for a host that draws it by itself.
     [[nodiscard]] ContextMenuContent contextMenu() const;
@@ -81,7 +86,7 @@ private:
     AppServices services_;
     StatusItemContent statusItem_;
     StoragePopoverViewController popoverController_;
-    std::unique_ptr<CleanupWindow> cleanupWindow_;
+    std::shared_ptr<CleanupWindowController> cleanupWindowController_;
     std::unique_ptr<Subscription> timer_;
     std::unique_ptr<Subscription> wakeObserver_;
     std::optional<StorageSnapshot> snapshot_;

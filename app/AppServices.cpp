@@ -37,7 +37,7 @@ AppServices systemServices() {
             .readSystemVolume = StorageReader::readSystemVolume,
             .wallpaper = wallpaperServices(),
             .loginItem = loginItemServices(),
-            .makeCleanupWindow = [] { return nullptr; }};
+            .makeCleanupServices = systemCleanupServices};
 }
 
 } // namespace vantry

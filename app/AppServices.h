@@ -3,6 +3,7 @@
 #include "base/Color.h"
 #include "base/Result.h"
 #include "base/Time.h"
+#include "cleanup/window/CleanupServices.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/PreferencesStore.h"
@@ -17,13 +18,6 @@
 #include <vector>
 
 namespace vantry {
-
-/// "Free Up Space" as the application sees it. Main thread.
-class CleanupWindow {
-public:
-    virtual ~CleanupWindow() = default;
-    virtual void showAndScan() = 0;
-};
 
 /// Where the wallpaper's colours come from. The functions block and run in the background.
 struct WallpaperServices {
@@ -52,9 +46,8 @@ struct AppServices {
     std::function<StorageReadResult()> readSystemVolume; ///< called in the background
     WallpaperServices wallpaper;
     LoginItemServices loginItem;
-    /// Called on first use; null while there is no such window.
-    std::function<std::unique_ptr<CleanupWindow>()> makeCleanupWindow;
-    std::vector<std::string> arguments; ///< of the process, without its name
+    std::function<CleanupServices()> makeCleanupServices; ///< called on first use
+    std::vector<std::string> arguments;                   ///< of the process, without its name
 };
 
 /// The services that need no toolkit, filled in with the real ones; a front end adds what lives in its event loop.

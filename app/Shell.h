@@ -3,14 +3,13 @@
 #include "app/ContextMenu.h"
 #include "app/PopoverContent.h"
 #include "app/StatusItemContent.h"
+#include "cleanup/window/CleanupWindowShell.h"
 
 namespace vantry {
 
 /// A front end: it draws the values it is given and forwards clicks to `AppDelegate`. Main thread.
-class Shell {
+class Shell : public CleanupWindowShell {
 public:
-    virtual ~Shell() = default;
-
     /// No Dock icon, no main menu, no window that keeps the application in the foreground.
     virtual void becomeAccessory() = 0;
 

@@ -3,6 +3,7 @@
 #include "base/Geometry.h"
 #include "platform/MainQueue.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,6 +32,23 @@ public:
     /// Opens `url` with what the user has chosen for it. A settings pane of macOS ("x-apple.systempreferences:...")
     /// opens its counterpart where the desktop has one. Does nothing, quietly, where nothing can open it. Never waits.
     virtual void openURL(const std::string& url) = 0;
+    /// Whether `openURL` would show what the URL names. Never waits.
+    [[nodiscard]] virtual bool canOpenURL(const std::string& url) const = 0;
+
+    /// Opens a pane of the system's settings by its URL, and where that fails the settings themselves. As `openURL`.
+    virtual void openSettingsPane(const std::string& url) = 0;
+
+    /// Opens a folder in the file manager, or starts an application bundle. Quiet and never waits, as `openURL`.
+    virtual void openItem(const std::filesystem::path& path) = 0;
+    /// Whether there is such a folder or application that `openItem` would open. Never waits: true where it cannot be
+    /// told.
+    [[nodiscard]] virtual bool canOpenItem(const std::filesystem::path& path) const = 0;
+
+    /// Shows the file manager with the item selected, or else the folder that holds it. Never waits.
+    virtual void revealItem(const std::filesystem::path& path) = 0;
+
+    /// The bundle identifiers of the running applications that have one; nowhere but on macOS.
+    [[nodiscard]] virtual std::vector<std::string> runningBundleIdentifiers() const = 0;
 
     /// All screens, the one with the menu bar first; may be empty.
     [[nodiscard]] virtual std::vector<Screen> screens() const = 0;

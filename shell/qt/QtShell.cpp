@@ -76,6 +76,12 @@ void QtShell::popUpContextMenu(const ContextMenuContent& content) {
     contextMenu_.popup(QCursor::pos());
 }
 
+void QtShell::showCleanupWindow() {}
+bool QtShell::cleanupWindowIsShown() const { return false; }
+void QtShell::renderCleanupWindow(const CleanupWindowContent&) {}
+void QtShell::scrollCleanupResultsToTop() {}
+void QtShell::ask(const AlertContent&, std::function<void(AlertAnswer)>) {}
+
 void QtShell::terminate() { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); }
 
 void QtShell::renderTrayMenu() {

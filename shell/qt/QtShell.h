@@ -34,6 +34,11 @@ public:
     void closePopover() override;
     [[nodiscard]] bool popoverIsShown() const override;
     void popUpContextMenu(const ContextMenuContent& content) override;
+    void showCleanupWindow() override;
+    [[nodiscard]] bool cleanupWindowIsShown() const override;
+    void renderCleanupWindow(const CleanupWindowContent& content) override;
+    void scrollCleanupResultsToTop() override;
+    void ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) override;
     void terminate() override;
 
 private:

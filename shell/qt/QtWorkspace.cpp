@@ -80,6 +80,21 @@ void QtWorkspace::openURL(const std::string& url) {
         QDesktopServices::openUrl(QUrl(qString(url)));
 }
 
+bool QtWorkspace::canOpenURL(const std::string& url) const { return url == storageSettingsURL; }
+
+void QtWorkspace::openSettingsPane(const std::string& url) { openURL(url); }
+
+void QtWorkspace::openItem(const std::filesystem::path& path) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(qString(path.native())));
+}
+
+bool QtWorkspace::canOpenItem(const std::filesystem::path&) const { return true; }
+
+void QtWorkspace::revealItem(const std::filesystem::path& path) { openItem(path.parent_path()); }
+
+// Applications have no such identifiers here.
+std::vector<std::string> QtWorkspace::runningBundleIdentifiers() const { return {}; }
+
 std::vector<Screen> QtWorkspace::screens() const {
     std::vector<Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens())

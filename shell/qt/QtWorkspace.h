@@ -9,6 +9,12 @@ class QtWorkspace : public Workspace {
 public:
     [[nodiscard]] std::unique_ptr<Subscription> observeWake(std::function<void()> block) override;
     void openURL(const std::string& url) override;
+    [[nodiscard]] bool canOpenURL(const std::string& url) const override;
+    void openSettingsPane(const std::string& url) override;
+    void openItem(const std::filesystem::path& path) override;
+    [[nodiscard]] bool canOpenItem(const std::filesystem::path& path) const override;
+    void revealItem(const std::filesystem::path& path) override;
+    [[nodiscard]] std::vector<std::string> runningBundleIdentifiers() const override;
     [[nodiscard]] std::vector<Screen> screens() const override;
     [[nodiscard]] std::optional<Screen> mainScreen() const override;
 };

@@ -188,14 +188,6 @@ TEST_F(AppDelegateLaunch, MakesTheCleanupWindowOnce) {
                 ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan", "cleanupWindow.showAndScan"));
 }
 
-TEST_F(AppDelegateLaunch, LivesWithoutACleanupWindowAndAsksForItAgain) {
-    world.hasCleanupWindow = false;
-    launchAndSettle();
-    delegate->showCleanupWindow();
-    world.hasCleanupWindow = true;
-    delegate->showCleanupWindow();
-    EXPECT_THAT(log.calls(), ElementsAre("cleanupWindow.make", "cleanupWindow.make", "cleanupWindow.showAndScan"));
-}
 
 TEST_F(AppDelegateLaunch, ReadsAndSamplesOnEveryTickOfTheTimer) {
     launchAndSettle();

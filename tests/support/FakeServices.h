@@ -12,16 +12,6 @@
 
 namespace vantry {
 
-/// The cleanup window as far as the application knows it.
-class FakeCleanupWindow : public CleanupWindow {
-public:
-    explicit FakeCleanupWindow(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
-    void showAndScan() override { log_->add("cleanupWindow.showAndScan"); }
-
-private:
-    std::shared_ptr<FakeCallLog> log_;
-};
-
 /// The whole world around the application. It stands still: the clock shows `time`, and nothing that was submitted or
 /// posted runs before the test says so. Outlives what was made with its `appServices()`.
 struct FakeServices {
@@ -50,8 +40,6 @@ struct FakeServices {
     bool agentFileExists = false;
     std::optional<Error> loginItemError; ///< why the agent file cannot be changed
 
-    bool hasCleanupWindow = true;
-
     std::vector<std::string> arguments;
 
     [[nodiscard]] AppServices appServices() {
@@ -67,10 +55,10 @@ struct FakeServices {
                     },
                 .wallpaper = wallpaperServices(),
                 .loginItem = loginItemServices(),
-                .makeCleanupWindow =
+                .makeCleanupServices =
                     [this] {
-                        log->add("cleanupWindow.make");
-                        return hasCleanupWindow ? std::make_unique<FakeCleanupWindow>(log) : nullptr;
+                        log->add("cleanup.makeServices");
+                        return CleanupServices{};
                     },
                 .arguments = arguments};
     }

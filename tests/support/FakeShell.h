@@ -3,6 +3,7 @@
 #include "app/Shell.h"
 #include "tests/support/FakeCallLog.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -42,6 +43,22 @@ public:
         menu = content;
     }
 
+    void showCleanupWindow() override {
+        log_->add("shell.showCleanupWindow");
+        cleanupWindowShown = true;
+    }
+    [[nodiscard]] bool cleanupWindowIsShown() const override { return cleanupWindowShown; }
+    void renderCleanupWindow(const CleanupWindowContent& content) override {
+        log_->add("shell.renderCleanupWindow");
+        cleanupWindow = content;
+    }
+    void scrollCleanupResultsToTop() override { log_->add("shell.scrollCleanupResultsToTop"); }
+    void ask(const AlertContent& content, std::function<void(AlertAnswer)> answered) override {
+        log_->add("shell.ask " + content.message);
+        alert = content;
+        answer = std::move(answered);
+    }
+
     void terminate() override { log_->add("shell.terminate"); }
 
     /// What is on the screen; a test asks after the first rendering only.
@@ -53,6 +70,10 @@ public:
     std::vector<StatusItemContent> statusItems; ///< every rendering, the last one is shown
     std::vector<PopoverContent> popovers;       ///< the same
     std::optional<ContextMenuContent> menu;     ///< popped up last
+    bool cleanupWindowShown = false;
+    std::optional<CleanupWindowContent> cleanupWindow;
+    std::optional<AlertContent> alert; ///< asked last
+    std::function<void(AlertAnswer)> answer;
 
 private:
     std::shared_ptr<FakeCallLog> log_;

@@ -3,6 +3,7 @@
 #include "platform/Workspace.h"
 #include "tests/support/FakeSubscription.h"
 
+#include <set>
 #include <utility>
 
 namespace vantry {
@@ -18,6 +19,18 @@ public:
         return std::make_unique<FakeSubscription>(observer_, log_, "workspace.stopObservingWake");
     }
     void openURL(const std::string& url) override { log_->add("workspace.openURL " + url); }
+    [[nodiscard]] bool canOpenURL(const std::string& url) const override { return !closed.contains(url); }
+    void openSettingsPane(const std::string& url) override { log_->add("workspace.openSettingsPane " + url); }
+    void openItem(const std::filesystem::path& path) override { log_->add("workspace.openItem " + path.native()); }
+    [[nodiscard]] bool canOpenItem(const std::filesystem::path& path) const override {
+        return !closed.contains(path.native());
+    }
+    void revealItem(const std::filesystem::path& path) override { log_->add("workspace.revealItem " + path.native()); }
+    [[nodiscard]] std::vector<std::string> runningBundleIdentifiers() const override {
+        log_->add("workspace.runningBundleIdentifiers");
+        return runningIdentifiers;
+    }
+
     [[nodiscard]] std::vector<Screen> screens() const override { return screenList; }
     [[nodiscard]] std::optional<Screen> mainScreen() const override { return keyWindowScreen; }
 
@@ -31,6 +44,8 @@ public:
 
     std::vector<Screen> screenList;
     std::optional<Screen> keyWindowScreen;
+    std::set<std::string> closed; ///< the URLs and paths that cannot be opened
+    std::vector<std::string> runningIdentifiers;
 
 private:
     std::shared_ptr<FakeCallLog> log_;

@@ -1,0 +1,7 @@
+#include "cleanup/window/CleanupServices.h"
+
+namespace vantry {
+
+CleanupServices systemCleanupServices() { return {}; }
+
+} // namespace vantry

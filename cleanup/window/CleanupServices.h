@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/Result.h"
+#include "cleanup/model/CleanupCandidate.h"
+#include "cleanup/model/CleanupScanReport.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace vantry {
+
+/// What the "Free Up Space" window does to the disk. The functions block and run in the background.
+struct CleanupServices {
+    std::filesystem::path home;         ///< whose folders the avenues open
+    std::filesystem::path applications; ///< the folder of applications that the avenues open
+
+    std::function<CleanupScanReport(std::span<const std::string> runningBundleIdentifiers)> scan;
+    /// Why the candidate may not be moved, a lower-case phrase; absent when it may.
+    std::function<std::optional<std::string>(const CleanupCandidate&)> validationFailure;
+    /// Calls the function with the path to act on, unless other processes cannot be brought to leave the file alone.
+    std::function<Result<void>(const std::filesystem::path&, const std::function<void(const std::filesystem::path&)>&)>
+        coordinateMoving;
+    /// Validates the candidate once more and moves what was validated to the Trash, or says why not.
+    std::function<Result<void>(const CleanupCandidate&)> moveToTrash;
+    /// Writes the record of a move; false when it could not be written.
+    std::function<bool(std::span<const CleanupCandidate>)> saveHistory;
+};
+
+/// The real ones. Blocking, once.
+[[nodiscard]] CleanupServices systemCleanupServices();
+
+} // namespace vantry
