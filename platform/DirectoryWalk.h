@@ -31,8 +31,11 @@ struct TreeTotals {
 /// everything makes the answer not complete.
 [[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsigned threads);
 
-/// The names directly inside a folder, as bytes, in the order of the file system, hidden ones (a leading dot; on macOS
-/// also the hidden flag) left out. A link to a folder is refused. Blocking; any thread.
+/// The names directly inside a folder, as bytes, in the order of the file system. A link to a folder is refused.
+/// Blocking; any thread.
+[[nodiscard]] Result<std::vector<std::string>> allNames(const std::filesystem::path& folder);
+
+/// The same without the hidden ones: a leading dot; on macOS also the hidden flag.
 [[nodiscard]] Result<std::vector<std::string>> visibleNames(const std::filesystem::path& folder);
 
 } // namespace vantry

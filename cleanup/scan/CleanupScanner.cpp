@@ -43,6 +43,14 @@ public:
             metrics_.emplace(folder, answer);
         return answer;
     }
+    [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override {
+        auto answer = workers_.childrenMetrics(folder, deadline);
+        for (const auto& [name, metrics] : answer.children)
+            metrics_.emplace(folder / name, metrics);
+        if (answer.whole.complete)
+            metrics_.emplace(folder, answer.whole);
+        return answer;
+    }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         if (const auto known = children_.find(folder); known != children_.end())
             return known->second;

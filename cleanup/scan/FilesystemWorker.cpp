@@ -34,13 +34,26 @@ bool writeAll(int fd, std::string_view text) {
 
 void perform(const std::monostate& /*job*/) {}
 
-void perform(const MeasuringJob& job) {
-    const auto deadline = deadlineIn(job.budget);
-    std::ignore = giveUpChangingFiles();
-    const auto metrics = directoryMetricsInProcess(job.folder, deadline);
+DirectoryMetricsPayload payloadOf(const DirectoryMetrics& metrics) {
     DirectoryMetricsPayload payload{.size = metrics.size, .complete = metrics.complete};
     if (metrics.newestModificationDate)
         payload.newestModificationTime = secondsSince1970(*metrics.newestModificationDate);
+    return payload;
+}
+
+void perform(const MeasuringJob& job) {
+    const auto deadline = deadlineIn(job.budget);
+    std::ignore = giveUpChangingFiles();
+    writeAll(STDOUT_FILENO, encoded(payloadOf(directoryMetricsInProcess(job.folder, deadline))));
+}
+
+void perform(const MeasuringChildrenJob& job) {
+    const auto deadline = deadlineIn(job.budget);
+    std::ignore = giveUpChangingFiles();
+    const auto metrics = childrenMetricsInProcess(job.folder, deadline);
+    ChildrenMetricsPayload payload{.children = {}, .whole = payloadOf(metrics.whole)};
+    for (const auto& [name, child] : metrics.children)
+        payload.children.emplace(name, payloadOf(child));
     writeAll(STDOUT_FILENO, encoded(payload));
 }
 

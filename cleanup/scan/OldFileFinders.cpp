@@ -81,12 +81,15 @@ std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldIte
 std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const OldItemsRule& rule) {
     const auto cutoff = cutoffDate(context.environment().now(), rule.olderThan);
     std::vector<CleanupCandidate> candidates;
+    bool measuredAhead = false;
     for (const auto& url : entries(context, rule)) {
         if (context.isOver(rule.category))
             break;
         const auto facts = context.look(url, rule.category);
         if (!facts || !isOldFolder(rule, url, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
             continue;
+        if (!std::exchange(measuredAhead, true))
+            context.measureAhead(rule.folder);
         const auto metrics = context.measure(url, rule.category);
         if (isOldInside(rule, metrics, cutoff))
             candidates.push_back(context.candidate(url, displayName(url), rule.category, rule.reason, metrics.size));

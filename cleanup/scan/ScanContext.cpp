@@ -1,5 +1,6 @@
 #include "cleanup/scan/ScanContext.h"
 
+#include <tuple>
 #include <utility>
 
 namespace vantry {
@@ -31,6 +32,10 @@ std::optional<ItemFacts> ScanContext::look(const std::filesystem::path& url, Cle
     if (facts.error().kind != ErrorKind::notFound)
         limit(category);
     return std::nullopt;
+}
+
+void ScanContext::measureAhead(const std::filesystem::path& folder) {
+    std::ignore = workers_.childrenMetrics(folder, budget_.deadline); // who scans remembers it
 }
 
 DirectoryMetrics ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {

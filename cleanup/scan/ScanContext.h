@@ -44,6 +44,9 @@ public:
     /// What stands at `url`; absent when there is nothing, or, with the category limited, when that cannot be found
     /// out.
     [[nodiscard]] std::optional<ItemFacts> look(const std::filesystem::path& url, CleanupCategory category);
+    /// Measures what is in `folder` at once, as far as that takes no longer than one measurement, so that to measure
+    /// one folder after the other there, and all of it, costs nothing more.
+    void measureAhead(const std::filesystem::path& folder);
     /// Measures `folder`. A measurement that is not complete limits the category.
     [[nodiscard]] DirectoryMetrics measure(const std::filesystem::path& folder, CleanupCategory category);
     /// The texts under `keys` in each file. Limits the category when time did not suffice for all of them.

@@ -35,6 +35,9 @@ public:
 
     /// Measures `folder`, for half a second at most.
     [[nodiscard]] virtual DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) = 0;
+    /// Measures `folder` and each folder directly in it, for half a second at most in all. What there was no time for
+    /// is left out.
+    [[nodiscard]] virtual ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) = 0;
     /// The visible entries of `folder`, listed in half a second at most. A link to a folder is refused.
     [[nodiscard]] virtual ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) = 0;
     /// The texts under `keys` of the outermost dictionary of each file.

@@ -45,7 +45,8 @@ WorkerJob propertyListJob(std::span<const std::string> arguments) {
 std::optional<WorkerJob> workerJob(std::span<const std::string> arguments) {
     if (!arguments.empty() && arguments[0] == propertyListFlag)
         return propertyListJob(arguments.subspan(1));
-    if (arguments.empty() || (arguments[0] != directoryMetricsFlag && arguments[0] != shallowChildrenFlag))
+    if (arguments.empty() || (arguments[0] != directoryMetricsFlag && arguments[0] != childrenMetricsFlag &&
+                              arguments[0] != shallowChildrenFlag))
         return std::nullopt;
     if (arguments.size() != 3)
         return WorkerJob();
@@ -54,8 +55,11 @@ std::optional<WorkerJob> workerJob(std::span<const std::string> arguments) {
     const auto seconds = positiveSeconds(arguments[2]);
     if (!seconds)
         return WorkerJob();
-    const std::chrono::duration<double> budget(std::min(*seconds, longestBudgetSeconds));
-    return MeasuringJob{arguments[1], std::chrono::duration_cast<std::chrono::nanoseconds>(budget)};
+    const auto budget = std::chrono::duration_cast<std::chrono::nanoseconds>(
+        std::chrono::duration<double>(std::min(*seconds, longestBudgetSeconds)));
+    if (arguments[0] == childrenMetricsFlag)
+        return MeasuringChildrenJob{arguments[1], budget};
+    return MeasuringJob{arguments[1], budget};
 }
 
 } // namespace vantry::CleanupScanner

@@ -11,10 +11,12 @@ namespace vantry::CleanupScanner {
 
 /// The flags that make a process of this executable a filesystem worker, when they are its first argument.
 ///   --directory-metrics-worker FOLDER SECONDS   writes a `DirectoryMetricsPayload` to standard output
+///   --children-metrics-worker FOLDER SECONDS    writes a `ChildrenMetricsPayload` to standard output
 ///   --shallow-children-worker FOLDER FILE       writes a `ShallowChildrenPayload` to FILE, which becomes 0600
 ///   --property-list-worker COUNT KEY... FILE... writes a `PropertyListPayload` for each FILE to standard output, with
 ///                                               the texts under the COUNT keys, each as soon as the file is read
 inline constexpr const char* directoryMetricsFlag = "--directory-metrics-worker";
+inline constexpr const char* childrenMetricsFlag = "--children-metrics-worker";
 inline constexpr const char* shallowChildrenFlag = "--shallow-children-worker";
 inline constexpr const char* propertyListFlag = "--property-list-worker";
 
@@ -23,6 +25,13 @@ struct MeasuringJob {
     std::chrono::nanoseconds budget{}; ///< 3 s at most
 
     bool operator==(const MeasuringJob&) const = default;
+};
+
+struct MeasuringChildrenJob {
+    std::string folder;
+    std::chrono::nanoseconds budget{}; ///< as above
+
+    bool operator==(const MeasuringChildrenJob&) const = default;
 };
 
 struct ListingJob {
@@ -41,7 +50,7 @@ struct PropertyListJob {
 
 /// What a worker is told to do; nothing when its arguments are wrong in number, SECONDS is no plain decimal number
 /// above 0, with a point in every locale, or COUNT is no plain number.
-using WorkerJob = std::variant<std::monostate, MeasuringJob, ListingJob, PropertyListJob>;
+using WorkerJob = std::variant<std::monostate, MeasuringJob, MeasuringChildrenJob, ListingJob, PropertyListJob>;
 
 /// Absent unless the first of `arguments`, the process's without its name, is one of the flags.
 [[nodiscard]] std::optional<WorkerJob> workerJob(std::span<const std::string> arguments);

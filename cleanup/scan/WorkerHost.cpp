@@ -62,6 +62,13 @@ bool endsWithin(ChildProcess& worker, std::chrono::milliseconds patience) {
     return true;
 }
 
+DirectoryMetrics metricsOf(const DirectoryMetricsPayload& payload) {
+    DirectoryMetrics metrics{.size = payload.size, .complete = payload.complete};
+    if (payload.newestModificationTime)
+        metrics.newestModificationDate = timeFromSecondsSince1970(*payload.newestModificationTime);
+    return metrics;
+}
+
 /// A name for a worker's list; what stands there is removed at the end, whatever happened. A request to end this
 /// process that arrives at this thread waits until then.
 class TemporaryList {
@@ -107,19 +114,20 @@ WorkerHost::~WorkerHost() { reapAbandoned(); }
 DirectoryMetrics WorkerHost::directoryMetrics(const std::filesystem::path& folder, Deadline deadline) {
     if (quickItemKind(folder) == ItemKind::regularFile)
         return CleanupScanner::directoryMetricsInProcess(folder, deadline);
-    if (hasPassed(deadline))
-        return {};
-    const auto budget = std::min<std::chrono::nanoseconds>(deadline - std::chrono::steady_clock::now(), longestJob);
-    const auto finished = run({CleanupScanner::directoryMetricsFlag, folder.native(),
-                               fmt::format("{:.6f}", std::max(std::chrono::duration<double>(budget).count(), 1e-6))},
-                              ChildOutput::pipe, deadlineIn(budget + measuringGrace));
-    const auto payload =
-        finished && finished->exitStatus == 0 ? decodedDirectoryMetrics(finished->output) : std::nullopt;
+    const auto output = measured(CleanupScanner::directoryMetricsFlag, folder, deadline);
+    const auto payload = output ? decodedDirectoryMetrics(*output) : std::nullopt;
+    return payload ? metricsOf(*payload) : DirectoryMetrics{};
+}
+
+ChildrenMetrics WorkerHost::childrenMetrics(const std::filesystem::path& folder, Deadline deadline) {
+    const auto output = measured(CleanupScanner::childrenMetricsFlag, folder, deadline);
+    const auto payload = output ? decodedChildrenMetrics(*output) : std::nullopt;
+    ChildrenMetrics metrics;
     if (!payload)
-        return {};
-    DirectoryMetrics metrics{.size = payload->size, .complete = payload->complete};
-    if (payload->newestModificationTime)
-        metrics.newestModificationDate = timeFromSecondsSince1970(*payload->newestModificationTime);
+        return metrics;
+    for (const auto& [name, child] : payload->children)
+        metrics.children.emplace(name, metricsOf(child));
+    metrics.whole = metricsOf(payload->whole);
     return metrics;
 }
 
@@ -149,6 +157,19 @@ PropertyListTexts WorkerHost::propertyListTexts(std::span<const std::filesystem:
     reapAbandoned();
     return CleanupScanner::readPropertyLists(environment_.executable, files, keys, deadline,
                                              [this](ChildProcess worker) { stopWorker(std::move(worker)); });
+}
+
+std::optional<std::string> WorkerHost::measured(const char* flag, const std::filesystem::path& folder,
+                                                Deadline deadline) {
+    if (hasPassed(deadline))
+        return std::nullopt;
+    const auto budget = std::min<std::chrono::nanoseconds>(deadline - std::chrono::steady_clock::now(), longestJob);
+    auto finished = run(
+        {flag, folder.native(), fmt::format("{:.6f}", std::max(std::chrono::duration<double>(budget).count(), 1e-6))},
+        ChildOutput::pipe, deadlineIn(budget + measuringGrace));
+    if (!finished || finished->exitStatus != 0)
+        return std::nullopt;
+    return std::move(finished->output);
 }
 
 // Reads while the worker runs, since a pipe holds little, and waits for its end: one that closes its output and lives

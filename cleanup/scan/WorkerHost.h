@@ -34,6 +34,8 @@ public:
 
     /// Measures `folder` in a worker, for half a second at most. A regular file is measured at once, without a worker.
     [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override;
+    /// Measures `folder` and each folder directly in it in one worker, for half a second at most in all.
+    [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override;
     /// The visible entries of `folder`, listed by a worker in half a second at most. A link to a folder is refused.
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override;
     [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
@@ -48,6 +50,9 @@ private:
         std::string output;
     };
 
+    /// The output of a worker that measures `folder`; absent when it did not end well in time.
+    [[nodiscard]] std::optional<std::string> measured(const char* flag, const std::filesystem::path& folder,
+                                                      Deadline deadline);
     [[nodiscard]] std::optional<Finished> run(const std::vector<std::string>& arguments, ChildOutput output,
                                               Deadline deadline);
     void stopWorker(ChildProcess worker);

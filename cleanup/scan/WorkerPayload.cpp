@@ -142,6 +142,13 @@ std::string encoded(const DirectoryMetricsPayload& payload) {
     return object.dump();
 }
 
+std::string encoded(const ChildrenMetricsPayload& payload) {
+    std::string text;
+    for (const auto& [name, metrics] : payload.children)
+        text += base64Text(name) + ' ' + encoded(metrics) + '\n';
+    return text + encoded(payload.whole);
+}
+
 std::string encoded(const ShallowChildrenPayload& payload) {
     Json names = Json::array();
     Json encodedNames = Json::array();
@@ -161,6 +168,25 @@ std::optional<DirectoryMetricsPayload> decodedDirectoryMetrics(std::string_view 
     if (!reader.reads(json))
         return std::nullopt;
     return reader.payload;
+}
+
+std::optional<ChildrenMetricsPayload> decodedChildrenMetrics(std::string_view text) {
+    ChildrenMetricsPayload payload;
+    for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        const auto line = text.substr(0, end);
+        text.remove_prefix(end + 1);
+        const auto space = line.find(' ');
+        const auto name = bytesOfBase64(line.substr(0, space));
+        const auto metrics =
+            space == std::string_view::npos ? std::nullopt : decodedDirectoryMetrics(line.substr(space + 1));
+        if (!name || !canBeInAFolder(*name) || !metrics || !payload.children.emplace(*name, *metrics).second)
+            return std::nullopt;
+    }
+    const auto whole = decodedDirectoryMetrics(text);
+    if (!whole)
+        return std::nullopt;
+    payload.whole = *whole;
+    return payload;
 }
 
 std::optional<ShallowChildrenPayload> decodedShallowChildren(std::string_view json) {

@@ -348,6 +348,26 @@ private:
     std::vector<std::size_t> open_; ///< which folders of the path are open, in its order
 };
 
+template <class Wanted>
+Result<std::vector<std::string>> namesIn(const std::filesystem::path& folder, Wanted isWanted) {
+    const NothingIsFetched nothingIsFetched;
+    const UniqueFd fd(open(folder.c_str(), openFlags));
+    if (!fd)
+        return std::unexpected(errorFromErrno(errno, folder.native()));
+    DirectoryReader reader;
+    std::vector<std::string> names;
+    for (;;) {
+        const auto piece = reader.read(fd.get());
+        if (!piece)
+            return std::unexpected(errorFromErrno(piece.error(), folder.native()));
+        if (piece->empty())
+            return names;
+        for (const DirectoryEntry& entry : *piece)
+            if (isWanted(entry))
+                names.emplace_back(entry.name);
+    }
+}
+
 } // namespace
 
 // One thread walks it all.
@@ -370,23 +390,13 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsign
     return root ? Walk(deadline).from(std::move(root)) : TreeTotals{};
 }
 
+Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {
+    return namesIn(folder, [](const DirectoryEntry&) { return true; });
+}
+
 Result<std::vector<std::string>> visibleNames(const std::filesystem::path& folder) {
-    const NothingIsFetched nothingIsFetched;
-    const UniqueFd fd(open(folder.c_str(), openFlags));
-    if (!fd)
-        return std::unexpected(errorFromErrno(errno, folder.native()));
-    DirectoryReader reader;
-    std::vector<std::string> names;
-    for (;;) {
-        const auto piece = reader.read(fd.get());
-        if (!piece)
-            return std::unexpected(errorFromErrno(piece.error(), folder.native()));
-        if (piece->empty())
-            return names;
-        for (const DirectoryEntry& entry : *piece)
-            if (entry.name[0] != '.' && (entry.flags & UF_HIDDEN) == 0)
-                names.emplace_back(entry.name);
-    }
+    return namesIn(folder,
+                   [](const DirectoryEntry& entry) { return entry.name[0] != '.' && (entry.flags & UF_HIDDEN) == 0; });
 }
 
 } // namespace vantry

@@ -340,7 +340,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsign
     return root ? walkFolder(std::move(root), deadline, threads) : TreeTotals{};
 }
 
-Result<std::vector<std::string>> visibleNames(const std::filesystem::path& folder) {
+Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {
     const UniqueFd fd(open(folder.c_str(), folderOpenFlags));
     if (!fd)
         return std::unexpected(errorFromErrno(errno, folder.native()));
@@ -353,9 +353,15 @@ Result<std::vector<std::string>> visibleNames(const std::filesystem::path& folde
         if (piece->empty())
             return names;
         for (const DirectoryEntry& entry : *piece)
-            if (entry.name[0] != '.')
-                names.emplace_back(entry.name);
+            names.emplace_back(entry.name);
     }
+}
+
+Result<std::vector<std::string>> visibleNames(const std::filesystem::path& folder) {
+    auto names = allNames(folder);
+    if (names)
+        std::erase_if(*names, [](const std::string& name) { return name.starts_with('.'); });
+    return names;
 }
 
 } // namespace vantry

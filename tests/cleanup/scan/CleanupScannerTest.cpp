@@ -157,6 +157,31 @@ TEST_F(ScanReport, AHomeWhosePlacesAllHangSaysSoEverywhere) {
         EXPECT_EQ(metric.occupied.isExact(), category == CleanupCategory::crashReport) << rawValue(category);
 }
 
+TEST_F(ScanReport, WhatWasMeasuredAheadIsNotMeasuredAgain) {
+    workers.measuresAhead = true;
+    folderWithFile("Library/Caches/one", 30 * mebibyte, days(40));
+    folderWithFile("Library/Caches/two", 30 * mebibyte, days(50));
+    folderWithFile("Library/Caches/recent", 4096, days(1));
+    const auto report = scan(environment, workers, {});
+    EXPECT_EQ(namesOf(report.candidates), (std::vector<std::string>{"one", "two"}));
+    EXPECT_EQ(report.metrics.at(CleanupCategory::cache).occupied, CleanupByteAmount::exact(60 * mebibyte + 4096));
+    const auto times = [&](const std::string& question) { return std::ranges::count(workers.asked, question); };
+    EXPECT_EQ(times("measure in " + at("Library/Caches").native()), 1);
+    for (const char* path : {"Library/Caches", "Library/Caches/one", "Library/Caches/two"})
+        EXPECT_EQ(times("measure " + at(path).native()), 0) << path;
+}
+
+TEST_F(ScanReport, WhatCouldNotBeMeasuredAheadIsMeasuredByItself) {
+    folderWithFile("Library/Caches/one", 30 * mebibyte, days(40));
+    folderWithFile("Library/Caches/two", 30 * mebibyte, days(50));
+    const auto report = scan(environment, workers, {});
+    EXPECT_EQ(namesOf(report.candidates), (std::vector<std::string>{"one", "two"}));
+    const auto times = [&](const std::string& question) { return std::ranges::count(workers.asked, question); };
+    EXPECT_EQ(times("measure in " + at("Library/Caches").native()), 1);
+    for (const char* path : {"Library/Caches", "Library/Caches/one", "Library/Caches/two"})
+        EXPECT_EQ(times("measure " + at(path).native()), 1) << path;
+}
+
 TEST_F(ScanReport, EachFolderIsListedAndMeasuredOnceUnlessThatWasNotComplete) {
     folderWithFile(".npm/_cacache", 4096, days(1));
     const auto incomplete = folderWithFile(".gradle/caches", 4096, days(1));

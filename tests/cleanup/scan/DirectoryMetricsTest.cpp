@@ -81,4 +81,57 @@ TEST(DirectoryMetricsInProcess, TakeAnyDeadline) {
     EXPECT_EQ(directoryMetricsInProcess(root.path(), Deadline::max()), DirectoryMetrics{.complete = true});
 }
 
+TEST(ChildrenMetricsInProcess, AreThoseOfEachFolderAndOfTheWhole) {
+    const TemporaryFolder root;
+    std::filesystem::create_directories(root / "a/deeper");
+    std::filesystem::create_directories(root / ".b");
+    std::filesystem::create_directories(root / "empty");
+    writeFile(root / "a/deeper/one", std::string(10'000, '1'));
+    writeFile(root / ".b/two", std::string(20'000, '2'));
+    writeFile(root / "three", std::string(30'000, '3'));
+    setModified(root / "a/deeper/one", older);
+    setModified(root / ".b/two", newer);
+    setModified(root / "three", older);
+    std::filesystem::create_directory_symlink(root / "a", root / "link");
+    std::filesystem::create_symlink("nowhere", root / "dangling");
+    ASSERT_EQ(mkfifo((root / "fifo").c_str(), 0600), 0);
+    const auto metrics = childrenMetricsInProcess(root.path(), deadlineIn(1min));
+    EXPECT_EQ(metrics.whole, directoryMetricsInProcess(root.path(), deadlineIn(1min)));
+    const std::map<std::string, DirectoryMetrics> expected{
+        {"a", {.size = allocated(root / "a/deeper/one"), .newestModificationDate = older, .complete = true}},
+        {".b", {.size = allocated(root / ".b/two"), .newestModificationDate = newer, .complete = true}},
+        {"empty", {.complete = true}}};
+    EXPECT_EQ(metrics.children, expected);
+}
+
+TEST(ChildrenMetricsInProcess, OfManyFoldersMissNone) {
+    const TemporaryFolder root;
+    for (int i = 0; i < 300; ++i) {
+        std::filesystem::create_directory(root / std::to_string(i));
+        for (int file = 0; file <= i % 3; ++file)
+            writeFile(root / std::to_string(i) / std::to_string(file), "1");
+    }
+    const auto metrics = childrenMetricsInProcess(root.path(), deadlineIn(1min));
+    ASSERT_TRUE(metrics.whole.complete); // more than enough time for 600 files
+    EXPECT_EQ(metrics.whole, directoryMetricsInProcess(root.path(), deadlineIn(1min)));
+    ASSERT_EQ(metrics.children.size(), 300U);
+    for (int i = 0; i < 300; ++i)
+        EXPECT_EQ(metrics.children.at(std::to_string(i)).size, (1 + i % 3) * allocated(root / "0/0")) << i;
+}
+
+TEST(ChildrenMetricsInProcess, LeaveOutWhatThereWasNoTimeFor) {
+    const TemporaryFolder root;
+    std::filesystem::create_directory(root / "a");
+    writeFile(root / "a/one", "1");
+    EXPECT_EQ(childrenMetricsInProcess(root.path(), Deadline::min()), ChildrenMetrics{});
+}
+
+TEST(ChildrenMetricsInProcess, OfWhatIsNoFolderAreNothing) {
+    const TemporaryFolder root;
+    writeFile(root / "file", "1");
+    std::filesystem::create_directory_symlink(root.path(), root / "link");
+    for (const char* name : {"file", "link", "missing"})
+        EXPECT_EQ(childrenMetricsInProcess(root / name, deadlineIn(1min)), ChildrenMetrics{}) << name;
+}
+
 } // namespace vantry::CleanupScanner

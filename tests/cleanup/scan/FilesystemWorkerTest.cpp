@@ -96,6 +96,8 @@ TEST_F(FilesystemWorker, WasAskedForAlsoWhenItCannotDoItsJob) {
         {"--directory-metrics-worker", folder, "abc"},
         {"--directory-metrics-worker", folder, "-1"},
         {"--directory-metrics-worker", folder, "1", "2"},
+        {"--children-metrics-worker", folder},
+        {"--children-metrics-worker", folder, "abc"},
         {"--shallow-children-worker"},
         {"--shallow-children-worker", folder},
         {"--shallow-children-worker", folder, output, "more"},

@@ -32,6 +32,10 @@ public:
         const auto totals = walkTree(folder, deadlineIn(std::chrono::seconds(60)), 1);
         return {totals.allocatedBytes, totals.newestModification, totals.complete};
     }
+    [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override {
+        asked.push_back("measure in " + folder.native());
+        return measuresAhead ? CleanupScanner::childrenMetricsInProcess(folder, deadline) : ChildrenMetrics{};
+    }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("list " + folder.native());
         if (whileListing)
@@ -73,6 +77,7 @@ public:
     std::set<std::filesystem::path> hung;                      ///< folders whose listing is not complete
     std::map<std::filesystem::path, std::map<std::string, std::string>> lists;
     bool listsAreComplete = true;
+    bool measuresAhead = false; ///< what is in a folder at once, when asked to
     std::function<void(const std::filesystem::path&)> whileListing;
     std::function<void(const std::filesystem::path&)> afterListing;
     std::vector<std::string> asked;

@@ -49,6 +49,9 @@ TEST(WorkerArguments, WithoutAFlagInFrontAskForNoWorker) {
 TEST(WorkerArguments, InTheRightNumberNameAJob) {
     EXPECT_EQ(workerJob(Arguments{"--directory-metrics-worker", "/a folder", "0.5"}),
               WorkerJob(MeasuringJob{"/a folder", 500ms}));
+    EXPECT_EQ(workerJob(Arguments{"--children-metrics-worker", "/a folder", "4"}),
+              WorkerJob(MeasuringChildrenJob{"/a folder", 3s}));
+    EXPECT_EQ(workerJob(Arguments{"--children-metrics-worker", "/a folder", "0"}), nothing);
     EXPECT_EQ(workerJob(Arguments{"--shallow-children-worker", "/a folder", "/tmp/list"}),
               WorkerJob(ListingJob{"/a folder", "/tmp/list"}));
     EXPECT_EQ(workerJob(Arguments{"--shallow-children-worker", "", ""}), WorkerJob(ListingJob{"", ""}));
@@ -75,7 +78,7 @@ TEST(WorkerArguments, NameThePropertyListsBehindAsManyKeysAsTheySay) {
 }
 
 TEST(WorkerArguments, InAWrongNumberAskAWorkerForNothing) {
-    for (const char* flag : {"--directory-metrics-worker", "--shallow-children-worker"})
+    for (const char* flag : {"--directory-metrics-worker", "--children-metrics-worker", "--shallow-children-worker"})
         for (const auto& arguments : {Arguments{flag}, Arguments{flag, "/folder"}, Arguments{flag, "/folder", "1", "2"},
                                       Arguments{flag, "/folder", "1", ""}, Arguments{flag, "/folder", "1", "2", "3"}})
             EXPECT_EQ(workerJob(arguments), nothing) << testing::PrintToString(arguments);

@@ -31,6 +31,11 @@ protected:
         EXPECT_EQ(host.directoryMetrics(folder(behaviour), farAway()), DirectoryMetrics{}) << behaviour;
         expectInTime(behaviour);
     }
+    void expectNoMeasuresOfChildren(const char* behaviour) {
+        begin();
+        EXPECT_EQ(host.childrenMetrics(folder(behaviour), farAway()), ChildrenMetrics{}) << behaviour;
+        expectInTime(behaviour);
+    }
     void expectNoList(const char* behaviour) {
         begin();
         EXPECT_EQ(host.shallowChildren(folder(behaviour), farAway()), ShallowChildren{}) << behaviour;
@@ -51,6 +56,7 @@ private:
 TEST_F(FaultyWorkers, ThatHangAreEnded) {
     for (const char* behaviour : {"hangs", "hangs-while-writing", "hangs-after-writing"}) {
         expectNoMeasures(behaviour);
+        expectNoMeasuresOfChildren(behaviour);
         expectNoList(behaviour);
         EXPECT_FALSE(hasChildren()) << behaviour;
     }
@@ -103,6 +109,7 @@ TEST_F(FaultyWorkers, ThatCloseTheirOutputAndLiveOnHaveNotAnswered) {
 TEST_F(FaultyWorkers, ThatEndBadlyAreNotBelieved) {
     for (const char* behaviour : {"fails-after-a-good-answer", "kills-itself"}) {
         expectNoMeasures(behaviour);
+        expectNoMeasuresOfChildren(behaviour);
         expectNoList(behaviour);
     }
 }
@@ -133,6 +140,7 @@ TEST_F(FaultyWorkers, ThatWriteSomethingElseAreNotBelieved) {
     for (const char* behaviour : {"writes-nothing", "writes-garbage", "writes-more-after-its-answer",
                                   "answers-the-other-question", "leaves-the-folder", "no-such-behaviour"}) {
         expectNoMeasures(behaviour);
+        expectNoMeasuresOfChildren(behaviour);
         expectNoList(behaviour);
     }
 }

@@ -76,6 +76,26 @@ TEST_F(RealWorkers, MeasureAFolderAsItIsMeasuredInProcess) {
     EXPECT_EQ(completeAnswer([&] { return host.directoryMetrics(folder, farAway()); }), expected);
 }
 
+TEST_F(RealWorkers, MeasureEachFolderInAFolderAsItIsMeasuredByItself) {
+    const fs::path folder = root / "tree";
+    const std::vector<std::string> names{"plain", ".hidden", "caf\xe9", "a\nb c"};
+    for (const auto& name : names) {
+        fs::create_directories(folder / name / "inside");
+        writeFile(folder / name / "inside/file", std::string(1 + 5'000 * name.size(), '1'));
+    }
+    writeFile(folder / "file", "1");
+    fs::create_directory_symlink("/etc", folder / "link");
+    ChildrenMetrics answer;
+    for (int attempt = 0; attempt < 20 && !answer.whole.complete; ++attempt)
+        answer = host.childrenMetrics(folder, farAway());
+    EXPECT_EQ(answer.whole, completeAnswer([&] { return host.directoryMetrics(folder, farAway()); }));
+    EXPECT_EQ(answer.children.size(), names.size());
+    for (const auto& name : names)
+        EXPECT_EQ(answer.children.at(name),
+                  completeAnswer([&] { return host.directoryMetrics(folder / name, farAway()); }))
+            << name;
+}
+
 TEST_F(RealWorkers, FindNothingInAnEmptyFolder) {
     fs::create_directory(root / "empty");
     EXPECT_EQ(completeAnswer([&] { return host.directoryMetrics(root / "empty", farAway()); }),
@@ -93,6 +113,7 @@ TEST_F(RealWorkers, MeasureAndListNoLinkAndNothingThatIsMissing) {
     for (const char* name : {"link", "linkToFile", "dangling", "missing", "folder/file/below", "missing/below"}) {
         EXPECT_EQ(host.directoryMetrics(root / name, farAway()), DirectoryMetrics{}) << name;
         EXPECT_EQ(host.shallowChildren(root / name, farAway()), ShallowChildren{}) << name;
+        EXPECT_EQ(host.childrenMetrics(root / name, farAway()), ChildrenMetrics{}) << name;
     }
     EXPECT_EQ(host.shallowChildren(root / "folder/file", farAway()), ShallowChildren{});
     EXPECT_EQ(host.shallowChildren("", farAway()), ShallowChildren{});
@@ -158,6 +179,7 @@ TEST_F(NoWorkers, AreNeededForAFile) {
 TEST_F(NoWorkers, AnswerNothing) {
     EXPECT_EQ(host.directoryMetrics(root.path(), farAway()), DirectoryMetrics{});
     EXPECT_EQ(host.shallowChildren(root.path(), farAway()), ShallowChildren{});
+    EXPECT_EQ(host.childrenMetrics(root.path(), farAway()), ChildrenMetrics{});
 }
 
 TEST_F(Workers, AreBelieved) {
@@ -172,6 +194,8 @@ TEST_F(Workers, AreNotStartedForAFileOrWhenTimeIsUp) {
     EXPECT_EQ(host.directoryMetrics(asked, std::chrono::steady_clock::now()), DirectoryMetrics{});
     EXPECT_EQ(host.shallowChildren(asked, std::chrono::steady_clock::now()), ShallowChildren{});
     EXPECT_EQ(host.directoryMetrics(asked, Deadline::min()), DirectoryMetrics{});
+    EXPECT_EQ(host.childrenMetrics(asked, std::chrono::steady_clock::now()), ChildrenMetrics{});
+    EXPECT_EQ(host.childrenMetrics(asked, Deadline::min()), ChildrenMetrics{});
     EXPECT_EQ(host.shallowChildren(asked, Deadline::min()), ShallowChildren{});
     writeFile(asked / "file", "1");
     EXPECT_TRUE(host.directoryMetrics(asked / "file", farAway()).complete);

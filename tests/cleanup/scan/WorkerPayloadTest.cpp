@@ -314,6 +314,56 @@ TEST(ShallowChildrenPayload, IsNotReadFromAnythingElse) {
         EXPECT_EQ(decodedShallowChildren(text), std::nullopt) << text;
 }
 
+TEST(ChildrenMetricsPayload, IsWrittenALineForEachChildAndOneForTheWhole) {
+    const ChildrenMetricsPayload payload{
+        .children = {{"a", {.size = 1, .complete = true}},
+                     {"b\n", {.size = 2, .newestModificationTime = 3.5, .complete = true}}},
+        .whole = {.size = 4, .complete = false}};
+    EXPECT_EQ(encoded(payload), "YQ== {\"size\":1,\"complete\":true}\n"
+                                "Ygo= {\"size\":2,\"newestModificationTime\":3.5,\"complete\":true}\n"
+                                "{\"size\":4,\"complete\":false}");
+    EXPECT_EQ(encoded(ChildrenMetricsPayload{}), R"({"size":0,"complete":false})");
+}
+
+TEST(ChildrenMetricsPayload, BringsBackEveryNameThatAFolderCanHold) {
+    ChildrenMetricsPayload payload{.children = {}, .whole = {.size = 7, .complete = true}};
+    for (const std::string& name : {std::string(" "), std::string("\n"), std::string("Größe"), std::string("\xff\xfe"),
+                                    std::string(255, 'n'), std::string("...")})
+        payload.children[name] = {.size = static_cast<std::int64_t>(name.size()), .complete = true};
+    EXPECT_EQ(decodedChildrenMetrics(encoded(payload)), payload);
+}
+
+TEST(ChildrenMetricsPayload, IsNotReadFromAnythingElse) {
+    const std::string child = R"(YQ== {"size":1,"complete":true})";
+    const std::string whole = R"({"size":1,"complete":true})";
+    ASSERT_TRUE(decodedChildrenMetrics(child + "\n" + whole));
+    const std::string cases[] = {
+        "",
+        "\n",
+        child,
+        child + "\n",
+        child + whole,
+        whole + "\n",
+        whole + "\n" + whole,
+        child + "\n" + child + "\n" + whole, // one name twice
+        child + "\n\n" + whole,
+        child + "\n" + whole + "\n",
+        "YQ==  {\"size\":1,\"complete\":true}x\n" + whole,
+        "YQ={\"size\":1,\"complete\":true}\n" + whole,
+        "a {\"size\":1,\"complete\":true}\n" + whole,
+        " {\"size\":1,\"complete\":true}\n" + whole,
+        "Lg== {\"size\":1,\"complete\":true}\n" + whole, // .
+        "Li4= {\"size\":1,\"complete\":true}\n" + whole, // ..
+        "YS9i {\"size\":1,\"complete\":true}\n" + whole, // a/b
+        "YQBi {\"size\":1,\"complete\":true}\n" + whole, // a zero in it
+        "YQ== {\"size\":-1,\"complete\":true}\n" + whole,
+        "YQ== {}\n" + whole,
+        child + "\n{}",
+    };
+    for (const auto& text : cases)
+        EXPECT_EQ(decodedChildrenMetrics(text), std::nullopt) << text;
+}
+
 TEST(WorkerPayload, IsNotReadFromDeepNestingAndTakesNoStackForIt) {
     constexpr std::size_t depth = 5'000'000;
     for (const std::string& text : {std::string(depth, '['), std::string(depth, '{'),

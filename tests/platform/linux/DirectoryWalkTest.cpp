@@ -607,6 +607,12 @@ TEST(VisibleNames, AreThoseWithoutADotInFront) {
     ASSERT_TRUE(names);
     EXPECT_EQ(std::set<std::string>(names->begin(), names->end()), expected);
     EXPECT_EQ(names->size(), expected.size());
+
+    expected.insert({".hidden", "...", ".\xff"});
+    const auto all = allNames(root.path());
+    ASSERT_TRUE(all);
+    EXPECT_EQ(std::set<std::string>(all->begin(), all->end()), expected);
+    EXPECT_EQ(all->size(), expected.size());
 }
 
 TEST(VisibleNames, OfAWideFolderAreAllThere) {
