@@ -1,8 +1,10 @@
 #include "app/AppServices.h"
 
 #include "app/LaunchAtLoginController.h"
+#include "rendering/WallpaperThemeReader.h"
 
 #include <chrono>
+#include <utility>
 
 namespace vantry {
 
@@ -22,20 +24,22 @@ LoginItemServices loginItemServices() {
             .refreshIfEnabled = [environment = *environment] { return Controller::refreshIfEnabled(environment); }};
 }
 
-// No wallpaper is found, so the vivid colours stand in for its own.
-WallpaperServices wallpaperServices() {
-    return {.currentWallpaperURL = [](const Screen&) { return std::nullopt; },
-            .identity = [](const std::filesystem::path&) { return std::string(); },
-            .palette = [](const std::filesystem::path&, int) { return std::nullopt; }};
-}
-
 } // namespace
+
+WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows) {
+    return {.currentWallpaperURL =
+                [sources = WallpaperThemeReader::systemSources(std::move(windows))](const Screen& screen) {
+                    return WallpaperThemeReader::currentWallpaperURL(screen, sources);
+                },
+            .identity = WallpaperThemeReader::identity,
+            .palette = WallpaperThemeReader::palette};
+}
 
 AppServices systemServices() {
     return {.backgroundQueue = makeBackgroundQueue(),
             .now = [] { return SystemTime(std::chrono::system_clock::now()); },
             .readSystemVolume = StorageReader::readSystemVolume,
-            .wallpaper = wallpaperServices(),
+            .wallpaper = wallpaperServices(nullptr),
             .loginItem = loginItemServices(),
             .makeCleanupServices = systemCleanupServices};
 }

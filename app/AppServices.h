@@ -7,6 +7,7 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/PreferencesStore.h"
+#include "platform/WindowList.h"
 #include "platform/Workspace.h"
 #include "storage/StorageReader.h"
 
@@ -50,7 +51,11 @@ struct AppServices {
     std::vector<std::string> arguments;                   ///< of the process, without its name
 };
 
-/// The services that need no toolkit, filled in with the real ones; a front end adds what lives in its event loop.
+/// The real wallpaper, found with the help of `windows`, which may be null.
+[[nodiscard]] WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows);
+
+/// The services that need no toolkit, filled in with the real ones; a front end adds what lives in its event loop, and
+/// the wallpaper.
 [[nodiscard]] AppServices systemServices();
 
 } // namespace vantry

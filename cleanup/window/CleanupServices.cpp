@@ -1,7 +1,63 @@
 #include "cleanup/window/CleanupServices.h"
 
+#include "cleanup/scan/CleanupScanner.h"
+#include "cleanup/scan/CleanupValidation.h"
+#include "cleanup/scan/ScanEnvironment.h"
+#include "cleanup/window/CleanupHistory.h"
+#include "platform/FileCoordinator.h"
+#include "platform/Trash.h"
+#include "platform/UserSession.h"
+#include "storage/StorageReader.h"
+
 namespace vantry {
 
-CleanupServices systemCleanupServices() { return {}; }
+namespace {
+
+constexpr const char* noEnvironment = "the home folder could not be verified";
+
+// Without a home folder nothing can be checked, which is a result too.
+CleanupScanReport nothingChecked() {
+    CleanupScanReport report{.storageSnapshot = StorageReader::readBasicSystemVolume()};
+    for (const auto& row : allCleanupCategories) {
+        report.states[row.value] = CleanupScanState::unavailable;
+        report.metrics[row.value] = {};
+    }
+    return report;
+}
+
+CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers) {
+    const auto environment = ScanEnvironment::current();
+    return environment ? CleanupScanner::scan(*environment, runningBundleIdentifiers) : nothingChecked();
+}
+
+std::optional<std::string> validationFailure(const CleanupCandidate& candidate) {
+    const auto environment = ScanEnvironment::current();
+    return environment ? CleanupScanner::validationFailure(candidate, *environment) : noEnvironment;
+}
+
+Result<void> moveValidated(const CleanupCandidate& candidate) {
+    const auto environment = ScanEnvironment::current();
+    if (!environment)
+        return std::unexpected(Error{ErrorKind::invalid, noEnvironment});
+    const auto file = CleanupScanner::validatedFile(candidate, *environment);
+    if (!file)
+        return std::unexpected(Error{ErrorKind::invalid, file.error()});
+    return moveToTrash(*file);
+}
+
+} // namespace
+
+CleanupServices systemCleanupServices() {
+    const auto home = homeFolder().value_or(std::filesystem::path());
+    return {.home = home,
+            .applications = "/Applications",
+            .scan = scan,
+            .validationFailure = validationFailure,
+            .coordinateMoving = coordinateMoving,
+            .moveToTrash = moveValidated,
+            .saveHistory = [home](std::span<const CleanupCandidate> moved) {
+                return !home.empty() && saveHistory(moved, home, std::chrono::system_clock::now());
+            }};
+}
 
 } // namespace vantry

@@ -4,12 +4,16 @@
 #include "cleanup/window/CleanupServices.h"
 #include "cleanup/window/CleanupWindowContent.h"
 #include "cleanup/window/CleanupWindowShell.h"
+#include "cleanup/window/MoveToTrash.h"
+#include "cleanup/window/SelectionSummary.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Workspace.h"
 
+#include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +31,9 @@ public:
                             std::shared_ptr<BackgroundQueue> backgroundQueue, std::shared_ptr<Workspace> workspace,
                             CleanupServices services);
 
+    /// Only shows the window while a scan or a move is under way, or a sheet asks.
     void showAndScan();
-    /// Does nothing while a scan or a move is under way.
+    /// Does nothing while a scan or a move is under way, or a sheet asks.
     void scan();
 
     // What the controls do.
@@ -45,11 +50,49 @@ public:
     [[nodiscard]] const CleanupWindowContent& content() const { return content_; }
 
 private:
+    /// What is under way. `checking` is the validation before a sheet or a move, `asking` a sheet.
+    enum class Activity { idle, scanning, checking, asking, moving };
+
+    using Candidates = std::vector<CleanupCandidate>;
+    using Check = void (CleanupWindowController::*)(const Candidates& selected,
+                                                    const std::vector<std::string>& failureLines);
+
+    void finishScan(CleanupScanReport report);
+
+    // A move takes these steps; each but the last may be the end of it.
+    void validate(Candidates selected, Check checked);
+    void confirm(const Candidates& selected, const std::vector<std::string>& failureLines);
+    void moveToTrash(Candidates candidates);
+    void startMove(const Candidates& candidates, const std::vector<std::string>& failureLines);
+    void finishMove(const MoveOutcome& outcome);
+
+    void ask(const AlertContent& alert, std::function<void(CleanupWindowController&, AlertAnswer)> answered);
+    void begin(Activity activity);
+    void endActivity();
+
+    void updateModeControls();
+    void updateSummaryCards();
+    void updateSelectionSummary();
+    void renderResults();
+    void render();
+
+    [[nodiscard]] Candidates selectedCandidates() const;
+    [[nodiscard]] bool isSelected(const CleanupCandidate& candidate) const;
+    void findOutWhatCanBeOpened();
+    void openFolder(const std::filesystem::path& path);
+    void openApplication(const std::filesystem::path& path);
+    void openSystemSettings(const std::string& paneURL);
+
     CleanupWindowShell& shell_;
     std::shared_ptr<MainQueue> mainQueue_;
     std::shared_ptr<BackgroundQueue> backgroundQueue_;
     std::shared_ptr<Workspace> workspace_;
     CleanupServices services_;
+    Activity activity_ = Activity::idle;
+    CleanupScanReport report_; ///< of the last scan that ended, without what was moved since
+    SelectedPaths selectedPaths_;
+    std::string scanSummary_ = CleanupWindowContent{}.statusLabel;
+    std::map<CleanupAvenue::Action, bool> canOpen_; ///< found out when a scan ends, and before the first one
     CleanupWindowContent content_;
 };
 

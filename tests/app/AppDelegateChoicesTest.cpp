@@ -151,7 +151,7 @@ TEST_F(AppDelegateChoices, EveryControlOfThePopoverReachesItsOperation) {
          {"shell.closePopover", "workspace.openURL x-apple.systempreferences:com.apple.settings.Storage"}},
         {"cleanup",
          [](auto& controls) { controls.cleanupPressed(); },
-         {"shell.closePopover", "cleanupWindow.make", "cleanupWindow.showAndScan"}},
+         {"shell.closePopover", "cleanup.makeServices", "shell.showCleanupWindow", "cleanup.scan"}},
         {"quit", [](auto& controls) { controls.quitPressed(); }, {"shell.terminate"}},
         {"login on", [](auto& controls) { controls.loginItemChanged(true); }, {"loginItem.setEnabled true"}},
         {"login off", [](auto& controls) { controls.loginItemChanged(false); }, {"loginItem.setEnabled false"}},
@@ -169,9 +169,9 @@ TEST_F(AppDelegateChoices, EveryControlOfThePopoverReachesItsOperation) {
         launchAndSettle();
         act(delegate->popoverController());
         world.settle();
-        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanupWindow.",
+        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanup.",
                               "loginItem.setEnabled", "preferences.write", "shell.closePopover", "shell.openPopover",
-                              "shell.popUpContextMenu", "shell.terminate"}),
+                              "shell.showCleanupWindow", "shell.popUpContextMenu", "shell.terminate"}),
                     ElementsAreArray(asked));
     }
 }

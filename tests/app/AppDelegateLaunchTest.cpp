@@ -42,7 +42,7 @@ TEST_F(AppDelegateLaunch, ReadsTheVolumeBeforeItLooksForTheWallpaper) {
 TEST_F(AppDelegateLaunch, DoesNothingSlowByItself) {
     world.arguments = {"--show-cleanup"};
     launch();
-    EXPECT_THAT(log.only({"volume.", "wallpaper.", "cleanupWindow."}), IsEmpty());
+    EXPECT_THAT(log.only({"volume.", "wallpaper.", "cleanup.", "shell.showCleanupWindow"}), IsEmpty());
 }
 
 TEST_F(AppDelegateLaunch, RewritesTheLaunchAgentOnlyWhenThereIsOne) {
@@ -159,10 +159,11 @@ TEST_F(AppDelegateLaunch, MakesTheDelegateTheOneThatThePopoverReportsTo) {
 TEST_F(AppDelegateLaunch, ShowsTheCleanupWindowOnlyAfterTheLaunchIsOver) {
     world.arguments = {"--something", "--show-cleanup", "more"};
     launch();
-    EXPECT_EQ(log.count("cleanupWindow."), 0);
+    EXPECT_THAT(log.only({"cleanup.", "shell.showCleanupWindow"}), IsEmpty());
     ASSERT_EQ(world.mainQueue->postedCount(), 1);
     world.mainQueue->runNext();
-    EXPECT_THAT(log.only({"cleanupWindow."}), ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan"));
+    EXPECT_THAT(log.only({"cleanup.", "shell.showCleanupWindow"}),
+                ElementsAre("cleanup.makeServices", "shell.showCleanupWindow"));
 }
 
 TEST_F(AppDelegateLaunch, TakesNoOtherSpellingOfShowCleanup) {
@@ -175,7 +176,7 @@ TEST_F(AppDelegateLaunch, TakesNoOtherSpellingOfShowCleanup) {
         launch();
         EXPECT_EQ(world.mainQueue->postedCount(), 0);
         world.settle();
-        EXPECT_EQ(log.count("cleanupWindow."), 0);
+        EXPECT_THAT(log.only({"cleanup.", "shell.showCleanupWindow"}), IsEmpty());
     }
 }
 
@@ -184,10 +185,10 @@ TEST_F(AppDelegateLaunch, MakesTheCleanupWindowOnce) {
     launch();
     world.settle();
     delegate->showCleanupWindow();
-    EXPECT_THAT(log.only({"cleanupWindow."}),
-                ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan", "cleanupWindow.showAndScan"));
+    EXPECT_THAT(
+        log.only({"cleanup.", "shell.showCleanupWindow"}),
+        ElementsAre("cleanup.makeServices", "shell.showCleanupWindow", "cleanup.scan", "shell.showCleanupWindow"));
 }
-
 
 TEST_F(AppDelegateLaunch, ReadsAndSamplesOnEveryTickOfTheTimer) {
     launchAndSettle();

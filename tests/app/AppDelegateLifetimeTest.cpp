@@ -18,7 +18,7 @@ protected:
         log.clear();
     }
 
-    void expectNothingShown() const { EXPECT_THAT(log.only({"shell.", "cleanupWindow.", "loginItem."}), IsEmpty()); }
+    void expectNothingShown() const { EXPECT_THAT(log.only({"shell.", "cleanup.", "loginItem."}), IsEmpty()); }
 };
 
 TEST_F(AppDelegateLifetime, EndsItsTimerAndItsObserver) {

@@ -148,7 +148,7 @@ TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
     const std::vector<Case> cases{
         {{"Refresh"}, {"volume.read", "wallpaper.find Built-in", "wallpaper.palette /pictures/lake.heic 7"}},
         {{"Open Storage Settings…"}, {"workspace.openURL x-apple.systempreferences:com.apple.settings.Storage"}},
-        {{"Free Up Space…"}, {"cleanupWindow.make", "cleanupWindow.showAndScan"}},
+        {{"Free Up Space…"}, {"cleanup.makeServices", "shell.showCleanupWindow", "cleanup.scan"}},
         {{"Show % Used"}, {"preferences.write showUsedPercentage true"}},
         {{"Bar Style"}, {}},
         {{"Bar Style", "Rainbow"}, {"preferences.write barStyle storageGradient"}},
@@ -171,9 +171,9 @@ TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
         launchAndSettle();
         choose(path);
         world.settle();
-        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanupWindow.",
+        EXPECT_THAT(log.only({"volume.", "wallpaper.find", "wallpaper.palette", "workspace.openURL", "cleanup.",
                               "loginItem.setEnabled", "preferences.write", "shell.closePopover", "shell.openPopover",
-                              "shell.terminate"}),
+                              "shell.showCleanupWindow", "shell.terminate"}),
                     testing::ElementsAreArray(asked));
     }
 }

@@ -60,7 +60,8 @@ TEST_F(LaterStarts, OpenTheCleanupWindow) {
     listen();
     ask(InstanceRequest::showCleanup);
     world.mainQueue->fireReadable();
-    EXPECT_THAT(log.calls(), ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan"));
+    EXPECT_THAT(log.only({"cleanup.", "shell.showCleanupWindow", "shell.openPopover"}),
+                ElementsAre("cleanup.makeServices", "shell.showCleanupWindow"));
 }
 
 TEST_F(LaterStarts, AreAllAnsweredInTheirOrder) {
@@ -70,9 +71,9 @@ TEST_F(LaterStarts, AreAllAnsweredInTheirOrder) {
     ask(InstanceRequest::showPopover);
     ask(InstanceRequest::showCleanup);
     world.mainQueue->fireReadable();
-    EXPECT_THAT(log.only({"cleanupWindow.", "shell.openPopover"}),
-                ElementsAre("cleanupWindow.make", "cleanupWindow.showAndScan", "shell.openPopover",
-                            "cleanupWindow.showAndScan"));
+    EXPECT_THAT(
+        log.only({"cleanup.", "shell.showCleanupWindow", "shell.openPopover"}),
+        ElementsAre("cleanup.makeServices", "shell.showCleanupWindow", "shell.openPopover", "shell.showCleanupWindow"));
     EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "nothing is left over";
 }
 

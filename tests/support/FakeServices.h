@@ -3,6 +3,7 @@
 #include "app/AppServices.h"
 #include "tests/support/FakeBackgroundQueue.h"
 #include "tests/support/FakeCallLog.h"
+#include "tests/support/FakeCleanupServices.h"
 #include "tests/support/FakeMainQueue.h"
 #include "tests/support/FakePreferencesStore.h"
 #include "tests/support/FakeWorkspace.h"
@@ -40,6 +41,8 @@ struct FakeServices {
     bool agentFileExists = false;
     std::optional<Error> loginItemError; ///< why the agent file cannot be changed
 
+    FakeCleanupServices cleanup{log};
+
     std::vector<std::string> arguments;
 
     [[nodiscard]] AppServices appServices() {
@@ -58,7 +61,7 @@ struct FakeServices {
                 .makeCleanupServices =
                     [this] {
                         log->add("cleanup.makeServices");
-                        return CleanupServices{};
+                        return cleanup.services();
                     },
                 .arguments = arguments};
     }

@@ -19,12 +19,10 @@ public:
         return std::make_unique<FakeSubscription>(observer_, log_, "workspace.stopObservingWake");
     }
     void openURL(const std::string& url) override { log_->add("workspace.openURL " + url); }
-    [[nodiscard]] bool canOpenURL(const std::string& url) const override { return !closed.contains(url); }
+    [[nodiscard]] bool canOpenURL(const std::string& url) const override { return canOpen(url); }
     void openSettingsPane(const std::string& url) override { log_->add("workspace.openSettingsPane " + url); }
     void openItem(const std::filesystem::path& path) override { log_->add("workspace.openItem " + path.native()); }
-    [[nodiscard]] bool canOpenItem(const std::filesystem::path& path) const override {
-        return !closed.contains(path.native());
-    }
+    [[nodiscard]] bool canOpenItem(const std::filesystem::path& path) const override { return canOpen(path.native()); }
     void revealItem(const std::filesystem::path& path) override { log_->add("workspace.revealItem " + path.native()); }
     [[nodiscard]] std::vector<std::string> runningBundleIdentifiers() const override {
         log_->add("workspace.runningBundleIdentifiers");
@@ -46,8 +44,14 @@ public:
     std::optional<Screen> keyWindowScreen;
     std::set<std::string> closed; ///< the URLs and paths that cannot be opened
     std::vector<std::string> runningIdentifiers;
+    mutable std::vector<std::string> askedAbout; ///< URLs and paths, whether they can be opened
 
 private:
+    bool canOpen(const std::string& what) const {
+        askedAbout.push_back(what);
+        return !closed.contains(what);
+    }
+
     std::shared_ptr<FakeCallLog> log_;
     std::shared_ptr<FakeRegistration> observer_;
 };

@@ -1,0 +1,61 @@
+#include "cleanup/window/CandidateRow.h"
+
+#include "cleanup/window/SingleLine.h"
+#include "platform/TextFormat.h"
+
+namespace vantry {
+
+namespace {
+
+constexpr std::string_view identifierPrefix = "candidate-";
+
+/// What all rows of one kind share.
+struct RowKind {
+    CandidateRowContent::Kind kind;
+    const char* symbolName;
+    SystemColor color;
+};
+
+RowKind rowKind(CleanupRemovalDisposition disposition) {
+    switch (disposition) {
+    case CleanupRemovalDisposition::directTrash: return {CandidateRowContent::Kind::lowRisk, "", SystemColor::green};
+    case CleanupRemovalDisposition::reviewOnly:
+        return {CandidateRowContent::Kind::review, "eye.fill", SystemColor::orange};
+    case CleanupRemovalDisposition::protectedFromRemoval: break;
+    }
+    return {CandidateRowContent::Kind::protectedItem, "lock.shield.fill", SystemColor::blue};
+}
+
+} // namespace
+
+std::string controlIdentifier(const CleanupCandidate& candidate) {
+    return std::string(identifierPrefix) + candidate.uiID;
+}
+
+bool isControlOf(const CleanupCandidate& candidate, std::string_view identifier) {
+    return identifier.starts_with(identifierPrefix) && identifier.substr(identifierPrefix.size()) == candidate.uiID;
+}
+
+CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected) {
+    const auto kind = rowKind(candidate.removalDisposition());
+    const auto name = singleLine(candidate.title);
+    CandidateRowContent row{.identifier = controlIdentifier(candidate),
+                            .kind = kind.kind,
+                            .symbolName = kind.symbolName,
+                            .title = name,
+                            .reason = candidate.reason,
+                            .sizeText = "Uses " + byteCountText(candidate.size),
+                            .badge = std::string(title(candidate.removalDisposition())),
+                            .badgeColor = kind.color,
+                            .path = singleLine(candidate.url.native()),
+                            .revealAccessibilityLabel = "Reveal " + name + " in Finder"};
+    if (candidate.canMoveToTrash()) {
+        row.selected = selected;
+        row.selectionAccessibilityLabel = "Select low-risk file " + name;
+    } else {
+        row.note = "Review in Finder. This item cannot be selected here.";
+    }
+    return row;
+}
+
+} // namespace vantry

@@ -1,0 +1,166 @@
+#include "cleanup/window/AvenueRow.h"
+#include "tests/cleanup/window/Candidates.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace vantry {
+
+namespace {
+
+using enum CleanupCategory;
+using enum CleanupScanState;
+using Amount = CleanupByteAmount;
+
+constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+
+CleanupAvenue avenueOf(std::set<CleanupCategory> categories, CleanupAvenue::Mode mode = CleanupAvenue::Mode::scanned) {
+    return {.area = CleanupArea::quickWins,
+            .title = "Title",
+            .detail = "Detail",
+            .symbolName = "symbol",
+            .mode = mode,
+            .categories = std::move(categories),
+            .action = std::nullopt};
+}
+
+TEST(CombinedOccupiedAmount, AddsWhatIsKnown) {
+    struct Case {
+        Amount first;
+        Amount second;
+        Amount combined;
+    };
+    const auto unknown = Amount::unavailable();
+    for (const auto& [first, second, combined] :
+         {Case{Amount::exact(5), Amount::exact(7), Amount::exact(12)},
+          Case{Amount::exact(0), Amount::exact(0), Amount::exact(0)},
+          Case{Amount::exact(5), Amount::atLeast(7), Amount::atLeast(12)},
+          Case{Amount::exact(5), unknown, Amount::atLeast(5)}, Case{Amount::atLeast(5), unknown, Amount::atLeast(5)},
+          Case{unknown, unknown, unknown}, Case{Amount::exact(largest), Amount::exact(1), Amount::atLeast(largest)},
+          Case{Amount::atLeast(largest), Amount::exact(largest), Amount::atLeast(largest)},
+          Case{Amount::exact(largest), Amount::exact(0), Amount::exact(largest)}})
+        EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, {.occupied = first}}, {orphan, {.occupied = second}}}),
+                  combined);
+}
+
+TEST(CombinedOccupiedAmount, WhatWasNotMeasuredIsUnknown) {
+    EXPECT_EQ(combinedOccupiedAmount({log}, {}), Amount::unavailable());
+    EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, {.occupied = Amount::exact(5)}}}), Amount::atLeast(5));
+    EXPECT_EQ(combinedOccupiedAmount({log}, {{orphan, {.occupied = Amount::exact(5)}}}), Amount::unavailable());
+}
+
+TEST(UsageText, SaysHowMuchIsKnown) {
+    const auto unknown = Amount::unavailable();
+    struct Case {
+        Amount logs;
+        Amount crashReports;
+        bool stoppedEarly;
+        const char* text;
+    };
+    for (const auto& [logs, crashReports, stoppedEarly, text] :
+         {Case{Amount::exact(0), Amount::exact(0), false, "0 B used here"},
+          Case{Amount::exact(2000), Amount::exact(0), false, "2 KB used here"},
+          Case{Amount::exact(1), Amount::exact(0), false, "1 byte used here"},
+          Case{Amount::exact(2000), Amount::exact(0), true, "2 KB used here · scan stopped early"},
+          Case{Amount::exact(0), Amount::exact(0), true, "0 B used here · scan stopped early"},
+          Case{Amount::atLeast(2000), Amount::exact(0), false, "At least 2 KB seen · full total unavailable"},
+          Case{Amount::atLeast(2000), Amount::exact(0), true, "At least 2 KB seen · scan stopped early"},
+          Case{Amount::atLeast(0), Amount::exact(0), false, "At least 0 B seen · full total unavailable"},
+          Case{Amount::exact(2000), unknown, false, "At least 2 KB seen · full total unavailable"},
+          Case{Amount::exact(2000), unknown, true, "At least 2 KB seen · scan stopped early"},
+          Case{unknown, Amount::exact(0), false, "Size unavailable"},
+          Case{unknown, Amount::exact(0), true, "Size unavailable · scan stopped early"},
+          Case{unknown, unknown, false, "Couldn’t measure this area"},
+          Case{unknown, unknown, true, "Couldn’t measure this area · scan stopped early"}}) {
+        auto report = reportOf({});
+        report.metrics[log].occupied = logs;
+        report.metrics[crashReport].occupied = crashReports;
+        report.states[crashReport] = stoppedEarly ? limited : checked;
+        EXPECT_EQ(usageText(avenueOf({log, crashReport}), report), text);
+    }
+}
+
+TEST(AvenueStatus, FollowsTheModeOfWhatIsNotScanned) {
+    struct Case {
+        CleanupAvenue::Mode mode;
+        AvenueStatus status;
+    };
+    using enum CleanupAvenue::Mode;
+    for (const auto& [mode, status] :
+         {Case{manageInApp, {"Open Its App", "Size not measured here", SystemColor::blue}},
+          Case{macOSManaged, {"Protected by macOS", "Size not measured here", SystemColor::purple}},
+          Case{keptPrivate, {"Not Scanned for Privacy", "Size not measured here", SystemColor::secondaryLabel}},
+          Case{includedAbove, {"Included Above", "Counted with Temporary app files", SystemColor::secondaryLabel}},
+          Case{scanned, {"Checked Automatically", "Size not measured here", SystemColor::green}}}) {
+        EXPECT_EQ(avenueStatus(avenueOf({}, mode), reportOf({})), status);
+        EXPECT_EQ(avenueStatus(avenueOf({}, mode), {}), status) << "also before the first scan";
+    }
+}
+
+// Every pair of states, by the rule that wins.
+TEST(AvenueStatus, TheFirstRuleThatAppliesToACategoryWins) {
+    const std::vector states{checked, limited, notPresent, relocated, permissionNeeded, unavailable};
+    for (const auto first : states)
+        for (const auto second : states) {
+            SCOPED_TRACE(std::string(title(first)) + ", " + std::string(title(second)));
+            const auto either = [&](CleanupScanState state) { return first == state || second == state; };
+            auto report = reportOf({});
+            report.states[log] = first;
+            report.states[crashReport] = second;
+            report.metrics[log].occupied = Amount::exact(5000);
+            AvenueStatus expected{"No cleanup files found", "5 KB used here", SystemColor::blue};
+            if (either(permissionNeeded))
+                expected = {"Folder Access Needed", "Size unavailable", SystemColor::red};
+            else if (either(unavailable))
+                expected = {"Couldn’t Check", "Size unavailable", SystemColor::orange};
+            else if (either(relocated))
+                expected = {"Stored Somewhere Else", "Size unavailable", SystemColor::blue};
+            else if (first == notPresent && second == notPresent)
+                expected = {"Not on This Mac", "5 KB used here", SystemColor::blue};
+            else if (either(limited))
+                expected = {"Scan Incomplete", "5 KB used here · scan stopped early", SystemColor::orange};
+            EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report), expected);
+        }
+}
+
+TEST(AvenueStatus, CountsTheFilesOfItsCategories) {
+    struct Case {
+        std::vector<CleanupCandidate> candidates;
+        CleanupScanState state;
+        AvenueStatus status;
+    };
+    const auto crash = candidateAt("/c", crashReport);
+    const auto other = candidateAt("/o", cache);
+    for (const auto& [candidates, state, status] :
+         {Case{{logAt("/a")}, checked, {"1 file", "0 B used here", SystemColor::green}},
+          Case{{logAt("/a"), other, crash}, checked, {"2 files", "0 B used here", SystemColor::green}},
+          Case{{other}, checked, {"No cleanup files found", "0 B used here", SystemColor::blue}},
+          Case{{logAt("/a")}, limited, {"1 file", "0 B used here · scan stopped early", SystemColor::green}},
+          Case{{logAt("/a")}, permissionNeeded, {"Folder Access Needed", "Size unavailable", SystemColor::red}}}) {
+        auto report = reportOf(candidates);
+        report.states[log] = state;
+        EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report), status);
+    }
+}
+
+TEST(AvenueStatus, PromisesNothingBeforeTheFirstScanHasEnded) {
+    EXPECT_EQ(avenueStatus(avenueOf({log}), {}),
+              (AvenueStatus{"Checked Automatically", "Not measured yet", SystemColor::green}));
+}
+
+TEST(AvenueRow, ShowsTheAvenue) {
+    EXPECT_EQ(avenueRow(avenueOf({}, CleanupAvenue::Mode::macOSManaged), {}),
+              (AvenueRowContent{.symbolName = "symbol",
+                                .title = "Title",
+                                .detail = "Detail",
+                                .status = "Protected by macOS",
+                                .usage = "Size not measured here",
+                                .statusColor = SystemColor::purple,
+                                .button = std::nullopt}));
+}
+
+} // namespace
+
+} // namespace vantry

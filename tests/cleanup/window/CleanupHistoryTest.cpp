@@ -1,0 +1,278 @@
+#include "cleanup/window/CleanupHistory.h"
+#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vantry {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+const SystemTime now{std::chrono::seconds(1'769'847'300) + std::chrono::milliseconds(999)};
+
+class CleanupHistory : public testing::Test {
+protected:
+    [[nodiscard]] std::vector<std::string> namesIn(const std::filesystem::path& place) const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(place))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+    [[nodiscard]] std::string onlyRecord() const {
+        const auto names = namesIn(folder);
+        return names.size() == 1 ? readFile(folder / names.front()) : "not one record";
+    }
+    static mode_t modeOf(const std::filesystem::path& path) {
+        struct stat facts = {};
+        return lstat(path.c_str(), &facts) == 0 ? facts.st_mode & 07777 : 0;
+    }
+    /// An item in the folder that was modified so many seconds before `now`.
+    void age(const std::string& name, std::chrono::seconds seconds) const {
+        const auto moment = std::chrono::floor<std::chrono::seconds>(now - seconds).time_since_epoch().count();
+        const timespec time{.tv_sec = moment, .tv_nsec = 999'000'000};
+        const timespec times[] = {time, time};
+        ASSERT_EQ(utimensat(AT_FDCWD, (folder / name).c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << name;
+    }
+    void makeFile(const std::string& name, std::chrono::seconds seconds) const {
+        writeFile(folder / name, "{}");
+        age(name, seconds);
+    }
+
+    TemporaryFolder home;
+    std::filesystem::path folder = home / "Library/Application Support/Ombrel/Cleanup History";
+    std::vector<CleanupCandidate> candidates{logAt("/l/a", 100)};
+};
+
+TEST_F(CleanupHistory, WritesOneEntryPerItemWithSortedKeys) {
+    const std::vector moved{logAt("/l/third.log", 3), candidateAt("/d/x.dmg", CleanupCategory::installer, 50),
+                            logAt("/l/first.log", 1), candidateAt("/l/r.ips", CleanupCategory::crashReport, 7),
+                            logAt("/l/second.log", 2)};
+    ASSERT_TRUE(saveHistory(moved, home.path(), now));
+    EXPECT_EQ(onlyRecord(), R"({
+  "entries": [
+    {
+      "bytes": 50,
+      "category": "Downloaded App Installers"
+    },
+    {
+      "bytes": 7,
+      "category": "Old Crash Reports"
+    },
+    {
+      "bytes": 3,
+      "category": "Old Log Files"
+    },
+    {
+      "bytes": 1,
+      "category": "Old Log Files"
+    },
+    {
+      "bytes": 2,
+      "category": "Old Log Files"
+    }
+  ],
+  "itemCount": 5,
+  "movedAt": "2026-01-31T08:15:00Z",
+  "totalBytes": 63
+})");
+}
+
+TEST_F(CleanupHistory, ThreeLogFilesAreThreeEntries) {
+    ASSERT_TRUE(saveHistory(std::vector{logAt("/a", 1), logAt("/b", 2), logAt("/c", 3)}, home.path(), now));
+    const auto record = nlohmann::json::parse(onlyRecord());
+    EXPECT_EQ(record["itemCount"], 3);
+    EXPECT_EQ(record["totalBytes"], 6);
+    ASSERT_EQ(record["entries"].size(), 3);
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(record["entries"][i],
+                  (nlohmann::json{{"category", "Old Log Files"}, {"bytes", static_cast<std::int64_t>(i) + 1}}));
+}
+
+TEST_F(CleanupHistory, HoldsNothingPrivate) {
+    std::vector<CleanupCandidate> moved;
+    std::vector<std::string> secrets;
+    int number = 0;
+    for (const auto& row : allCleanupCategories) {
+        const auto name = "secretname" + std::to_string(++number);
+        auto candidate = CleanupCandidate::withFingerprint(
+            "/home/ada/secretfolder/" + name + ".log", "secrettitle" + std::to_string(number), row.value,
+            "secretreason", number, CleanupConfidence::suggested,
+            {.contentModificationDate = SystemTime(std::chrono::seconds(1'111'111'111)),
+             .resourceIdentifier = "secretresource",
+             .volumeIdentifier = "secretvolume"},
+            SystemTime(std::chrono::seconds(1'222'222'222)));
+        secrets.insert(secrets.end(), {candidate.uiID, candidate.url.native(), candidate.title, name});
+        moved.push_back(std::move(candidate));
+    }
+    secrets.insert(secrets.end(),
+                   {"secret", "ada", "home", "/", "1111111111", "1222222222", "2005-03", "2008-09", ".log"});
+    ASSERT_TRUE(saveHistory(moved, home.path(), now));
+    const auto record = onlyRecord();
+    for (const auto& secret : secrets) {
+        EXPECT_THAT(record, Not(testing::HasSubstr(secret)));
+        EXPECT_THAT(namesIn(folder).front(), Not(testing::HasSubstr(secret)));
+    }
+}
+
+TEST_F(CleanupHistory, IsForTheUserAlone) {
+    const mode_t umaskBefore = umask(0);
+    const bool saved = saveHistory(candidates, home.path(), now);
+    umask(umaskBefore);
+    ASSERT_TRUE(saved);
+    for (auto path = folder; path != home.path(); path = path.parent_path())
+        EXPECT_EQ(modeOf(path), 0700) << path;
+    EXPECT_EQ(modeOf(folder / namesIn(folder).front()), 0600);
+}
+
+TEST_F(CleanupHistory, TightensAFolderThatIsThere) {
+    std::filesystem::create_directories(folder);
+    chmod(folder.c_str(), 0755);
+    chmod((home / "Library").c_str(), 0750);
+    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    EXPECT_EQ(modeOf(folder), 0700);
+    EXPECT_EQ(modeOf(home / "Library"), 0750) << "what is above it stays as it is";
+}
+
+TEST_F(CleanupHistory, NamesTheRecordByTheSecondAndAtRandom) {
+    for (int i = 0; i < 20; ++i)
+        ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    const auto names = namesIn(folder);
+    EXPECT_EQ(names.size(), 20) << "also within one second";
+    for (const auto& name : names)
+        EXPECT_THAT(name, MatchesRegex("cleanup-1769847300-[0-9A-F]{8}\\.json"));
+}
+
+TEST_F(CleanupHistory, ATotalThatWouldOverflowIsNoRecord) {
+    const auto largest = std::numeric_limits<std::int64_t>::max();
+    EXPECT_FALSE(saveHistory(std::vector{logAt("/a", largest), logAt("/b", 1)}, home.path(), now));
+    EXPECT_THAT(namesIn(home.path()), IsEmpty());
+    EXPECT_FALSE(cleanupHistoryJson(std::vector{logAt("/a", largest), logAt("/b", largest)}, now));
+    EXPECT_TRUE(saveHistory(std::vector{logAt("/a", largest - 1), logAt("/b", 1)}, home.path(), now));
+    EXPECT_EQ(nlohmann::json::parse(onlyRecord())["totalBytes"], largest);
+}
+
+TEST_F(CleanupHistory, AFolderThatCannotBeMadeIsNoRecord) {
+    EXPECT_FALSE(saveHistory(candidates, home / "no such home", now));
+    EXPECT_FALSE(std::filesystem::exists(home / "no such home"));
+    writeFile(home / "Library", "a file");
+    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_EQ(readFile(home / "Library"), "a file");
+}
+
+TEST_F(CleanupHistory, AFileInPlaceOfTheFolderIsNoRecord) {
+    std::filesystem::create_directories(folder.parent_path());
+    writeFile(folder, "a file");
+    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_EQ(readFile(folder), "a file");
+}
+
+TEST_F(CleanupHistory, ALinkInPlaceOfTheFolderIsNotFollowed) {
+    std::filesystem::create_directories(folder.parent_path());
+    const auto elsewhere = home / "elsewhere";
+    std::filesystem::create_directory(elsewhere);
+    chmod(elsewhere.c_str(), 0755);
+    std::filesystem::create_symlink(elsewhere, folder);
+    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_THAT(namesIn(elsewhere), IsEmpty());
+    EXPECT_EQ(modeOf(elsewhere), 0755);
+}
+
+TEST_F(CleanupHistory, AnotherUsersFolderIsNotUsed) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make another user's folder";
+    std::filesystem::create_directories(folder);
+    chmod(folder.c_str(), 0755);
+    ASSERT_EQ(chown(folder.c_str(), 65534, 65534), 0);
+    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+    EXPECT_EQ(modeOf(folder), 0755);
+}
+
+TEST_F(CleanupHistory, ARecordThatCannotBeWrittenWholeLeavesNothing) {
+    const auto answer = inChildProcess([&] {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{50, 50};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+    });
+    EXPECT_EQ(answer, "not saved");
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CleanupHistory, AFolderThatMayNotBeWrittenIsNoRecord) {
+    constexpr uid_t somebody = 65534;
+    const auto library = home / "Library";
+    std::filesystem::create_directory(library);
+    if (geteuid() == 0) {
+        for (const auto& path : {home.path(), library})
+            ASSERT_EQ(chown(path.c_str(), somebody, somebody), 0);
+    }
+    chmod(library.c_str(), 0500);
+    const auto answer = inChildProcess([&] {
+        if (geteuid() == 0 && (setgid(somebody) != 0 || setuid(somebody) != 0)) // root may write anywhere
+            return std::string("not another user");
+        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+    });
+    EXPECT_EQ(answer, "not saved");
+    EXPECT_THAT(namesIn(library), IsEmpty());
+}
+
+TEST_F(CleanupHistory, SavingRemovesRecordsThatAreTooOld) {
+    std::filesystem::create_directories(folder);
+    using std::chrono::days;
+    constexpr auto lifetime = std::chrono::seconds(7'776'000);
+    makeFile("91 days.json", days(91));
+    makeFile("a moment over.json", lifetime + std::chrono::seconds(1));
+    makeFile("exactly.json", lifetime);
+    makeFile("89 days.json", days(89));
+    makeFile("future.json", -days(5));
+    for (const char* kept :
+         {"old.txt", "old.JSON", "old.json.bak", "json", "old", ".hidden.json", ".json", "old.jsonx"})
+        makeFile(kept, days(400));
+    std::filesystem::create_directories(folder / "folder.json/inside");
+    age("folder.json", days(400));
+    std::filesystem::create_directory(folder / "empty.json");
+    age("empty.json", days(400));
+    writeFile(home / "target.json", "x");
+    std::filesystem::create_symlink(home / "target.json", folder / "link.json");
+    age("link.json", days(400));
+    ASSERT_EQ(mkfifo((folder / "fifo.json").c_str(), 0600), 0);
+    age("fifo.json", days(400));
+
+    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    auto names = namesIn(folder);
+    const auto record = std::ranges::find_if(names, [](const auto& name) { return name.starts_with("cleanup-"); });
+    ASSERT_NE(record, names.end());
+    names.erase(record);
+    EXPECT_THAT(names, UnorderedElementsAre("exactly.json", "89 days.json", "future.json", "old.txt", "old.JSON",
+                                            "old.json.bak", "json", "old", ".hidden.json", ".json", "old.jsonx",
+                                            "folder.json", "empty.json", "link.json", "fifo.json"));
+    EXPECT_TRUE(std::filesystem::exists(home / "target.json"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "folder.json/inside"));
+}
+
+TEST_F(CleanupHistory, PruningWhatCannotBeListedEndsQuietly) {
+    pruneCleanupHistory(home / "nothing", now);
+    writeFile(home / "file", "x");
+    pruneCleanupHistory(home / "file", now);
+    EXPECT_THAT(namesIn(home.path()), ElementsAre("file"));
+}
+
+} // namespace
+
+} // namespace vantry

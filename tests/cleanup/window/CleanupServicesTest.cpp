@@ -1,0 +1,103 @@
+#include "cleanup/window/CleanupServices.h"
+#include "cleanup/window/CleanupHistory.h"
+#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace vantry {
+
+namespace {
+
+using testing::IsEmpty;
+
+/// The real services on a home folder of the test's own, with a Trash of its own.
+class RealCleanupServices : public testing::Test {
+protected:
+    CleanupCandidate oldLog(const std::string& name) {
+        const auto path = logs / name;
+        std::filesystem::create_directories(logs);
+        writeFile(path, std::string(100'000, 'x'));
+        const timespec times[] = {{.tv_sec = 1'600'000'000, .tv_nsec = 0}, {.tv_sec = 1'600'000'000, .tv_nsec = 0}};
+        EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        struct stat facts = {};
+        EXPECT_EQ(stat(path.c_str(), &facts), 0);
+        return {path, name, CleanupCategory::log, "old", facts.st_blocks * 512, CleanupConfidence::suggested};
+    }
+
+    TemporaryFolder folder{std::filesystem::canonical(std::filesystem::temp_directory_path())};
+    std::filesystem::path logs = folder / "Library/Logs";
+    ScopedEnvironment home{"HOME", folder.path().c_str()};
+    ScopedEnvironment data{"XDG_DATA_HOME", (folder / "data").c_str()};
+};
+
+TEST_F(RealCleanupServices, ActOnTheUsersHome) {
+    const auto services = systemCleanupServices();
+    EXPECT_EQ(services.home, folder.path());
+    EXPECT_EQ(services.applications, "/Applications");
+}
+
+TEST_F(RealCleanupServices, ValidateAndRecordWhatIsThere) {
+    const auto services = systemCleanupServices();
+    const auto candidate = oldLog("painter.log");
+    EXPECT_EQ(services.validationFailure(candidate), std::nullopt);
+    const std::vector moved{candidate};
+    EXPECT_TRUE(services.saveHistory(moved));
+    EXPECT_FALSE(std::filesystem::is_empty(cleanupHistoryFolder(folder.path())));
+    writeFile(candidate.url, "another text");
+    EXPECT_NE(services.validationFailure(candidate), std::nullopt);
+}
+
+TEST_F(RealCleanupServices, MoveWhatWasValidated) {
+    const auto services = systemCleanupServices();
+    const auto candidate = oldLog("painter.log");
+    Result<void> moved = std::unexpected(Error{});
+    ASSERT_TRUE(services.coordinateMoving(candidate.url, [&](const auto& path) {
+        EXPECT_EQ(path, candidate.url);
+        moved = services.moveToTrash(candidate);
+    }));
+    EXPECT_TRUE(moved) << moved.error().message;
+    EXPECT_FALSE(std::filesystem::exists(candidate.url));
+    EXPECT_TRUE(std::filesystem::exists(folder / "data/Trash/files/painter.log"));
+}
+
+TEST_F(RealCleanupServices, DoNotMoveWhatHasChanged) {
+    const auto services = systemCleanupServices();
+    const auto candidate = oldLog("painter.log");
+    writeFile(candidate.url, "another text");
+    const auto moved = services.moveToTrash(candidate);
+    ASSERT_FALSE(moved);
+    EXPECT_EQ(moved.error().message, services.validationFailure(candidate));
+    EXPECT_EQ(readFile(candidate.url), "another text");
+    EXPECT_FALSE(std::filesystem::exists(folder / "data/Trash"));
+}
+
+TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
+    const auto candidate = oldLog("painter.log");
+    const ScopedEnvironment missing{"HOME", (folder / "missing").c_str()};
+    const auto services = systemCleanupServices();
+    const auto report = services.scan({});
+    EXPECT_THAT(report.candidates, IsEmpty());
+    EXPECT_EQ(report.states.size(), allCleanupCategories.size());
+    EXPECT_EQ(report.metrics.size(), allCleanupCategories.size());
+    for (const auto& [category, state] : report.states)
+        EXPECT_EQ(state, CleanupScanState::unavailable) << rawValue(category);
+    for (const auto& [category, metric] : report.metrics)
+        EXPECT_EQ(metric, CleanupCategoryMetric()) << rawValue(category);
+    EXPECT_TRUE(report.storageSnapshot) << "the volume can be read all the same";
+    EXPECT_EQ(services.validationFailure(candidate), "the home folder could not be verified");
+    const auto moved = services.moveToTrash(candidate);
+    ASSERT_FALSE(moved);
+    EXPECT_EQ(moved.error().message, "the home folder could not be verified");
+    EXPECT_FALSE(services.saveHistory(std::vector{candidate}));
+    EXPECT_TRUE(std::filesystem::exists(candidate.url));
+    EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
+}
+
+} // namespace
+
+} // namespace vantry

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "cleanup/window/CleanupServices.h"
+#include "tests/support/FakeCallLog.h"
+
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+/// A disk that says what the test wants it to say. Outlives what was made with its `services()`.
+struct FakeCleanupServices {
+    explicit FakeCleanupServices(std::shared_ptr<FakeCallLog> itsLog) : log(std::move(itsLog)) {}
+    FakeCleanupServices(const FakeCleanupServices&) = delete;
+    FakeCleanupServices& operator=(const FakeCleanupServices&) = delete;
+
+    std::shared_ptr<FakeCallLog> log;
+    std::filesystem::path home = "/home/ada";
+    std::filesystem::path applications = "/Applications";
+
+    CleanupScanReport report;                                    ///< what the next scan finds
+    std::map<std::string, std::string> failures;                 ///< by path: why a file may not be moved
+    std::map<std::string, std::filesystem::path> coordinatedTo;  ///< by path: where a file is once all agree
+    std::map<std::string, Error> coordinationErrors, moveErrors; ///< by path
+    bool historyCanBeWritten = true;
+    std::vector<CleanupCandidate> recorded; ///< what the last record was written for
+
+    [[nodiscard]] CleanupServices services() {
+        return {.home = home,
+                .applications = applications,
+                .scan =
+                    [this](std::span<const std::string> running) {
+                        std::string call = "cleanup.scan";
+                        for (const auto& identifier : running)
+                            call += " " + identifier;
+                        log->add(call);
+                        return report;
+                    },
+                .validationFailure = [this](const CleanupCandidate& candidate) -> std::optional<std::string> {
+                    log->add("cleanup.validate " + candidate.url.native());
+                    const auto failure = failures.find(candidate.url.native());
+                    return failure == failures.end() ? std::nullopt : std::optional(failure->second);
+                },
+                .coordinateMoving =
+                    [this](const std::filesystem::path& file, const auto& accessor) {
+                        log->add("cleanup.coordinate " + file.native());
+                        const auto refused = resultOf(coordinationErrors, file);
+                        const auto moved = coordinatedTo.find(file.native());
+                        if (refused)
+                            accessor(moved == coordinatedTo.end() ? file : moved->second);
+                        return refused;
+                    },
+                .moveToTrash =
+                    [this](const CleanupCandidate& candidate) {
+                        log->add("cleanup.moveToTrash " + candidate.url.native());
+                        return resultOf(moveErrors, candidate.url);
+                    },
+                .saveHistory =
+                    [this](std::span<const CleanupCandidate> candidates) {
+                        log->add("cleanup.saveHistory " + std::to_string(candidates.size()));
+                        recorded.assign(candidates.begin(), candidates.end());
+                        return historyCanBeWritten;
+                    }};
+    }
+
+private:
+    static Result<void> resultOf(const std::map<std::string, Error>& errors, const std::filesystem::path& path) {
+        const auto error = errors.find(path.native());
+        if (error != errors.end())
+            return std::unexpected(error->second);
+        return {};
+    }
+};
+
+} // namespace vantry
