@@ -4,6 +4,7 @@
 #include "app/StatusText.h"
 #include "cleanup/scan/CleanupScanner.h"
 #include "cleanup/scan/FilesystemWorker.h"
+#include "platform/Picture.h"
 #include "platform/ShellModule.h"
 #include "platform/UserSession.h"
 #include "storage/StorageReader.h"
@@ -125,6 +126,8 @@ int main(int argumentCount, char** argumentValues) {
     std::signal(SIGCHLD, SIG_DFL); // whoever started this may ignore it, and then no worker could be waited for
     const std::vector<std::string> arguments(argumentValues + std::min(argumentCount, 1),
                                              argumentValues + argumentCount);
+    if (const auto status = runPictureWorkerIfRequested(arguments))
+        return *status;
     return runEntry(arguments, {.runFilesystemWorkerIfRequested = CleanupScanner::runFilesystemWorkerIfRequested,
                                 .runInTerminal = runInTerminal,
                                 .runUserInterface = runUserInterface});

@@ -1,12 +1,21 @@
 #pragma once
 
 #include "base/Color.h"
+#include "platform/WindowList.h"
+#include "platform/Workspace.h"
 
 #include <array>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace vantry {
 
-/// The colours of the desktop's wallpaper.
+/// The colours of the desktop's wallpaper. Every failure is silent: the next source is tried, or there is no palette.
 namespace WallpaperThemeReader {
 
 /// The vivid colours: a style of their own, and what stands in where there is no wallpaper to sample.
@@ -19,6 +28,36 @@ inline constexpr std::array<Rgba, 7> fallbackPalette{{
     {0.96, 0.25, 0.3},
     {0.98, 0.49, 0.2},
 }};
+
+/// Who can tell what is on the desktop. The functions block; they are called in the background.
+struct Sources {
+    std::shared_ptr<const WindowList> windows; ///< null where there is none
+    std::function<std::vector<std::filesystem::path>(int process)> openFiles;
+    std::function<std::optional<std::filesystem::path>()> movingWallpaper;
+    std::function<std::optional<std::filesystem::path>(const Screen&)> desktopPicture;
+    std::filesystem::path defaultPicture;
+};
+
+/// The real ones, with `windows`.
+[[nodiscard]] Sources systemSources(std::shared_ptr<const WindowList> windows);
+
+/// The picture or film on `screen`: what a program that covers the screen with it holds open, else the moving
+/// wallpaper, else the picture chosen for the desktop, else the default one, which need not be there. Blocking.
+[[nodiscard]] std::filesystem::path currentWallpaperURL(const Screen& screen, const Sources& sources);
+
+/// The processes whose windows cover most of a screen with the frame `screenFrame`, as only a wallpaper's do, frontmost
+/// first; those of the system's own programs left out. Pure.
+[[nodiscard]] std::vector<int> rendererProcesses(std::span<const WindowInfo> windows, const Rect& screenFrame);
+
+/// The first picture or film of `openFiles` that is there, what is inside an application bundle left out. Blocking.
+[[nodiscard]] std::optional<std::filesystem::path> mediaAmong(std::span<const std::filesystem::path> openFiles);
+
+/// Names the version of a file: its path, date of modification and size. Blocking.
+[[nodiscard]] std::string identity(const std::filesystem::path& url);
+
+/// About `colorCount` colours of the picture or film; absent when it cannot be read, empty when it is transparent.
+/// Blocking, for as long as `readPicture`.
+[[nodiscard]] std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount);
 
 } // namespace WallpaperThemeReader
 

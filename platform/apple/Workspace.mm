@@ -3,6 +3,7 @@
 #include "platform/apple/FoundationValues.h"
 
 #include <AppKit/AppKit.h>
+#include <dispatch/dispatch.h>
 #include <utility>
 
 namespace vantry {
@@ -43,6 +44,33 @@ Rect frameFromTop(NSRect frame, NSArray<NSScreen*>* screens) {
     return {NSMinX(frame), top - NSMaxY(frame), NSWidth(frame), NSHeight(frame)};
 }
 
+NSURL* urlFromText(const std::string& url) {
+    NSString* text = foundationText(url);
+    return text ? [NSURL URLWithString:text] : nil;
+}
+
+NSURL* urlFromPath(const std::filesystem::path& path) {
+    return [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
+}
+
+// Nothing is asked of the user, and nobody waits. `onFailure`, if any, is called on the main thread.
+void open(NSURL* url, void (^onFailure)() = nil) {
+    if (!url) {
+        if (onFailure)
+            onFailure();
+        return;
+    }
+    NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
+    configuration.promptsUserIfNeeded = NO;
+    // The answer comes on a thread of the system's.
+    [[NSWorkspace sharedWorkspace] openURL:url
+                             configuration:configuration
+                         completionHandler:^(NSRunningApplication*, NSError* error) {
+                             if (error && onFailure)
+                                 dispatch_async(dispatch_get_main_queue(), onFailure);
+                         }];
+}
+
 class AppleWorkspace : public Workspace {
 public:
     std::unique_ptr<Subscription> observeWake(Block block) override {
@@ -52,13 +80,45 @@ public:
     }
     void openURL(const std::string& url) override {
         @autoreleasepool {
-            NSString* text = foundationText(url);
-            NSURL* target = text ? [NSURL URLWithString:text] : nil;
-            if (!target)
-                return;
-            NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
-            configuration.promptsUserIfNeeded = NO;
-            [[NSWorkspace sharedWorkspace] openURL:target configuration:configuration completionHandler:nil];
+            open(urlFromText(url));
+        }
+    }
+    // What opens it is found out by opening it.
+    bool canOpenURL(const std::string& /*url*/) const override { return true; }
+
+    void openSettingsPane(const std::string& url) override {
+        @autoreleasepool {
+            open(urlFromText(url), ^{
+                open(urlFromPath("/System/Applications/System Settings.app"));
+            });
+        }
+    }
+    void openItem(const std::filesystem::path& path) override {
+        @autoreleasepool {
+            open(urlFromPath(path));
+        }
+    }
+    bool canOpenItem(const std::filesystem::path& path) const override {
+        @autoreleasepool {
+            BOOL isFolder = NO; // and an application is one
+            NSString* text = urlFromPath(path).path;
+            return text && [[NSFileManager defaultManager] fileExistsAtPath:text isDirectory:&isFolder] && isFolder;
+        }
+    }
+    void revealItem(const std::filesystem::path& path) override {
+        @autoreleasepool {
+            if (NSURL* url = urlFromPath(path))
+                [[NSWorkspace sharedWorkspace] activateFileViewerSelectingURLs:@[ url ]];
+        }
+    }
+    std::vector<std::string> runningBundleIdentifiers() const override {
+        @autoreleasepool {
+            std::vector<std::string> found;
+            for (NSRunningApplication* application in [NSWorkspace sharedWorkspace].runningApplications) {
+                if (application.bundleIdentifier)
+                    found.push_back(textFromFoundation(application.bundleIdentifier));
+            }
+            return found;
         }
     }
     std::vector<Screen> screens() const override {

@@ -6,28 +6,29 @@
 
 namespace vantry {
 
-Result<void*> loadShellSymbol(const std::string& symbol) {
+Result<void*> loadModuleSymbol(const std::string& module, const std::string& symbol) {
     std::error_code failure;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", failure);
     if (failure)
         return std::unexpected(errorFromErrno(failure.value(), "/proc/self/exe"));
     const auto folder = executable.parent_path();
-    const std::array candidates{folder / OMBREL_SHELL_MODULE,
-                                folder / OMBREL_RELATIVE_MODULE_FOLDER / OMBREL_SHELL_MODULE};
+    const std::array candidates{folder / module, folder / OMBREL_RELATIVE_MODULE_FOLDER / module};
 
     std::string reasons;
     for (const auto& candidate : candidates) {
         if (!std::filesystem::exists(candidate, failure))
             continue;
-        void* module = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
-        void* address = module ? dlsym(module, symbol.c_str()) : nullptr;
+        void* loaded = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
+        void* address = loaded ? dlsym(loaded, symbol.c_str()) : nullptr;
         if (address)
             return address;
         reasons = dlerror();
     }
     if (reasons.empty())
-        return std::unexpected(Error{ErrorKind::notFound, OMBREL_SHELL_MODULE " is not installed"});
+        return std::unexpected(Error{ErrorKind::notFound, module + " is not installed"});
     return std::unexpected(Error{ErrorKind::system, reasons});
 }
+
+Result<void*> loadShellSymbol(const std::string& symbol) { return loadModuleSymbol("libombrel-qt.so", symbol); }
 
 } // namespace vantry

@@ -2,6 +2,8 @@
 
 #include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
+#include "platform/LsofOutput.h"
+#include "platform/linux/WallpaperSettings.h"
 #include "tests/fuzz/PropertyListFuzz.h"
 
 #include <algorithm>
@@ -68,6 +70,38 @@ void readChildren(std::string_view bytes) {
     writtenAndRead(std::move(named));
 }
 
+void readChildrenMetrics(std::string_view bytes) {
+    const auto payload = decodedChildrenMetrics(bytes);
+    if (!payload)
+        return;
+    for (const auto& [name, metrics] : payload->children)
+        require(canBeInAFolder(name) && metrics.size >= 0, "a child is one that a folder can hold");
+    require(decodedChildrenMetrics(encoded(*payload)) == payload, "measures of children are read as they are written");
+}
+
+void readLsofOutput(std::string_view bytes) {
+    std::size_t length = 0;
+    for (const auto& path : pathsInLsofOutput(bytes)) {
+        require(!path.empty(), "a path is not empty");
+        require(bytes.find("n" + path.native()) != std::string_view::npos, "a path stands in the output");
+        length += path.native().size() + 1;
+    }
+    require(length <= bytes.size(), "nothing is told twice");
+}
+
+// The first line is the name of a screen.
+void readWallpaperSettings(std::string_view bytes) {
+    const auto screen = bytes.substr(0, bytes.find('\n'));
+    const auto settings = bytes.substr(std::min(screen.size() + 1, bytes.size()));
+    for (const auto& picture :
+         {pathOfUrl(settings), plasmaPicture(settings), xfcePicture(settings, screen), lxqtPicture(settings),
+          swayPicture(settings, screen, "/home"), hyprlandPicture(settings, screen, "/home"), fehPicture(settings),
+          nitrogenPicture(settings)})
+        require(!picture || picture->is_absolute(), "a picture has an absolute path");
+    const auto text = textOfGVariant(settings);
+    require(!text || text->size() + 2 <= settings.size(), "a text is no longer than what is printed of it");
+}
+
 // An argument a line.
 void readArguments(std::string_view bytes) {
     using namespace CleanupScanner;
@@ -75,7 +109,7 @@ void readArguments(std::string_view bytes) {
     const auto job = workerJob(arguments);
     const std::string flag = arguments.empty() ? "" : arguments[0];
     require(!job || (flag.starts_with("--") && flag.ends_with("-worker")), "a worker is what has a flag in front");
-    require(job || (flag != directoryMetricsFlag && flag != shallowChildrenFlag),
+    require(job || (flag != directoryMetricsFlag && flag != childrenMetricsFlag && flag != shallowChildrenFlag),
             "what has a flag in front is a worker");
     if (!job)
         return;
@@ -98,6 +132,9 @@ void readArguments(std::string_view bytes) {
 
 constexpr FuzzTarget targets[] = {{"metrics", readMetrics},
                                   {"children", readChildren},
+                                  {"children-metrics", readChildrenMetrics},
+                                  {"lsof", readLsofOutput},
+                                  {"wallpaper-settings", readWallpaperSettings},
                                   {"arguments", readArguments},
                                   {"property-list", readPropertyList}};
 

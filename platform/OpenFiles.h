@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace vantry {
+
+/// The files that a process holds open, in the order in which the system lists them; on Linux from "/proc", on macOS
+/// what "/usr/sbin/lsof" prints within 2 seconds. Empty where the system does not tell. Blocking; any thread.
+[[nodiscard]] std::vector<std::filesystem::path> openFilesOfProcess(int process);
+
+} // namespace vantry

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/Deadline.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantry {
+
+/// What `program` writes to its standard output. Absent unless it ends with the status 0 before `deadline` and writes
+/// no more than `limit` bytes; it is killed then, and waited for 0.2 seconds at most. Blocking; any thread.
+[[nodiscard]] std::optional<std::string> programOutput(const std::filesystem::path& program,
+                                                       const std::vector<std::string>& arguments, std::size_t limit,
+                                                       Deadline deadline);
+
+} // namespace vantry

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "base/Result.h"
+#include "platform/Trash.h"
+
+#include <filesystem>
+
+namespace vantry {
+
+/// Where this user's home Trash is, or would be: "Trash" in $XDG_DATA_HOME, or in ~/.local/share where that is unset,
+/// empty or relative. Fails when there is no absolute $HOME either.
+[[nodiscard]] Result<std::filesystem::path> homeTrash();
+
+/// As `moveToTrash(file)`, to the Trash at the absolute path `trash`.
+[[nodiscard]] Result<void> moveToTrash(const PinnedFile& file, const std::filesystem::path& trash);
+
+} // namespace vantry

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "base/Result.h"
+#include "base/UniqueFd.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <string_view>
+
+namespace vantry {
+
+/// Makes a system call, and makes it again, a bounded number of times, where it was disturbed. An error is an errno, no
+/// error is 0.
+template <class Call>
+[[nodiscard]] int errorOf(Call call) {
+    constexpr int attempts = 16;
+    for (int left = attempts; left > 0; --left) {
+        if (call() >= 0)
+            return 0;
+        if (errno != EINTR && errno != EAGAIN)
+            break;
+    }
+    return errno;
+}
+
+/// `what`, and why in words that users understand: "it could not be moved: the disk is full".
+[[nodiscard]] Error trashError(std::string_view what, int errorNumber);
+
+/// Waits until what `fd` stands for is on the disk. An error is an errno, no error is 0: also where the file system has
+/// no such thing.
+[[nodiscard]] int syncToDisk(int fd);
+
+/// The folders of a Trash, held open. They are of this user and no links.
+class TrashFolders {
+public:
+    /// Makes what is missing, with the rights of its user alone. The folders above `trash` are the user's own affair
+    /// and may be links; the Trash and its folders may not be. Blocking; any thread.
+    [[nodiscard]] static Result<TrashFolders> open(const std::filesystem::path& trash);
+
+    [[nodiscard]] int files() const { return files_.get(); }
+    [[nodiscard]] int info() const { return info_.get(); }
+
+    /// Whether the paths lead to these folders still.
+    [[nodiscard]] bool areInPlace() const;
+
+private:
+    TrashFolders(std::filesystem::path path, UniqueFd trash, UniqueFd files, UniqueFd info);
+
+    std::filesystem::path path_;
+    UniqueFd trash_;
+    UniqueFd files_;
+    UniqueFd info_;
+};
+
+} // namespace vantry

@@ -1,0 +1,28 @@
+#include "platform/linux/PictureDecoders.h"
+#include "shell/qt/pictures/FilmFrame.h"
+#include "shell/qt/pictures/HeifPicture.h"
+#include "shell/qt/pictures/QtPicture.h"
+#include "shell/qt/pictures/WebpPicture.h"
+
+namespace vantry {
+
+namespace {
+
+std::optional<PicturePixels> decodePicture(std::span<const std::byte> contents) {
+    if (isHeif(contents))
+        return decodeHeif(contents);
+    return isWebp(contents) ? decodeWebp(contents) : decodeWithQt(contents);
+}
+
+} // namespace
+
+} // namespace vantry
+
+extern "C" __attribute__((visibility("default"))) std::optional<vantry::PicturePixels>
+ombrelDecodePicture(std::span<const std::byte> contents) {
+    return vantry::decodePicture(contents);
+}
+
+extern "C" __attribute__((visibility("default"))) std::optional<vantry::PicturePixels> ombrelDecodeFilm(int file) {
+    return vantry::decodeFilm(file);
+}

@@ -1,0 +1,289 @@
+// System calls that fail, and somebody who acts in between two of them.
+
+#include "tests/platform/linux/TrashFixture.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/InterceptedCall.h"
+#include "tests/support/RefusedCall.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+namespace fs = std::filesystem;
+
+using Origins = std::map<std::string, std::string>;
+
+class TrashFaults : public TrashFixture {
+protected:
+    /// What comes of a move when each call `number` fails.
+    [[nodiscard]] std::string moveWithout(long number, int errorNumber) const {
+        return inChildProcess([=, this]() -> std::string {
+            const PinnedFile item = pinned(file);
+            return refuseCall(number, errorNumber) ? move(item) : "not refused";
+        });
+    }
+
+    /// What comes of a move when `before` is called before each of its renames. It may not make that call.
+    [[nodiscard]] std::string moveWhile(const std::function<void(int)>& before) const {
+        return inChildProcess([&]() -> std::string {
+            const PinnedFile item = pinned(file);
+            return interceptCall(SYS_renameat2, orNeverReturn(before)) ? move(item) : "not intercepted";
+        });
+    }
+
+    /// A copy of this process that throws must not go on with its tests.
+    [[nodiscard]] static std::function<void(int)> orNeverReturn(const std::function<void(int)>& block) {
+        return [block](int count) {
+            try {
+                block(count);
+            } catch (const std::exception& problem) {
+                std::fputs(problem.what(), stderr);
+                _exit(1);
+            }
+        };
+    }
+
+    void SetUp() override {
+        writeFile(other, "another file");
+        if (inChildProcess([] { return interceptCall(SYS_getppid, [](int) {}) ? "yes" : "no"; }) != "yes")
+            GTEST_SKIP() << "no calls are intercepted here";
+    }
+
+    fs::path other = root / "other";
+    fs::path aside = root / "aside";
+};
+
+TEST_F(TrashFaults, EachHasAReasonAndLeavesTheFileInItsPlace) {
+    struct Case {
+        long call;
+        int errorNumber;
+        const char* reason;
+    };
+    const std::vector<Case> cases{
+        {SYS_renameat2, EXDEV, "it is on another file system than the Trash"},
+        {SYS_renameat2, ENOENT, "it is not to be found in its place"},
+        {SYS_renameat2, EACCES, "it could not be moved: the system does not permit it"},
+        {SYS_renameat2, EPERM, "it could not be moved: the system does not permit it"},
+        {SYS_renameat2, EROFS, "it could not be moved: the disk is read-only"},
+        {SYS_renameat2, ENOSPC, "it could not be moved: the disk is full"},
+        {SYS_renameat2, EDQUOT, "it could not be moved: your share of the disk is used up"},
+        {SYS_renameat2, EIO, "it could not be moved: the disk reports an error"},
+        {SYS_renameat2, ENOMEM, "it could not be moved: memory is short"},
+        {SYS_renameat2, ENAMETOOLONG, "it could not be moved: a name is too long"},
+        {SYS_renameat2, EBUSY, "it could not be moved: it is in use"},
+        {SYS_renameat2, EINTR, "it could not be moved: the system was busy"},
+        {SYS_renameat2, EAGAIN, "it could not be moved: the system was busy"},
+        {SYS_renameat2, EINVAL, "it could not be moved: the file system does not offer a safe way"},
+        {SYS_renameat2, ENOSYS, "it could not be moved: the file system does not offer a safe way"},
+        {SYS_renameat2, EEXIST, "too many files in the Trash have its name"},
+        {SYS_openat, EMFILE, "its folder could not be opened: too many files are open"},
+        {SYS_openat, ENFILE, "its folder could not be opened: too many files are open"},
+        {SYS_openat, EINTR, "its folder could not be opened: the system was busy"},
+        {SYS_mkdirat, ENOSPC, "the Trash could not be opened: the disk is full"},
+        {SYS_mkdirat, EDQUOT, "the Trash could not be opened: your share of the disk is used up"},
+        {SYS_mkdirat, EROFS, "the Trash could not be opened: the disk is read-only"},
+        {SYS_mkdirat, EMLINK, "the Trash could not be opened: too many links"},
+        {SYS_openat2, EMFILE, "its folder is not to be found in its place"},
+    };
+    for (const auto& [call, errorNumber, reason] : cases) {
+        EXPECT_EQ(moveWithout(call, errorNumber), reason) << errorNumber;
+        EXPECT_TRUE(nothingMoved()) << reason;
+        fs::remove_all(trash.parent_path());
+    }
+}
+
+TEST_F(TrashFaults, OfABringingToTheDiskPutTheFileBack) {
+    makeTrash();
+    for (const auto& [errorNumber, reason] : std::vector<std::pair<int, const char*>>{
+             {EIO, "the disk reports an error"}, {ENOSPC, "the disk is full"}, {EINTR, "the system was busy"}}) {
+        // The info file is the first to be brought there.
+        EXPECT_EQ(moveWithout(SYS_fsync, errorNumber), std::string("the Trash could not be written to: ") + reason);
+        EXPECT_TRUE(nothingMoved());
+        // From the move on.
+        const std::string answer = inChildProcess([&, errorNumber = errorNumber]() -> std::string {
+            const PinnedFile item = pinned(file);
+            const auto fail = [&](int count) {
+                if (count == 1 && !refuseCall(SYS_fsync, errorNumber))
+                    _exit(1);
+            };
+            return interceptCall(SYS_renameat2, fail) ? move(item) : "not intercepted";
+        });
+        EXPECT_EQ(answer, std::string("the disk could not confirm the move: ") + reason);
+        EXPECT_EQ(readFile(file), "what the file holds");
+        EXPECT_EQ(origins(), Origins());
+        fs::remove_all(trash / "info"); // where the announcement stays, as nobody knows what the disk holds
+        makeTrash();
+    }
+}
+
+// Some file systems bring folders to the disk by themselves and say so with these.
+TEST_F(TrashFaults, WhereThereIsNoBringingToTheDiskAreNone) {
+    for (const int errorNumber : {EINVAL, ENOSYS, ENOTSUP}) {
+        EXPECT_EQ(moveWithout(SYS_fsync, errorNumber), "moved");
+        EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
+        fs::remove_all(trash);
+        writeFile(file, "what the file holds");
+    }
+}
+
+TEST_F(TrashFaults, WhoReplacesTheFileInTheLastMomentGetsItBack) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1) {
+                      fs::rename(file, aside);
+                      fs::rename(other, file);
+                  }
+              }),
+              "something else was in its place");
+    EXPECT_EQ(readFile(aside), "what the file holds");
+    EXPECT_EQ(readFile(file), "another file");
+    EXPECT_EQ(origins(), Origins());
+    EXPECT_EQ(infoCount(), 0U);
+}
+
+TEST_F(TrashFaults, WhatCannotBePutBackStaysInTheTrashWithItsOrigin) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1) {
+                      fs::rename(file, aside);
+                      fs::rename(other, file);
+                  }
+                  if (count == 2)
+                      fs::rename(aside, file);
+              }),
+              "something else was in its place; what was moved stays in the Trash");
+    EXPECT_EQ(readFile(file), "what the file holds");
+    EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
+    EXPECT_EQ(readFile(trash / "files/report.log"), "another file");
+}
+
+TEST_F(TrashFaults, ALinkAFolderOrAPipeInThePlaceOfTheFileIsPutBack) {
+    const std::vector<std::function<void()>> makers{
+        [&] { fs::create_symlink(aside, file); },
+        [&] { fs::create_directory(file); },
+        [&] { static_cast<void>(mkfifo(file.c_str(), 0600)); },
+    };
+    for (const auto& make : makers) {
+        EXPECT_EQ(moveWhile([&](int count) {
+                      if (count == 1) {
+                          fs::rename(file, aside);
+                          make();
+                      }
+                  }),
+                  "something else was in its place");
+        EXPECT_EQ(readFile(aside), "what the file holds");
+        EXPECT_TRUE(fs::symlink_status(file).type() != fs::file_type::regular && fs::exists(fs::symlink_status(file)));
+        EXPECT_EQ(origins(), Origins());
+        EXPECT_EQ(infoCount(), 0U);
+        fs::remove(file);
+        fs::rename(aside, file);
+    }
+}
+
+TEST_F(TrashFaults, ANameTakenInTheLastMomentIsLeftToWhoTookIt) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1)
+                      fs::rename(other, trash / "files/report.log");
+              }),
+              "moved");
+    EXPECT_EQ(readFile(trash / "files/report.log"), "another file");
+    EXPECT_EQ(readFile(trash / "files/report.2.log"), "what the file holds");
+    EXPECT_EQ(origins(), (Origins{{"report.log", ""}, {"report.2.log", file}}));
+}
+
+TEST_F(TrashFaults, ATrashThatIsMovedAwayIsNotUsed) {
+    for (const char* part : {"", "files", "info"}) {
+        makeTrash();
+        const fs::path moved = *part ? trash / part : trash;
+        EXPECT_EQ(moveWhile([&](int count) {
+                      if (count == 1) {
+                          fs::rename(moved, aside);
+                          makeTrash();
+                      }
+                  }),
+                  "the Trash was moved meanwhile")
+            << part;
+        EXPECT_TRUE(nothingMoved()) << part;
+        EXPECT_TRUE(fs::is_empty(*part ? aside : aside / "files")) << part;
+        fs::remove_all(aside);
+        fs::remove_all(trash);
+    }
+}
+
+// By its origin it would be put back to another folder.
+TEST_F(TrashFaults, WhatCameFromAFolderReplacedInTheLastMomentIsPutBackThere) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1) {
+                      fs::rename(place, aside);
+                      fs::create_directory(place);
+                      writeFile(file, "another file");
+                  }
+              }),
+              "its folder is not to be found in its place");
+    EXPECT_EQ(readFile(file), "another file");
+    EXPECT_EQ(readFile(aside / "report.log"), "what the file holds");
+    EXPECT_EQ(origins(), Origins());
+    EXPECT_EQ(infoCount(), 0U);
+}
+
+// The call was made, and then the answer was lost.
+TEST_F(TrashFaults, AMoveThatWasMadeAndReportedAsFailedWasMade) {
+    const std::string answer = inChildProcess([&]() -> std::string {
+        const PinnedFile item = pinned(file);
+        const auto moveFirst = [&](int count) {
+            if (count == 1)
+                fs::rename(file, trash / "files/report.log");
+        };
+        return interceptCall(SYS_renameat2, orNeverReturn(moveFirst)) ? move(item) : "not intercepted";
+    });
+    EXPECT_EQ(answer, "moved");
+    EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
+}
+
+// What is there may be what was moved.
+TEST_F(TrashFaults, WhatMayHaveBeenMovedKeepsItsOrigin) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1) {
+                      fs::rename(file, aside);
+                      fs::rename(other, trash / "files/report.log");
+                  }
+              }),
+              "it is not to be found in its place");
+    EXPECT_EQ(readFile(aside), "what the file holds");
+    EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
+}
+
+TEST_F(TrashFaults, AnInfoFileThatIsWrittenByHalfIsNotUsed) {
+    const std::string answer = inChildProcess([&]() -> std::string {
+        const rlimit limit{40, 40}; // bytes of a file
+        if (std::signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return "no limit";
+        return move(file);
+    });
+    EXPECT_EQ(answer, "the Trash could not be written to: file too large");
+    EXPECT_TRUE(nothingMoved());
+}
+
+// Whose info file it is that is deleted is looked at.
+TEST_F(TrashFaults, AnInfoFileOfSomebodyElseIsNotDeleted) {
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1) {
+                      fs::rename(file, aside);
+                      fs::rename(trash / "info/report.log.trashinfo", root / "ours");
+                      writeFile(trash / "info/report.log.trashinfo", "somebody else's");
+                  }
+              }),
+              "it is not to be found in its place");
+    EXPECT_EQ(readFile(trash / "info/report.log.trashinfo"), "somebody else's");
+}
+
+} // namespace vantry

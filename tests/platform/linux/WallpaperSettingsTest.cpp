@@ -1,0 +1,189 @@
+#include "platform/linux/WallpaperSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace vantry {
+
+namespace {
+
+using Picture = std::optional<std::filesystem::path>;
+
+constexpr std::string_view plasma = R"([ActionPlugins][0]
+RightButton;NoModifier=org.kde.contextmenu
+
+[Containments][1]
+lastScreen=1
+plugin=org.kde.plasma.folder
+wallpaperplugin=org.kde.image
+
+[Containments][1][Wallpaper][org.kde.image][General]
+Image=file:///pictures/second%20screen.jpg
+
+[Containments][7]
+lastScreen=0
+wallpaperplugin=org.kde.image
+
+[Containments][7][Wallpaper][org.kde.color][General]
+Image=/not/this.png
+
+[Containments][7][Wallpaper][org.kde.image][General]
+Image=/pictures/first.png
+SlidePaths=/usr/share/wallpapers
+)";
+
+constexpr std::string_view xfce = R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-desktop" version="1.0">
+  <property name="backdrop" type="empty">
+    <property name="screen0" type="empty">
+      <property name="monitorHDMI-1" type="empty">
+        <property name="workspace0" type="empty">
+          <property name="last-image" type="string" value="/pictures/tea &amp; cake.png"/>
+        </property>
+        <property name="workspace1" type="empty">
+          <property name="last-image" type="string" value="/pictures/other workspace.png"/>
+        </property>
+      </property>
+      <property name="monitoreDP-1" type="empty">
+        <property name="workspace0" type="empty">
+          <property name="color-style" type="int" value="0"/>
+          <property name="last-image" type="string" value="/pictures/laptop.png"/>
+        </property>
+      </property>
+    </property>
+  </property>
+</channel>
+)";
+
+constexpr std::string_view sway = R"(# output * bg /commented.png fill
+set $mod Mod4
+output HDMI-A-1 resolution 1920x1080 position 0,0 bg "/pictures/with space.png" fill
+output eDP-1 {
+    scale 2
+    background ~/wall.jpg stretch
+}
+output * bg $HOME/all.png fill
+bindsym $mod+bg exec /bin/true
+)";
+
+constexpr std::string_view hyprland = R"(preload = /not/this.png
+# wallpaper = ,/commented.png
+wallpaper = eDP-1, contain:/pictures/laptop.png
+wallpaper = ,~/all.png # the others
+wallpaper {
+    monitor = DP-3
+    path = /pictures/block.png
+}
+)";
+
+} // namespace
+
+TEST(WallpaperSettings, TakeAFileUrlOrAnAbsolutePath) {
+    const struct {
+        std::string_view text;
+        Picture path;
+    } cases[] = {
+        {"/a/b c.png", "/a/b c.png"},
+        {"file:///a/b%20c.png", "/a/b c.png"},
+        {"file://host/a.png", "/a.png"},
+        {"file:///caf%E9%zz%4", "/caf\xe9%zz%4"},
+        {"file://", std::nullopt},
+        {"file://host", std::nullopt},
+        {"http://example.com/a.png", std::nullopt},
+        {"a.png", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [text, path] : cases)
+        EXPECT_EQ(pathOfUrl(text), path) << text;
+}
+
+TEST(WallpaperSettings, ReadTheTextThatGsettingsPrints) {
+    const struct {
+        std::string_view printed;
+        std::optional<std::string> text;
+    } cases[] = {
+        {"'file:///a.png'\n", "file:///a.png"},
+        {"\"it's\"\n", "it's"},
+        {"'it\\'s \\\\ here'", "it's \\ here"},
+        {"''\n", ""},
+        {"'", std::nullopt},
+        {"uint32 5\n", std::nullopt},
+        {"", std::nullopt},
+        {"No such schema\n", std::nullopt},
+        {"'\\'", "\\"},
+    };
+    for (const auto& [printed, text] : cases)
+        EXPECT_EQ(textOfGVariant(printed), text) << printed;
+}
+
+TEST(WallpaperSettings, OfPlasmaNameThePictureOfTheFirstScreen) {
+    EXPECT_EQ(plasmaPicture(plasma), "/pictures/first.png");
+    const auto second = plasma.substr(0, plasma.find("[Containments][7]"));
+    EXPECT_EQ(plasmaPicture(second), "/pictures/second screen.jpg");
+    for (const std::string_view text : {"", "[Containments][", "[Containments][]\nImage=/a\n", "Image=/a.png\n",
+                                        "[Containments][1][Wallpaper][org.kde.image][General]\nImage=relative\n"})
+        EXPECT_EQ(plasmaPicture(text), std::nullopt) << text;
+}
+
+TEST(WallpaperSettings, OfXfceNameThePictureOfTheScreensFirstWorkspace) {
+    EXPECT_EQ(xfcePicture(xfce, "HDMI-1"), "/pictures/tea & cake.png");
+    EXPECT_EQ(xfcePicture(xfce, "eDP-1"), "/pictures/laptop.png");
+    EXPECT_EQ(xfcePicture(xfce, "DP-9"), "/pictures/tea & cake.png");
+    for (const std::string_view text :
+         {"", "<", "<property name=\"last-image\"", "<property name=\"last-image\" value=\"",
+          R"(<property name="last-image" value="relative"/>)", "no XML"})
+        EXPECT_EQ(xfcePicture(text, "HDMI-1"), std::nullopt) << text;
+}
+
+TEST(WallpaperSettings, OfLxqtNameOnePicture) {
+    EXPECT_EQ(lxqtPicture("[Desktop]\nWallpaperMode=stretch\nWallpaper=/pictures/a b.png\n"), "/pictures/a b.png");
+    EXPECT_EQ(lxqtPicture("[Desktop]\nWallpaper=\n"), std::nullopt);
+    EXPECT_EQ(lxqtPicture(""), std::nullopt);
+}
+
+TEST(WallpaperSettings, OfSwayNameThePictureOfTheScreenOrOfAll) {
+    EXPECT_EQ(swayPicture(sway, "HDMI-A-1", "/home/a"), "/pictures/with space.png");
+    EXPECT_EQ(swayPicture(sway, "eDP-1", "/home/a"), "/home/a/wall.jpg");
+    EXPECT_EQ(swayPicture(sway, "DP-2", "/home/a"), "/home/a/all.png");
+    for (const std::string_view text : {"", "output", "output *", "output * bg", "output * bg relative fill",
+                                        "bg /a.png", "output * {\n}\nbg /a.png fill\n"})
+        EXPECT_EQ(swayPicture(text, "DP-2", "/home/a"), std::nullopt) << text;
+}
+
+TEST(WallpaperSettings, OfHyprlandNameThePictureOfTheScreenOrOfAll) {
+    EXPECT_EQ(hyprlandPicture(hyprland, "eDP-1", "/home/a"), "/pictures/laptop.png");
+    EXPECT_EQ(hyprlandPicture(hyprland, "DP-3", "/home/a"), "/pictures/block.png");
+    EXPECT_EQ(hyprlandPicture(hyprland, "HDMI-1", "/home/a"), "/home/a/all.png");
+    for (const std::string_view text :
+         {"", "wallpaper", "wallpaper =", "wallpaper = ,", "wallpaper = /a.png", "path ="})
+        EXPECT_EQ(hyprlandPicture(text, "eDP-1", "/home/a"), std::nullopt) << text;
+}
+
+TEST(WallpaperSettings, OfFehAreTheCommandThatItWasLastGiven) {
+    const struct {
+        std::string_view script;
+        Picture picture;
+    } cases[] = {
+        {"#!/bin/sh\nfeh --no-fehbg --bg-scale '/pictures/a b.jpg' \n", "/pictures/a b.jpg"},
+        {"#!/bin/sh\n/usr/bin/feh --bg-fill '/it'\\''s.jpg' '/second.jpg'\n", "/it's.jpg"},
+        {"feh --bg-fill \"/a \\\"b\\\".png\"", "/a \"b\".png"},
+        {"feh --bg-center --image-bg black /plain.png", "/plain.png"},
+        {"#!/bin/sh\necho /a.png\n", std::nullopt},
+        {"feh --bg-scale 'relative.png'", std::nullopt},
+        {"feh --bg-scale '/no end", "/no end"},
+        {"feh \\", std::nullopt},
+        {"feh", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [script, picture] : cases)
+        EXPECT_EQ(fehPicture(script), picture) << script;
+}
+
+TEST(WallpaperSettings, OfNitrogenNameOnePicture) {
+    EXPECT_EQ(nitrogenPicture("[xin_-1]\nfile=/pictures/a=b.png\nmode=5\n"), "/pictures/a=b.png");
+    EXPECT_EQ(nitrogenPicture("[xin_-1]\nmode=5\n"), std::nullopt);
+}
+
+} // namespace vantry
