@@ -5,6 +5,8 @@
 #include <QPalette>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QWidget>
+#include <algorithm>
 
 namespace vantry {
 
@@ -20,6 +22,8 @@ constexpr int popUpArrowRoom = 26;
 constexpr int menuItemHeight = 24;
 constexpr int menuCheckRoom = 24;
 constexpr int menuEndRoom = 20;
+constexpr int scrollBarWidth = 14;
+constexpr int shortestThumb = 32;
 
 // A line of one logical pixel lies on the pixels when its centre does.
 QRectF onPixels(const QRect& rect) { return QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5); }
@@ -40,6 +44,35 @@ void drawTick(QPainter& painter, const QRectF& box, const QColor& color) {
 // Room beside the text of a pop-up button's list that the button itself does not have.
 constexpr int listRoomLeft = menuCheckRoom - popUpPadding + 2;
 constexpr int listRoomRight = 4;
+
+bool isDefaultButton(const QStyleOption& option) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    return button && button->features.testFlag(QStyleOptionButton::DefaultButton) &&
+           button->state.testFlag(QStyle::State_Enabled);
+}
+
+QRect partOfScrollBar(const QStyleOptionSlider& bar, QStyle::SubControl part) {
+    const bool vertical = bar.orientation == Qt::Vertical;
+    const int length = vertical ? bar.rect.height() : bar.rect.width();
+    const int range = bar.maximum - bar.minimum;
+    const int slider =
+        range <= 0 ? length
+                   : std::clamp(static_cast<int>(static_cast<qint64>(bar.pageStep) * length / (range + bar.pageStep)),
+                                std::min(shortestThumb, length), length);
+    const int start =
+        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - slider, bar.upsideDown);
+    const auto along = [&](int from, int size) {
+        return vertical ? QRect(bar.rect.left(), bar.rect.top() + from, bar.rect.width(), size)
+                        : QRect(bar.rect.left() + from, bar.rect.top(), size, bar.rect.height());
+    };
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove: return bar.rect;
+    case QStyle::SC_ScrollBarSlider: return along(start, slider);
+    case QStyle::SC_ScrollBarSubPage: return along(0, start);
+    case QStyle::SC_ScrollBarAddPage: return along(start + slider, length - start - slider);
+    default: return {};
+    }
+}
 
 class PainterState {
 public:
@@ -96,6 +129,47 @@ void OmbrelStyle::drawFace(QPainter& painter, const QStyleOption& option, double
     painter.drawRoundedRect(rect, radius, radius);
 }
 
+void OmbrelStyle::drawDefaultFace(QPainter& painter, const QStyleOption& option) const {
+    const PainterState state(painter);
+    QColor face = accent(option);
+    if (option.state & State_Sunken)
+        face = face.darker(118);
+    else if (option.state & State_MouseOver)
+        face = face.lighter(106);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(face);
+    painter.drawRoundedRect(QRectF(option.rect), buttonRadius, buttonRadius);
+}
+
+void OmbrelStyle::drawPushButtonLabel(QPainter& painter, const QStyleOption& option, const QWidget* widget) const {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    if (!button)
+        return;
+    QStyleOptionButton label = *button;
+    const bool dark = appearance_.current() == Appearance::dark;
+    if (isDefaultButton(option))
+        label.palette.setColor(QPalette::Normal, QPalette::ButtonText, Qt::white);
+    else if (widget && widget->property(destructiveProperty).toBool() && (option.state & State_Enabled))
+        label.palette.setColor(QPalette::ButtonText, dark ? QColor(255, 105, 97) : QColor(215, 0, 21));
+    label.palette.setCurrentColorGroup(option.state & State_Enabled ? QPalette::Normal : QPalette::Disabled);
+    QProxyStyle::drawControl(CE_PushButtonLabel, &label, &painter, widget);
+}
+
+// The thumb alone, over what it scrolls.
+void OmbrelStyle::drawScrollBar(QPainter& painter, const QStyleOptionComplex& option, const QWidget* widget) const {
+    const PainterState state(painter);
+    const bool dark = appearance_.current() == Appearance::dark;
+    const bool active = (option.state & (State_MouseOver | State_Sunken)) && (option.state & State_Enabled);
+    const int alpha = active ? 130 : 80;
+    const QRectF slider = proxy()->subControlRect(CC_ScrollBar, &option, SC_ScrollBarSlider, widget);
+    const double inset = active ? 2.5 : 3.5;
+    const QRectF thumb = slider.adjusted(inset, inset, -inset, -inset);
+    const double radius = std::min(thumb.width(), thumb.height()) / 2;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(dark ? QColor(255, 255, 255, alpha) : QColor(0, 0, 0, alpha));
+    painter.drawRoundedRect(thumb, radius, radius);
+}
+
 void OmbrelStyle::drawCheckBox(QPainter& painter, const QStyleOption& option) const {
     const PainterState state(painter);
     const bool dark = appearance_.current() == Appearance::dark;
@@ -139,7 +213,13 @@ void OmbrelStyle::drawPopUpButton(QPainter& painter, const QStyleOption& option)
 void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
     switch (element) {
-    case PE_PanelButtonCommand: drawFace(*painter, *option, buttonRadius); return;
+    case PE_PanelButtonCommand:
+        if (isDefaultButton(*option))
+            drawDefaultFace(*painter, *option);
+        else
+            drawFace(*painter, *option, buttonRadius);
+        return;
+    case PE_FrameDefaultButton: return; // its face says it
     case PE_IndicatorCheckBox: drawCheckBox(*painter, *option); return;
     case PE_FrameFocusRect: {
         const PainterState state(*painter);
@@ -206,6 +286,10 @@ void OmbrelStyle::drawControl(ControlElement element, const QStyleOption* option
         drawMenuItem(*painter, *option, widget);
         return;
     }
+    if (element == CE_PushButtonLabel) {
+        drawPushButtonLabel(*painter, *option, widget);
+        return;
+    }
     if (element == CE_ComboBoxLabel) {
         const auto* comboBox = qstyleoption_cast<const QStyleOptionComboBox*>(option);
         if (!comboBox)
@@ -221,6 +305,10 @@ void OmbrelStyle::drawControl(ControlElement element, const QStyleOption* option
 
 void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                      const QWidget* widget) const {
+    if (control == CC_ScrollBar) {
+        drawScrollBar(*painter, *option, widget);
+        return;
+    }
     if (control != CC_ComboBox) {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
         return;
@@ -234,6 +322,9 @@ QRect OmbrelStyle::subControlRect(ComplexControl control, const QStyleOptionComp
                                   const QWidget* widget) const {
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
         return option->rect.adjusted(-listRoomLeft, 0, listRoomRight, 0); // puts an item's text on the button's
+    if (control == CC_ScrollBar)
+        if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option))
+            return partOfScrollBar(*bar, part);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
@@ -280,6 +371,8 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_MenuHMargin:
     case PM_MenuVMargin: return 5;
     case PM_MenuPanelWidth: return 1;
+    case PM_ScrollBarExtent: return scrollBarWidth;
+    case PM_ScrollView_ScrollBarOverlap: return scrollBarWidth; // what it scrolls does not change its width
     default: return QProxyStyle::pixelMetric(metric, option, widget);
     }
 }

@@ -9,6 +9,9 @@ namespace vantry {
 /// The line of one logical pixel, even at every scale, that sets a popover or a menu apart from what is behind it.
 void drawWindowEdge(QPainter& painter, const QRect& rect, Appearance appearance);
 
+/// The name of the property that a push button has when what it does takes something away.
+inline constexpr const char* destructiveProperty = "destructive";
+
 /// The look of Ombrel's own controls: rounded push buttons, check boxes, pop-up buttons and menus, light and dark,
 /// crisp at every scale. What it does not draw, Qt's Fusion style does.
 class OmbrelStyle : public QProxyStyle {
@@ -35,6 +38,9 @@ public:
 
 private:
     void drawFace(QPainter& painter, const QStyleOption& option, double radius) const;
+    void drawDefaultFace(QPainter& painter, const QStyleOption& option) const;
+    void drawPushButtonLabel(QPainter& painter, const QStyleOption& option, const QWidget* widget) const;
+    void drawScrollBar(QPainter& painter, const QStyleOptionComplex& option, const QWidget* widget) const;
     void drawCheckBox(QPainter& painter, const QStyleOption& option) const;
     void drawPopUpButton(QPainter& painter, const QStyleOption& option) const;
     void drawMenuItem(QPainter& painter, const QStyleOption& option, const QWidget* widget) const;

@@ -76,11 +76,39 @@ void QtShell::popUpContextMenu(const ContextMenuContent& content) {
     contextMenu_.popup(QCursor::pos());
 }
 
-void QtShell::showCleanupWindow() {}
-bool QtShell::cleanupWindowIsShown() const { return false; }
-void QtShell::renderCleanupWindow(const CleanupWindowContent&) {}
-void QtShell::scrollCleanupResultsToTop() {}
-void QtShell::ask(const AlertContent&, std::function<void(AlertAnswer)>) {}
+CleanupWindow& QtShell::cleanupWindow() {
+    if (!cleanupWindow_) {
+        const auto report = [this](auto action) {
+            return [this, action](auto&&... arguments) {
+                const auto target = delegate_.lock();
+                if (const auto controller = target ? target->cleanupWindowController() : nullptr)
+                    (controller.get()->*action)(arguments...);
+            };
+        };
+        using Controller = CleanupWindowController;
+        cleanupWindow_ = std::make_unique<CleanupWindow>(
+            appearance_,
+            CleanupWindowActions{report(&Controller::scanPressed),
+                                 report(&Controller::modeChanged),
+                                 report(&Controller::selectSuggestedPressed),
+                                 report(&Controller::trashPressed),
+                                 {report(&Controller::candidateSelectionChanged), report(&Controller::revealPressed),
+                                  report(&Controller::avenueActionPressed)}});
+    }
+    return *cleanupWindow_;
+}
+
+void QtShell::showCleanupWindow() { cleanupWindow().showInFront(); }
+
+bool QtShell::cleanupWindowIsShown() const { return cleanupWindow_ && cleanupWindow_->isVisible(); }
+
+void QtShell::renderCleanupWindow(const CleanupWindowContent& content) { cleanupWindow().render(content); }
+
+void QtShell::scrollCleanupResultsToTop() { cleanupWindow().scrollResultsToTop(); }
+
+void QtShell::ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) {
+    cleanupWindow().ask(alert, std::move(answered));
+}
 
 void QtShell::terminate() { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); }
 

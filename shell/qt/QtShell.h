@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/Shell.h"
+#include "shell/qt/CleanupWindow.h"
 #include "shell/qt/PopoverWindow.h"
 #include "shell/qt/QtAppearance.h"
 #include "shell/qt/StripWindow.h"
@@ -42,6 +43,7 @@ public:
     void terminate() override;
 
 private:
+    [[nodiscard]] CleanupWindow& cleanupWindow();
     void placeStatusItem();
     void renderTrayMenu();
     [[nodiscard]] bool closesPopover();
@@ -56,6 +58,7 @@ private:
     QMenu trayMenu_;
     QMenu contextMenu_;
     std::unique_ptr<PopoverWindow> popover_;
+    std::unique_ptr<CleanupWindow> cleanupWindow_; ///< null before it is first needed
     std::unique_ptr<TrayItem> tray_;
     std::unique_ptr<StripWindow> strip_;
     bool accessory_ = false;

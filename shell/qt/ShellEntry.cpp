@@ -3,13 +3,16 @@
 #include "app/ProcessEvents.h"
 #include "app/TerminationSignals.h"
 #include "shell/qt/BarWidget.h"
+#include "shell/qt/CleanupControls.h"
 #include "shell/qt/QtMainQueue.h"
 #include "shell/qt/QtPreferencesStore.h"
 #include "shell/qt/QtShell.h"
 #include "shell/qt/QtWorkspace.h"
+#include "shell/qt/X11WindowList.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <cstdio>
 #include <memory>
@@ -47,6 +50,8 @@ AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::
     services.mainQueue = std::move(mainQueue);
     services.preferences = std::make_shared<QtPreferencesStore>();
     services.workspace = std::make_shared<QtWorkspace>();
+    if (QGuiApplication::platformName() == QStringLiteral("xcb"))
+        services.wallpaper = wallpaperServices(std::make_shared<X11WindowList>(qApp->devicePixelRatio()));
     services.arguments = std::move(arguments);
     return services;
 }
@@ -62,8 +67,9 @@ int runShell(ShellLaunch launch) {
     QApplication::setDesktopFileName(QStringLiteral("app.ombrel.Ombrel"));
     QApplication application(argumentCount, argumentValues);
     QApplication::setApplicationName(QStringLiteral("ombrel"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Ombrel"));
     installBarAccessibility();
+    installCleanupAccessibility();
+    QIcon::setFallbackThemeName(QStringLiteral("breeze")); // a bare session has no theme
 
     const auto mainQueue = std::make_shared<QtMainQueue>();
     QtShell shell;

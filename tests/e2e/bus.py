@@ -173,3 +173,19 @@ class SettingsPortal(StandIn):
 
     def read(self, name):
         return GLib.Variant("u", 1)
+
+
+class FileManager(StandIn):
+    """A file manager that notes which items it is to show."""
+
+    name = interface = "org.freedesktop.FileManager1"
+    path = "/org/freedesktop/FileManager1"
+    xml = """<node><interface name="org.freedesktop.FileManager1">
+        <method name="ShowItems"><arg type="as" direction="in"/><arg type="s" direction="in"/></method></interface></node>"""
+
+    def __init__(self, loop, address):
+        self.shown = []
+        super().__init__(loop, address)
+
+    def handle(self, sender, method, arguments):
+        self.shown.append(arguments[0])

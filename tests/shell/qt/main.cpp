@@ -1,3 +1,5 @@
+#include "shell/qt/CleanupControls.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -10,5 +12,6 @@ int main(int count, char** arguments) {
     testing::InitGoogleTest(&count, arguments);
     qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed, and none is used
     const QApplication application(count, arguments);
+    vantry::installCleanupAccessibility(); // before there is a widget, as the front end does
     return RUN_ALL_TESTS();
 }

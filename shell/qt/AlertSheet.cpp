@@ -1,0 +1,121 @@
+#include "shell/qt/AlertSheet.h"
+
+#include "shell/qt/CleanupControls.h"
+#include "shell/qt/CleanupLook.h"
+#include "shell/qt/OmbrelStyle.h"
+#include "shell/qt/QtCanvas.h"
+#include "shell/qt/QtConversions.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+constexpr Font messageFont{14, FontWeight::bold};
+constexpr int sheetWidth = 440;
+constexpr int symbolSide = 44;
+constexpr int distanceFromTop = 96; // of the window's content
+constexpr int leastButtonWidth = 96;
+
+QLabel* textLabel(const QString& text, const Font& font, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setFont(qFont(font, *label));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert,
+                       std::function<void(AlertAnswer)> answered, QWidget* window)
+    : QDialog(window, Qt::Dialog | Qt::FramelessWindowHint),
+      appearance_(appearance),
+      answered_(std::move(answered)) {
+    setWindowModality(Qt::WindowModal);
+    setWindowTitle(qString(alert.message));
+    setAccessibleName(qString(alert.message));
+    setAccessibleDescription(qString(alert.informativeText));
+
+    auto* sheet = new QHBoxLayout(this);
+    sheet->setContentsMargins(24, 22, 24, 20);
+    sheet->setSpacing(18);
+    auto* symbol = new SymbolWidget(appearance, symbolSide, SystemColor::orange, this);
+    symbol->setSymbol("exclamationmark.triangle.fill");
+    sheet->addWidget(symbol, 0, Qt::AlignTop);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(8);
+    sheet->addLayout(texts, 1);
+    texts->addWidget(textLabel(qString(alert.message), messageFont, this));
+    QLabel* information = textLabel(qString(alert.informativeText), cleanupBodyFont, this);
+    information->setTextInteractionFlags(Qt::TextSelectableByMouse); // which leaves the keyboard to the buttons
+    texts->addWidget(information);
+    texts->addSpacing(12);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(10);
+    row->addStretch(1);
+    texts->addLayout(row);
+    QPushButton* first = nullptr;
+    for (std::size_t index = 0; index < alert.buttons.size(); ++index) {
+        auto* button = new QPushButton(qString(alert.buttons[index]), this);
+        button->setFont(qFont(cleanupBodyFont, *button));
+        button->setMinimumWidth(leastButtonWidth);
+        button->setAutoDefault(false);
+        const auto meant = index == 0 ? AlertAnswer::first : AlertAnswer::last;
+        connect(button, &QPushButton::clicked, this, [this, meant] {
+            answer(meant);
+            done(meant == AlertAnswer::first ? Accepted : Rejected);
+        });
+        row->insertWidget(1, button); // the first one at the right
+        if (index == 0)
+            first = button;
+        else
+            setTabOrder(first, button);
+    }
+    if (first) {
+        first->setDefault(true);
+        first->setFocus(Qt::OtherFocusReason);
+    }
+    setFixedWidth(sheetWidth);
+}
+
+AlertSheet::~AlertSheet() { answer(AlertAnswer::last); }
+
+void AlertSheet::answer(AlertAnswer answer) {
+    if (auto answered = std::exchange(answered_, nullptr))
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [answered = std::move(answered), answer] { answered(answer); },
+            Qt::QueuedConnection);
+}
+
+// Escape and closing come here as well.
+void AlertSheet::done(int result) {
+    answer(AlertAnswer::last);
+    QDialog::done(result);
+    deleteLater();
+}
+
+void AlertSheet::place() {
+    const QWidget* window = parentWidget();
+    setFixedHeight(layout()->heightForWidth(sheetWidth));
+    const int x = (window->width() - width()) / 2;
+    const int y = std::max(0, std::min(distanceFromTop, (window->height() - height()) / 2));
+    move(window->mapToGlobal(QPoint(x, y)));
+}
+
+void AlertSheet::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Window));
+    drawWindowEdge(painter, rect(), appearance_.current());
+}
+
+} // namespace vantry

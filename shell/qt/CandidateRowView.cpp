@@ -1,0 +1,155 @@
+#include "shell/qt/CleanupLook.h"
+#include "shell/qt/CleanupRowView.h"
+#include "shell/qt/QtConversions.h"
+#include "shell/qt/SymbolPicture.h"
+
+#include <QPainter>
+#include <QSignalBlocker>
+#include <algorithm>
+
+namespace vantry {
+
+namespace {
+
+constexpr int lineGap = 2;
+constexpr int noteGap = 3;
+constexpr int amountWidth = 124;
+constexpr int columnGap = 16;
+constexpr int revealSide = 28;
+constexpr int revealInset = 12;
+constexpr int badgePadding = 8;
+constexpr int badgeGap = 5;
+constexpr int lowestRow = 54;
+
+int amountRight(int width) { return width - revealInset - revealSide - 8; }
+int textWidth(int width) { return amountRight(width) - amountWidth - columnGap - cleanupTextInset; }
+
+// What a screen reader says after the title.
+QString descriptionOf(const CandidateRowContent& content) {
+    QStringList parts{qString(content.reason), qString(content.note), qString(content.sizeText),
+                      qString(content.badge)};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" · "));
+}
+
+} // namespace
+
+CandidateRowView::CandidateRowView(const QtAppearance& appearance, const CleanupRowType& type,
+                                   const CleanupRowActions& actions, QWidget* parent)
+    : CleanupRowView(appearance, type, actions, parent),
+      revealButton_(new SymbolButton(appearance, "magnifyingglass", this)) {
+    revealButton_->setToolTip(QString::fromUtf8(revealTooltip));
+    connect(revealButton_, &QAbstractButton::clicked, this,
+            [this] { this->actions().revealed(std::string(content_.identifier)); });
+}
+
+int CandidateRowView::heightFor(const Content& content, int width, const CleanupRowType& type) {
+    const int space = textWidth(width);
+    int height =
+        type.titleMetrics.height() + lineGap + wrappedHeight(type.detailMetrics, qString(content.reason), space);
+    if (!content.note.empty())
+        height += noteGap + wrappedHeight(type.detailMetrics, qString(content.note), space);
+    return std::max(lowestRow, height + 2 * cleanupRowPadding);
+}
+
+void CandidateRowView::setContent(const Content& content) {
+    content_ = content;
+    const QString identifier = qString(content.identifier);
+    const QString description = descriptionOf(content);
+    setAccessibleName(qString(content.title));
+    setAccessibleDescription(description);
+    setToolTip(plainToolTip(qString(content.path)));
+    if (content.symbolName.empty() && !checkBox_) {
+        checkBox_ = new RowCheckBox(this);
+        checkBox_->lower(); // screen readers meet it first, as eyes do
+        setTabOrder(checkBox_, revealButton_);
+        checkBox_->setGeometry(4, 0, cleanupTextInset - 8, height());
+        checkBox_->setVisible(true);
+        connect(checkBox_, &QCheckBox::toggled, this, &CandidateRowView::toggled);
+    } else if (!content.symbolName.empty() && checkBox_) {
+        checkBox_->hide();
+        std::exchange(checkBox_, nullptr)->deleteLater();
+    }
+    if (checkBox_) {
+        const QSignalBlocker silent(checkBox_);
+        checkBox_->setObjectName(identifier);
+        checkBox_->setAccessibleName(qString(content.selectionAccessibilityLabel));
+        checkBox_->setAccessibleDescription(description);
+        checkBox_->setChecked(content.selected);
+    }
+    revealButton_->setObjectName(identifier);
+    revealButton_->setAccessibleName(qString(content.revealAccessibilityLabel));
+    update();
+}
+
+// The answer to the report is a new content, in which the box may be as it was.
+void CandidateRowView::toggled(bool isOn) {
+    actions().selectionChanged(std::string(content_.identifier), isOn);
+    if (checkBox_) {
+        const QSignalBlocker silent(checkBox_);
+        checkBox_->setChecked(content_.selected);
+    }
+}
+
+std::vector<QWidget*> CandidateRowView::controls() const {
+    return checkBox_ ? std::vector<QWidget*>{checkBox_, revealButton_} : std::vector<QWidget*>{revealButton_};
+}
+
+void CandidateRowView::resizeEvent(QResizeEvent* event) {
+    if (checkBox_)
+        checkBox_->setGeometry(4, 0, cleanupTextInset - 8, height());
+    revealButton_->setGeometry(width() - revealInset - revealSide, (height() - revealSide) / 2, revealSide, revealSide);
+    QWidget::resizeEvent(event);
+}
+
+void CandidateRowView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const CleanupRowType& fonts = type();
+    if (!content_.symbolName.empty())
+        drawSymbol(painter, content_.symbolName, QRectF(cleanupCardPadding, 0, cleanupSymbolSide, height()),
+                   cleanupSymbolSide - 2, roleColor(content_.badgeColor, appearance()));
+
+    const int space = textWidth(width());
+    const QString reason = qString(content_.reason);
+    const QString note = qString(content_.note);
+    const int reasonHeight = wrappedHeight(fonts.detailMetrics, reason, space);
+    const int noteHeight = wrappedHeight(fonts.detailMetrics, note, space);
+    const int textHeight =
+        fonts.titleMetrics.height() + lineGap + reasonHeight + (note.isEmpty() ? 0 : noteGap + noteHeight);
+    int y = (height() - textHeight) / 2;
+    painter.setFont(fonts.title);
+    painter.setPen(roleColor(SystemColor::label, appearance()));
+    painter.drawText(QRect(cleanupTextInset, y, space, fonts.titleMetrics.height()), Qt::AlignVCenter,
+                     fonts.titleMetrics.elidedText(qString(content_.title), Qt::ElideMiddle, space));
+    y += fonts.titleMetrics.height() + lineGap;
+    painter.setFont(fonts.detail);
+    painter.setPen(roleColor(SystemColor::secondaryLabel, appearance()));
+    painter.drawText(QRect(cleanupTextInset, y, space, reasonHeight), Qt::TextWordWrap, reason);
+    if (!note.isEmpty())
+        painter.drawText(QRect(cleanupTextInset, y + reasonHeight + noteGap, space, noteHeight), Qt::TextWordWrap,
+                         note);
+
+    const int badgeHeight = fonts.badgeMetrics.height() + 4;
+    const int amountHeight = fonts.strongMetrics.height();
+    const int top = (height() - amountHeight - badgeGap - badgeHeight) / 2;
+    painter.setFont(fonts.strong);
+    painter.setPen(roleColor(SystemColor::label, appearance()));
+    const int right = amountRight(width());
+    drawFigures(painter, QRectF(right - amountWidth, top, amountWidth, amountHeight), Qt::AlignRight,
+                qString(content_.sizeText));
+    const QString badge =
+        fonts.badgeMetrics.elidedText(qString(content_.badge), Qt::ElideRight, amountWidth - 2 * badgePadding);
+    const int badgeWidth = fonts.badgeMetrics.horizontalAdvance(badge) + 2 * badgePadding;
+    const QRectF capsule(right - badgeWidth, top + amountHeight + badgeGap, badgeWidth, badgeHeight);
+    QColor fill = roleColor(content_.badgeColor, appearance());
+    fill.setAlphaF(appearance() == Appearance::dark ? 0.2F : 0.13F);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(capsule, badgeHeight / 2.0, badgeHeight / 2.0);
+    painter.setFont(fonts.badge);
+    painter.setPen(readableColor(content_.badgeColor, appearance(), 5.2)); // on its own tint, which is darker
+    painter.drawText(capsule, Qt::AlignCenter, badge);
+}
+
+} // namespace vantry

@@ -1,0 +1,370 @@
+"""The "Free Up Space" window: opened, read as a screen reader reads it, and used to move files to the Trash."""
+
+import configparser
+import json
+import os
+import re
+import subprocess
+import time
+from datetime import datetime
+from pathlib import Path
+from urllib.parse import quote, unquote_to_bytes
+
+from gi.repository import GLib
+
+from bus import FileManager
+from case import DesktopCase
+from waiting import holds, wait_for_equal, wait_until
+
+DAY = 86400
+MIB = 1 << 20
+NOTHING_SELECTED = "Nothing selected · Only low-risk files can be selected"
+LOW_RISK = {"Downloads/Painter.dmg": 6 * MIB, "Downloads/film.part": 5 * MIB, "Library/Logs/old.log": MIB,
+            "Library/Logs/older.log": 2 * MIB, "Library/Logs/DiagnosticReports/crash.ips": MIB}
+REVIEW = {"Downloads/photos.zip": 30 * MIB}
+
+
+def wait_for(read, what):
+    """Waits for a true result; what goes away while it is read is read again."""
+    def patiently():
+        try:
+            return read()
+        except (GLib.Error, LookupError):
+            return None
+
+    return wait_until(patiently, what)
+
+
+class CleanupWindow(DesktopCase):
+    options = {"size": "1100x900"}
+
+    # ---- a home folder with something in it
+
+    def make_home(self, files=None):
+        home = self.desktop.new_home()
+        for name, size in (LOW_RISK | REVIEW if files is None else files).items():
+            self.make_file(home, name, size)
+        return home
+
+    def make_file(self, home, name, size, age=100 * DAY, contents=b""):
+        path = home.folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(contents)
+            os.posix_fallocate(file.fileno(), 0, size)
+        moment = time.time() - age
+        os.utime(path, (moment, moment))
+        return path
+
+    def trash(self, home):
+        return home.folder / ".local/share/Trash"
+
+    def trashed(self, home):
+        """What is in the Trash: the original place of each file by its name there."""
+        found = {}
+        for info in sorted((self.trash(home) / "info").glob("*")):
+            parser = configparser.RawConfigParser()
+            parser.read(info)
+            datetime.strptime(parser["Trash Info"]["DeletionDate"], "%Y-%m-%dT%H:%M:%S")
+            found[info.name.removesuffix(".trashinfo")] = os.fsdecode(unquote_to_bytes(parser["Trash Info"]["Path"]))
+        self.assertEqual(sorted(found), sorted(os.listdir(self.trash(home) / "files")) if found else [])
+        return found
+
+    def records(self, home):
+        folder = home.folder / "Library/Application Support/Ombrel/Cleanup History"
+        return sorted(folder.iterdir()) if folder.exists() else []
+
+    # ---- the window
+
+    def open(self, home=None, ready=True):
+        home = home or self.make_home()
+        application = self.start(home=home, arguments=["--show-cleanup"])
+        application.wait_for_strip()
+        return application, self.window(application, ready)
+
+    def window(self, application, ready=True):
+        def found():
+            return next((each for each in application.accessible().children if each.name == "Ombrel · Free Up Space"), None)
+
+        window = wait_for(found, "the window")
+        if ready:
+            self.wait_for_text(window, " can be selected")
+        return window
+
+    def texts(self, window):
+        return [each.name for each in window.walk() if each.role in ("label", "heading") and each.has("showing")]
+
+    def wait_for_text(self, window, text):
+        return wait_for(lambda: next((each for each in self.texts(window) if text in each), None), f"{text!r}")
+
+    def button(self, window, title):
+        return window.find("push button", title)
+
+    def press(self, window, title):
+        self.click_on(self.button(window, title))
+
+    def box(self, window, title):
+        return window.find("check box", f"Select low-risk file {title}")
+
+    def rows(self, window):
+        return [each.name for each in window.find_all("list item")]
+
+    def sheet(self, application, message):
+        """Once it is in its place and has the keyboard."""
+        def found():
+            focus = self.desktop.accessibility.focus()
+            sheet = next((each for each in application.accessible().children if each.name == message), None)
+            return sheet and focus in sheet.find_all("push button") and sheet
+
+        sheet = wait_for(found, f"the sheet {message!r}")
+        self.desktop.screen.steady_picture()
+        return sheet
+
+    def answer(self, application, message, title):
+        """Presses a button of the sheet and waits for the sheet to close. What it said beside its message."""
+        sheet = self.sheet(application, message)
+        said = sheet.description
+        self.press(sheet, title)
+        self.wait_until_no_sheet(application, message)
+        return said
+
+    def wait_until_no_sheet(self, application, message):
+        wait_for(lambda: all(each.name != message for each in application.accessible().children), "the sheet to close")
+
+    def select_and_ask(self, application, window):
+        self.press(window, "Select Low-Risk Files")
+        wait_until(lambda: self.button(window, "Move to Trash…").has("enabled"), "the button to move")
+        self.press(window, "Move to Trash…")
+
+    # ---- opening
+
+    def test_opens_from_the_menu_and_from_the_popover_and_comes_to_the_front(self):
+        application = self.start(home=self.make_home())
+        strip = application.wait_for_strip()
+        menu = self.open_menu(application, strip.rect)
+        self.choose_from_menu(menu, "Free Up Space…")
+        self.window(application)
+        self.desktop.screen.key("w", "Control_L")
+        wait_until(lambda: not [each for each in application.windows() if each.rect.width >= 780], "the window to close")
+        popover = self.open_and_read_popover(application, application.strip().rect)
+        self.press(popover, "Free Up Space…")
+        application.wait_until_popover_closed()
+        self.window(application)
+        self.assertEqual(len([each for each in application.windows() if each.rect.width >= 780]), 1)
+
+    def test_a_second_start_that_asks_for_it_opens_it_in_the_first(self):
+        home = self.make_home()
+        first = self.start(home=home)
+        first.wait_for_strip()
+        second = self.start(home=home, arguments=["--show-cleanup"])
+        self.assertEqual(second.wait_for_end(), 0)
+        self.window(first)
+
+    # ---- what it tells
+
+    def test_tells_what_was_found_by_area(self):
+        _application, window = self.open()
+        texts = self.texts(window)
+        for text in ("Free Up Space", "See what is using space, what can be selected, and what must stay protected.",
+                     "Mac Storage Used: 500 GB", "Files Found: 47.2 MB", "Selected for Trash: 0 B", NOTHING_SELECTED,
+                     "Scan complete · This Mac uses 500 GB of 1 TB · 6 files shown use 47.2 MB · 5 low-risk files can be "
+                     "selected", "Temporary App Files"):
+            self.assertIn(text, texts)
+        self.assertEqual(self.rows(window), ["older.log", "old.log", "crash.ips", "Painter.dmg", "film.part", "photos.zip"])
+        self.assertFalse(self.button(window, "Move to Trash…").has("enabled"))
+
+    def test_without_findings_says_so_and_the_guide_still_lists_every_area(self):
+        _application, window = self.open(self.make_home({}), ready=False)
+        self.wait_for_text(window, "No cleanup files found")
+        self.assertFalse(self.button(window, "Select Low-Risk Files").has("enabled"))
+        self.click_on(self.mode(window, "Storage Guide"))
+        self.wait_for_text(window, "37 storage areas covered · ")
+        wait_for_equal(37, lambda: len(self.rows(window)), "the number of avenues")
+
+    def mode(self, window, title):
+        return next(each for each in window.walk() if each.name == title and each.role in ("radio button", "push button",
+                                                                                         "toggle button", "page tab"))
+
+    def test_changes_its_mode_with_the_keyboard_and_keeps_the_results(self):
+        _application, window = self.open()
+        self.click_on(self.mode(window, "Storage Guide"))
+        self.wait_for_text(window, "Nothing is removed automatically. Managed and private storage never gets")
+        self.desktop.screen.key("Left")
+        self.wait_for_text(window, NOTHING_SELECTED)
+        self.assertEqual(len(self.rows(window)), 6)
+
+    # ---- choosing
+
+    def test_a_ticked_file_counts_and_an_unticked_one_does_not(self):
+        _application, window = self.open()
+        self.click_on(self.box(window, "old.log"))
+        self.wait_for_text(window, "1 selected · 1 MB will move to Trash")
+        self.assertTrue(self.box(window, "old.log").has("checked"))
+        self.box(window, "older.log").do("toggle")
+        self.wait_for_text(window, "2 selected · 3.1 MB will move to Trash")
+        self.click_on(self.box(window, "old.log"))
+        self.wait_for_text(window, "1 selected · 2.1 MB will move to Trash")
+        self.assertTrue(self.button(window, "Move to Trash…").has("enabled"))
+
+    def test_low_risk_files_are_selected_at_once_and_no_others(self):
+        _application, window = self.open()
+        self.press(window, "Select Low-Risk Files")
+        self.wait_for_text(window, "5 selected · 15.7 MB will move to Trash")
+        self.assertTrue(all(each.has("checked") for each in window.find_all("check box")))
+        self.assertEqual(len(window.find_all("check box")), len(LOW_RISK))
+
+    def test_scanning_again_clears_the_selection(self):
+        _application, window = self.open()
+        self.press(window, "Select Low-Risk Files")
+        self.wait_for_text(window, "5 selected")
+        self.press(window, "Scan Again")
+        self.wait_for_text(window, NOTHING_SELECTED)
+        self.wait_for_text(window, " can be selected")
+        self.assertFalse(any(each.has("checked") for each in window.find_all("check box")))
+
+    def test_reveals_a_file_in_the_file_manager(self):
+        manager = FileManager(self.desktop.loop, self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(manager.close)
+        home = self.make_home({"Library/Logs/odd name é.log": MIB})
+        _application, window = self.open(home)
+        self.press(window, "Reveal odd name é.log in Finder")
+        expected = "file://" + quote(str(home.folder / "Library/Logs/odd name é.log"))
+        wait_for_equal([[expected]], lambda: manager.shown, "what is revealed")
+
+    # ---- moving
+
+    def test_moves_what_was_chosen_to_the_trash_and_records_it(self):
+        home = self.make_home()
+        application, window = self.open(home)
+        self.select_and_ask(application, window)
+        said = self.answer(application, "Move 5 selected items to the Trash?", "Move to Trash")
+        self.assertIn("This moves approximately 15.7 MB to the Trash so it remains recoverable.", said)
+        self.wait_for_text(window, "Moved 5 items to the Trash · a privacy-safe local record was saved")
+        self.wait_for_text(window, NOTHING_SELECTED)
+        self.assertEqual(sorted(self.trashed(home).values()), sorted(str(home.folder / name) for name in LOW_RISK))
+        for name in LOW_RISK:
+            self.assertFalse((home.folder / name).exists())
+        self.assertTrue((home.folder / "Downloads/photos.zip").exists())
+        wait_for_equal(["photos.zip"], lambda: self.rows(window), "the rows that are left")
+        self.assertFalse(self.button(window, "Move to Trash…").has("enabled"))
+        (record,) = self.records(home)
+        said = json.loads(record.read_text())
+        self.assertEqual((said["itemCount"], said["totalBytes"]), (5, sum(LOW_RISK.values())))
+        self.assertEqual([each["category"] for each in said["entries"]], sorted(each["category"] for each in said["entries"]))
+        self.assertEqual((record.stat().st_mode & 0o777, record.parent.stat().st_mode & 0o777), (0o600, 0o700))
+        for name in LOW_RISK:
+            self.assertNotIn(Path(name).name, record.read_text())
+
+    def test_the_trash_program_lists_and_restores_what_was_moved(self):
+        home = self.make_home({})
+        original = self.make_file(home, "Library/Logs/a b\nc é.log", MIB, contents=b"contents of the log")
+        before = original.read_bytes()
+        application, window = self.open(home)
+        self.select_and_ask(application, window)
+        self.answer(application, "Move 1 selected item to the Trash?", "Move to Trash")
+        self.wait_for_text(window, "Moved 1 item to the Trash")
+        environment = self.desktop.environment_of(home.folder, {})
+        listed = subprocess.run(["trash-list"], env=environment, stdout=subprocess.PIPE, check=True).stdout.decode()
+        self.assertIn(str(original), listed)
+        subprocess.run(["trash-restore", "/"], env=environment, input=b"0\n", stdout=subprocess.DEVNULL, check=True)
+        self.assertEqual(original.read_bytes(), before)
+
+    def test_cancelling_changes_nothing(self):
+        home = self.make_home()
+        application, window = self.open(home)
+        for way in ("Cancel", "Escape"):
+            self.select_and_ask(application, window)
+            message = "Move 5 selected items to the Trash?"
+            if way == "Escape":
+                self.sheet(application, message)
+                self.desktop.screen.key(way)
+                self.wait_until_no_sheet(application, message)
+            else:
+                self.answer(application, message, way)
+            self.wait_for_text(window, "5 selected · 15.7 MB will move to Trash")
+            holds(lambda: not self.trash(home).exists(), "the absence of a Trash")
+        self.assertEqual(self.records(home), [])
+
+    def test_the_keyboard_alone_is_enough(self):
+        home = self.make_home({"Library/Logs/old.log": MIB})
+        application, window = self.open(home)
+        self.desktop.accessibility.forget_focus()
+        for _step in range(30):
+            focus = self.desktop.accessibility.focus()
+            if focus and focus.name == "Select low-risk file old.log":
+                break
+            self.desktop.screen.key("Tab")
+            time.sleep(0.05)
+        self.assertEqual(self.desktop.accessibility.focus().name, "Select low-risk file old.log")
+        self.desktop.screen.key("space")
+        self.wait_for_text(window, "1 selected · 1 MB will move to Trash")
+        self.button(window, "Move to Trash…").do("press")
+        self.sheet(application, "Move 1 selected item to the Trash?")
+        self.desktop.screen.key("Return")
+        self.wait_for_text(window, "Moved 1 item to the Trash")
+        self.assertEqual(list(self.trashed(home).values()), [str(home.folder / "Library/Logs/old.log")])
+
+    # ---- refusals
+
+    def test_files_that_changed_since_the_scan_are_named_four_at_most_and_nothing_moves(self):
+        home = self.make_home()
+        application, window = self.open(home)
+        for name in LOW_RISK:
+            os.utime(home.folder / name)
+        self.select_and_ask(application, window)
+        lines = self.answer(application, "Some items changed since the scan", "OK").split("\n")
+        self.assertEqual(len([each for each in lines if re.match(r"\S.*: \S", each)]), 4, lines)
+        self.assertEqual(lines[-2:], ["", "Scan again before moving anything. No items were changed."])
+        self.assertFalse(self.trash(home).exists())
+        self.assertTrue(all((home.folder / name).exists() for name in LOW_RISK))
+
+    def test_a_file_replaced_between_question_and_answer_stops_everything(self):
+        home = self.make_home()
+        application, window = self.open(home)
+        self.select_and_ask(application, window)
+        self.sheet(application, "Move 5 selected items to the Trash?")
+        replaced = home.folder / "Library/Logs/old.log"
+        replaced.unlink()
+        self.make_file(home, "Library/Logs/old.log", MIB, contents=b"another file")
+        self.answer(application, "Move 5 selected items to the Trash?", "Move to Trash")
+        said = self.answer(application, "The files changed before they could be moved", "OK")
+        self.assertRegex(said, r"^old\.log: .+\n\nNothing was moved\. Scan again to refresh the safety checks\.$")
+        self.assertFalse(self.trash(home).exists())
+        self.assertTrue(all((home.folder / name).exists() for name in LOW_RISK))
+        self.assertTrue(self.button(window, "Scan Again").has("enabled"))
+
+    def test_one_of_three_that_cannot_be_moved_stays_and_the_others_move(self):
+        home = self.make_home({"Library/Logs/one.log": MIB, "Library/Logs/two.log": MIB})
+        self.mount(home.folder / "Downloads")
+        kept = self.make_file(home, "Downloads/film.part", 6 * MIB)
+        application, window = self.open(home)
+        self.select_and_ask(application, window)
+        self.answer(application, "Move 3 selected items to the Trash?", "Move to Trash")
+        self.wait_for_text(window, "Moved 2 items to the Trash; 1 could not be moved")
+        self.assertTrue(kept.exists())
+        self.assertEqual(sorted(Path(each).name for each in self.trashed(home).values()), ["one.log", "two.log"])
+        wait_for_equal(["film.part"], lambda: self.rows(window), "the rows that are left")
+        (record,) = self.records(home)
+        self.assertEqual(json.loads(record.read_text())["itemCount"], 2)
+
+    def mount(self, folder):
+        """Puts another file system there, from which nothing is moved to this Trash."""
+        folder.mkdir(parents=True, exist_ok=True)
+        command = ["mount", "-t", "tmpfs", "-o", "size=32m", "tmpfs", folder]
+        if subprocess.run(command, stderr=subprocess.DEVNULL).returncode != 0:
+            self.skipTest("no right to mount a small file system")
+        self.addCleanup(subprocess.run, ["umount", "-l", folder], check=True)
+
+    # ---- bad moments
+
+    def test_closing_and_reopening_and_quitting_at_any_moment_is_safe(self):
+        home = self.make_home()
+        application, window = self.open(home)
+        for _repetition in range(3):
+            self.press(window, "Scan Again")
+            self.desktop.screen.key("w", "Control_L")
+            wait_until(lambda: not [each for each in application.windows() if each.rect.width >= 780], "the window to close")
+            self.assertEqual(self.start(home=home, arguments=["--show-cleanup"]).wait_for_end(), 0)
+            window = self.window(application)
+        self.press(window, "Scan Again")
+        self.assertEqual(application.close(), 0)

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "shell/qt/CleanupWindow.h"
+#include "tests/shell/qt/CannedCleanupContent.h"
+#include "tests/shell/qt/EventLoop.h"
+
+#include <gtest/gtest.h>
+
+#include <QKeyEvent>
+#include <QPushButton>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vantry {
+
+/// The window with nobody behind it who answers; what its controls report is written down.
+class CleanupWindowFixture : public testing::Test {
+protected:
+    void TearDown() override { // what is asked then is answered while there is somebody to hear it
+        window.close();
+        settle();
+    }
+
+    CleanupWindowActions actions() {
+        return {[this] { reports.emplace_back("scan"); },
+                [this](CleanupWindowMode mode) {
+                    reports.emplace_back(mode == CleanupWindowMode::filesFound ? "files" : "guide");
+                },
+                [this] { reports.emplace_back("suggested"); },
+                [this] { reports.emplace_back("trash"); },
+                {[this](const std::string& identifier, bool isOn) {
+                     reports.push_back(identifier + (isOn ? " on" : " off"));
+                     if (onSelection)
+                         onSelection();
+                 },
+                 [this](const std::string& identifier) { reports.push_back("reveal " + identifier); },
+                 [this](CleanupAvenue::Action action) { reports.push_back("open " + std::string(rawValue(action))); }}};
+    }
+
+    void show(const CleanupWindowContent& content) {
+        window.render(content);
+        window.showInFront();
+        settle();
+    }
+    void buildAll() {
+        ASSERT_TRUE(runUntil([&] { return window.results().builtRowCount() == window.results().rowCount(); }));
+    }
+    QPushButton* button(const QString& title) {
+        for (auto* each : window.findChildren<QPushButton*>())
+            if (each->text() == title)
+                return each;
+        return nullptr;
+    }
+    QWidget* control(int row, std::size_t column) { return window.results().row(row)->controls().at(column); }
+    static void press(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent down(QEvent::KeyPress, key, modifiers);
+        QCoreApplication::sendEvent(widget, &down);
+        QKeyEvent up(QEvent::KeyRelease, key, modifiers);
+        QCoreApplication::sendEvent(widget, &up);
+    }
+
+    QtAppearance appearance;
+    std::vector<std::string> reports;
+    std::function<void()> onSelection;
+    CleanupWindow window{appearance, actions()};
+};
+
+} // namespace vantry

@@ -1,0 +1,126 @@
+#include "tests/shell/qt/CleanupWindowFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <QAccessible>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollBar>
+
+namespace vantry {
+
+namespace {
+
+using testing::ElementsAre;
+
+using CleanupWindowTest = CleanupWindowFixture;
+
+QStringList textsOf(const QWidget& window) {
+    QStringList texts;
+    for (const auto* label : window.findChildren<QLabel*>())
+        if (label->isVisible())
+            texts.append(label->text());
+    return texts;
+}
+
+} // namespace
+
+TEST_F(CleanupWindowTest, ShowsTheTextsOfItsContent) {
+    const CleanupWindowContent content = cannedFiles(12);
+    show(content);
+    EXPECT_EQ(window.windowTitle().toStdString(), content.windowTitle);
+    for (const std::string& text :
+         {content.titleLabel, content.subtitleLabel, content.statusLabel, content.selectionLabel})
+        EXPECT_TRUE(textsOf(window).contains(QString::fromStdString(text))) << text;
+    EXPECT_EQ(window.minimumSize(), QSize(780, 620));
+    EXPECT_EQ(window.results().rowCount(), 12);
+}
+
+TEST_F(CleanupWindowTest, HasItsSizeAlsoWhenItIsShownBeforeItIsRendered) {
+    window.showInFront();
+    EXPECT_EQ(window.size(),
+              QSize(940, 760).boundedTo(window.screen()->availableSize() - QSize(40, 40)).expandedTo(QSize(780, 620)));
+}
+
+TEST_F(CleanupWindowTest, ButtonsAreAsTheContentSays) {
+    CleanupWindowContent content = cannedFiles(6);
+    show(content);
+    EXPECT_TRUE(button(QStringLiteral("Select Low-Risk Files"))->isEnabled());
+    EXPECT_FALSE(button(QStringLiteral("Move to Trash…"))->isEnabled());
+    show(cannedGuide());
+    EXPECT_FALSE(button(QStringLiteral("Select Low-Risk Files"))->isVisible());
+    EXPECT_FALSE(button(QStringLiteral("Move to Trash…"))->isVisible());
+    EXPECT_TRUE(button(QStringLiteral("Scan Again"))->isVisible());
+}
+
+TEST_F(CleanupWindowTest, ButtonsReport) {
+    CleanupWindowContent content = cannedFiles(6);
+    content.trashButton.enabled = true;
+    show(content);
+    for (const auto* title : {"Scan Again", "Select Low-Risk Files", "Move to Trash…"})
+        button(QString::fromUtf8(title))->click();
+    EXPECT_THAT(reports, ElementsAre("scan", "suggested", "trash"));
+}
+
+TEST_F(CleanupWindowTest, ReturnPressesTheButtonThatHasTheKeyboard) {
+    show(cannedFiles(6));
+    auto* scan = button(QStringLiteral("Scan Again"));
+    scan->setFocus();
+    press(scan, Qt::Key_Return);
+    EXPECT_THAT(reports, ElementsAre("scan"));
+}
+
+TEST_F(CleanupWindowTest, ArrowsChangeTheModeAndWhatTheContentSaysIsShown) {
+    show(cannedFiles(6));
+    auto* control = window.findChild<SegmentedControl*>();
+    control->segment(0)->setFocus();
+    press(control->segment(0), Qt::Key_Right);
+    EXPECT_THAT(reports, ElementsAre("guide"));
+    EXPECT_TRUE(control->segment(0)->isChecked()) << "nobody has rendered the other mode";
+    window.render(cannedGuide());
+    EXPECT_TRUE(control->segment(1)->isChecked());
+    EXPECT_THAT(reports, ElementsAre("guide")) << "rendering is no choice of the user";
+}
+
+TEST_F(CleanupWindowTest, TheKeyboardComesBackToAButtonThatWasDisabledWhileItWorked) {
+    CleanupWindowContent content = cannedFiles(6);
+    show(content);
+    auto* scan = button(QStringLiteral("Scan Again"));
+    scan->setFocus();
+    window.render(cannedScan());
+    EXPECT_NE(window.focusWidget(), scan);
+    ASSERT_TRUE(window.focusWidget());
+    window.render(content);
+    EXPECT_EQ(window.focusWidget(), scan);
+}
+
+TEST_F(CleanupWindowTest, KeepsItsContentWhileItIsClosed) {
+    show(cannedFiles(6));
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    window.render(cannedFiles(9));
+    window.showInFront();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.results().rowCount(), 9);
+}
+
+TEST_F(CleanupWindowTest, TheOtherModeStartsAtTheTop) {
+    show(cannedFiles(60));
+    window.results().verticalScrollBar()->setValue(500);
+    window.render(cannedGuide());
+    EXPECT_EQ(window.results().verticalScrollBar()->value(), 0);
+}
+
+TEST_F(CleanupWindowTest, AScreenReaderHearsOfTheFigures) {
+    const CleanupWindowContent content = cannedFiles(12);
+    show(content);
+    QStringList names;
+    for (auto* widget : window.findChildren<QWidget*>())
+        if (auto* interface = QAccessible::queryAccessibleInterface(widget);
+            interface && interface->role() == QAccessible::StaticText)
+            names.append(interface->text(QAccessible::Name));
+    EXPECT_TRUE(names.contains(QStringLiteral("Mac Storage Used: 334.38 GB")));
+    EXPECT_TRUE(names.contains(QString::fromStdString(content.notice)));
+}
+
+} // namespace vantry
