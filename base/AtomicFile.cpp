@@ -31,9 +31,14 @@ bool writeAll(int fd, std::string_view contents) {
 } // namespace
 
 Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode) {
+    return writeFileAtomically(file, contents, mode, "." + file.filename().native() + ".new");
+}
+
+Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode,
+                                 std::string_view draftName) {
     // One fixed name, so that what a crash left is taken up by the next write.
     const auto folder = file.parent_path();
-    const auto draft = folder / ("." + file.filename().native() + ".new");
+    const auto draft = folder / draftName;
     if (unlink(draft.c_str()) != 0 && errno != ENOENT)
         return failed(file);
     UniqueFd fd(open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));

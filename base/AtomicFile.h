@@ -17,6 +17,11 @@ namespace vantry {
 [[nodiscard]] Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents,
                                                mode_t mode);
 
+/// The same with a name of the caller's choice for what is written first, in the same folder: for files whose names
+/// differ each time.
+[[nodiscard]] Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents,
+                                               mode_t mode, std::string_view draftName);
+
 /// The bytes of a regular file, links followed. Fails for anything else and for a file over `limit` bytes.
 /// Blocking; any thread.
 [[nodiscard]] Result<std::string> readSmallFile(const std::filesystem::path& file, std::size_t limit);

@@ -24,7 +24,8 @@ namespace {
 
 constexpr mode_t folderMode = 0700;
 constexpr mode_t recordMode = 0600;
-constexpr std::chrono::seconds recordLifetime{7'776'000}; // 90 days
+constexpr std::string_view draftName = ".cleanup.json.new"; // one for all, so that none that a crash left stays
+constexpr std::chrono::seconds recordLifetime{7'776'000};   // 90 days
 
 /// One moved item.
 struct Entry {
@@ -96,7 +97,8 @@ std::optional<std::string> cleanupHistoryJson(std::span<const CleanupCandidate> 
 bool saveHistory(std::span<const CleanupCandidate> candidates, const std::filesystem::path& home, SystemTime now) {
     const auto record = cleanupHistoryJson(candidates, now);
     const auto folder = cleanupHistoryFolder(home);
-    if (!record || !makeFolder(home, folder) || !writeFileAtomically(folder / recordName(now), *record, recordMode))
+    if (!record || !makeFolder(home, folder) ||
+        !writeFileAtomically(folder / recordName(now), *record, recordMode, draftName))
         return false;
     pruneCleanupHistory(folder, now);
     return true;

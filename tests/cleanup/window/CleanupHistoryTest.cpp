@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace vantry {
@@ -212,6 +213,19 @@ TEST_F(CleanupHistory, ARecordThatCannotBeWrittenWholeLeavesNothing) {
     });
     EXPECT_EQ(answer, "not saved");
     EXPECT_THAT(namesIn(folder), IsEmpty());
+}
+
+TEST_F(CleanupHistory, WhatAKillLeftIsGoneAfterTheNextSave) {
+    std::ignore = inChildProcess([&] {
+        const rlimit nothing{0, 0};
+        setrlimit(RLIMIT_CORE, &nothing);
+        const rlimit limit{50, 50}; // which ends the process while it writes
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+    });
+    EXPECT_EQ(namesIn(folder).size(), 1U);
+    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    EXPECT_THAT(namesIn(folder), ElementsAre(MatchesRegex("cleanup-1769847300-.*\\.json")));
 }
 
 TEST_F(CleanupHistory, AFolderThatMayNotBeWrittenIsNoRecord) {
