@@ -41,10 +41,7 @@ std::string reasonOf(int errorNumber) {
     case ENOTSUP: return "the file system does not offer a safe way";
     default: break;
     }
-    std::string text = errorFromErrno(errorNumber).message;
-    if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z')
-        text[0] = static_cast<char>(text[0] - 'A' + 'a');
-    return text;
+    return errorFromErrno(errorNumber).message;
 }
 
 std::expected<UniqueFd, int> opened(int folder, const char* name, int flags) {
