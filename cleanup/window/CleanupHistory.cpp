@@ -67,7 +67,7 @@ std::string recordName(SystemTime now) {
 }
 
 bool isOldRecord(const std::filesystem::path& file, SystemTime cutoff) {
-    const auto& name = file.filename().native();
+    const std::string name = file.filename().native();
     if (name.starts_with('.') || file.extension() != ".json")
         return false;
     const auto facts = readItemFacts(file);
