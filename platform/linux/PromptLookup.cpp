@@ -30,10 +30,8 @@ constexpr std::array promptTypes{"bcachefs"sv, "btrfs"sv,    "devtmpfs"sv, "erof
                                  "ramfs"sv,    "reiserfs"sv, "rootfs"sv,   "squashfs"sv, "sysfs"sv,   "tmpfs"sv,
                                  "udf"sv,      "ufs"sv,      "vfat"sv,     "xfs"sv,      "zfs"sv};
 
-// What goes wrong because something is mounted or renamed at that moment goes well the next time.
-constexpr int attempts = 4;
-
-std::string listedTypeOfMount(std::uint64_t identifier) {
+// The type of a mounted file system as the kernel lists it; `statfs` would ask the file system.
+std::string typeOfMount(std::uint64_t identifier) {
     std::ifstream list("/proc/self/mountinfo");
     const std::string begin = std::to_string(identifier) + " ";
     for (std::string line; std::getline(list, line);)
@@ -46,15 +44,6 @@ std::string listedTypeOfMount(std::uint64_t identifier) {
             return type;
         }
     return {};
-}
-
-// The type of a mounted file system as the kernel lists it; `statfs` would ask the file system. The list may miss one
-// while it changes.
-std::string typeOfMount(std::uint64_t identifier) {
-    std::string type;
-    for (int attempt = 0; attempt < attempts && type.empty(); ++attempt)
-        type = listedTypeOfMount(identifier);
-    return type;
 }
 
 int flagsFor(FinalLink link) { return O_PATH | O_CLOEXEC | (link == FinalLink::isOpened ? O_NOFOLLOW : 0); }
@@ -97,12 +86,8 @@ std::expected<UniqueFd, int> openInFolder(const std::filesystem::path& path, Fin
         openPromptly(item.has_parent_path() ? item.parent_path() : ".", FinalLink::isFollowed, linksLeft);
     if (!folder)
         return std::unexpected(folder.error());
-    if (!isOnPromptFileSystem(folder->get())) {
-        auto fd = openCached(folder->get(), item.filename(), link);
-        for (int attempt = 1; attempt < attempts && !fd && fd.error() == EAGAIN; ++attempt)
-            fd = openCached(folder->get(), item.filename(), link);
-        return fd;
-    }
+    if (!isOnPromptFileSystem(folder->get()))
+        return openCached(folder->get(), item.filename(), link);
     auto fd = openAnyway(folder->get(), item.filename(), FinalLink::isOpened);
     struct statx facts = {};
     if (!fd || link == FinalLink::isOpened)

@@ -1,17 +1,11 @@
 #include "platform/ItemFacts.h"
 
-#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <atomic>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <string>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 
 namespace vantry {
 namespace {
@@ -163,27 +157,4 @@ TEST_F(Items, AreShownByTheirNameAsText) {
 }
 
 } // namespace
-TEST_F(Items, AreReadWhileFileSystemsComeAndGo) {
-    const auto item = file("file");
-    const auto place = directory("mounted");
-    const auto answer = inChildProcess([&] {
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-            return std::string("no right to mount");
-        std::atomic<bool> isOver = false;
-        std::thread mounting([&] {
-            while (!isOver && mount("none", place.c_str(), "tmpfs", 0, nullptr) == 0)
-                umount(place.c_str());
-        });
-        int missed = 0;
-        for (int i = 0; i < 5000; ++i)
-            missed += readItemFacts(item) && isReadableFile(item) ? 0 : 1;
-        isOver = true;
-        mounting.join();
-        return std::to_string(missed) + " missed";
-    });
-    if (answer == "no right to mount")
-        GTEST_SKIP() << answer;
-    EXPECT_EQ(answer, "0 missed");
-}
-
 } // namespace vantry
