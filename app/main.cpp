@@ -127,7 +127,7 @@ int main(int argumentCount, char** argumentValues) {
     const std::vector<std::string> arguments(argumentValues + std::min(argumentCount, 1),
                                              argumentValues + argumentCount);
     if (const auto status = runPictureWorkerIfRequested(arguments))
-        return *status;
+        std::_Exit(*status); // past what decoders would still tidy up, with threads of theirs running
     return runEntry(arguments, {.runFilesystemWorkerIfRequested = CleanupScanner::runFilesystemWorkerIfRequested,
                                 .runInTerminal = runInTerminal,
                                 .runUserInterface = runUserInterface});

@@ -38,9 +38,9 @@ inline constexpr std::array filmExtensions{".mov", ".mp4", ".m4v"};
 [[nodiscard]] std::optional<PicturePixels> readPicture(const std::filesystem::path& file);
 
 /// Whether this process was started to decode a picture for `readPicture` of another one; absent if not. Otherwise its
-/// job is done when this returns, and this is the status that it is to end with at once. `arguments` are the
-/// process's, without its name. Gives up the right to change files and most memory for good. On macOS always absent.
-/// Main thread, before any other.
+/// job is done when this returns, and this is the status that it is to end with at once, without running what
+/// libraries left for the end. `arguments` are the process's, without its name. Gives up the right to change files and
+/// most memory for good. On macOS always absent. Main thread, before any other.
 [[nodiscard]] std::optional<int> runPictureWorkerIfRequested(std::span<const std::string> arguments);
 
 } // namespace vantry

@@ -31,6 +31,8 @@ std::string reasonOf(int errorNumber) {
     case ENFILE: return "too many files are open";
     case ENOMEM: return "memory is short";
     case ENAMETOOLONG: return "a name is too long";
+    case EMLINK: return "a folder holds too many others";
+    case EFBIG: return "a file may not be that large";
     case EBUSY:
     case ETXTBSY: return "it is in use";
     case EINTR:

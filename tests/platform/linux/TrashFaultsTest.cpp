@@ -93,7 +93,7 @@ TEST_F(TrashFaults, EachHasAReasonAndLeavesTheFileInItsPlace) {
         {SYS_mkdirat, ENOSPC, "the Trash could not be opened: the disk is full"},
         {SYS_mkdirat, EDQUOT, "the Trash could not be opened: your share of the disk is used up"},
         {SYS_mkdirat, EROFS, "the Trash could not be opened: the disk is read-only"},
-        {SYS_mkdirat, EMLINK, "the Trash could not be opened: too many links"},
+        {SYS_mkdirat, EMLINK, "the Trash could not be opened: a folder holds too many others"},
         {SYS_openat2, EMFILE, "its folder is not to be found in its place"},
     };
     for (const auto& [call, errorNumber, reason] : cases) {
@@ -269,7 +269,7 @@ TEST_F(TrashFaults, AnInfoFileThatIsWrittenByHalfIsNotUsed) {
             return "no limit";
         return move(file);
     });
-    EXPECT_EQ(answer, "the Trash could not be written to: file too large");
+    EXPECT_EQ(answer, "the Trash could not be written to: a file may not be that large");
     EXPECT_TRUE(nothingMoved());
 }
 

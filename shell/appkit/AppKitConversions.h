@@ -1,0 +1,30 @@
+#pragma once
+
+#include "base/Color.h"
+#include "base/Geometry.h"
+#include "rendering/Canvas.h"
+
+#include <AppKit/AppKit.h>
+#include <string>
+#include <string_view>
+
+namespace vantry {
+
+/// Never nil: empty when `text` is no UTF-8.
+[[nodiscard]] NSString* nsString(std::string_view text);
+
+[[nodiscard]] inline NSRect nsRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
+
+[[nodiscard]] inline NSSize nsSize(const Size& size) { return NSMakeSize(size.width, size.height); }
+
+/// The system's dynamic colour for a role; it follows the appearance by itself.
+[[nodiscard]] NSColor* nsColor(SystemColor role);
+
+[[nodiscard]] NSColor* nsColor(const Rgba& color);
+
+[[nodiscard]] NSFont* nsFont(const Font& font);
+
+/// Light or dark, whatever variant of them (high contrast, vibrant) `view` has.
+[[nodiscard]] Appearance appearanceOf(NSView* view);
+
+} // namespace vantry

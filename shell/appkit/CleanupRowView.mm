@@ -1,0 +1,31 @@
+#include "shell/appkit/CleanupRowView.h"
+
+#include "shell/appkit/CleanupLook.h"
+
+#include <utility>
+
+@implementation OmbrelCleanupRowView {
+    vantry::SharedRowActions _actions;
+}
+
+- (instancetype)initWithActions:(vantry::SharedRowActions)actions {
+    if ((self = [super initWithFrame:NSZeroRect])) {
+        _actions = std::move(actions);
+        self.translatesAutoresizingMaskIntoConstraints = NO;
+        self.accessibilityElement = YES;
+        self.accessibilityRole = NSAccessibilityGroupRole;
+        // As low as its texts allow.
+        NSLayoutConstraint* height = [self.heightAnchor constraintEqualToConstant:vantry::cleanupLowestRow];
+        height.priority = NSLayoutPriorityDefaultLow;
+        [NSLayoutConstraint activateConstraints:@[
+            height, [self.heightAnchor constraintGreaterThanOrEqualToConstant:vantry::cleanupLowestRow]
+        ]];
+    }
+    return self;
+}
+
+- (vantry::SharedRowActions)actions {
+    return _actions;
+}
+
+@end

@@ -1,0 +1,121 @@
+#include "app/ShellEntry.h"
+#include "app/AppDelegate.h"
+#include "app/ProcessEvents.h"
+#include "app/TerminationSignals.h"
+#include "platform/apple/AppleMainQueue.h"
+#include "platform/apple/PreferencesStore.h"
+#include "platform/apple/Workspace.h"
+#include "shell/appkit/AppKitShell.h"
+
+#include <AppKit/AppKit.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+// AppKit ends the process when it reaches no window server, so that is found out first.
+bool windowServerAnswers() {
+    CFDictionaryRef session = CGSessionCopyCurrentDictionary();
+    if (!session)
+        return false;
+    CFRelease(session);
+    return true;
+}
+
+AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::string> arguments) {
+    AppServices services = systemServices();
+    services.mainQueue = std::move(mainQueue);
+    services.preferences = makePreferencesStore();
+    services.workspace = makeWorkspace();
+    services.arguments = std::move(arguments);
+    return services;
+}
+
+/// The running user interface.
+struct Interface {
+    std::shared_ptr<MainQueue> mainQueue;
+    std::unique_ptr<AppKitShell> shell;
+    std::shared_ptr<AppDelegate> delegate;
+    std::unique_ptr<ProcessEvents> events;
+};
+
+} // namespace
+
+} // namespace vantry
+
+@interface OmbrelApplicationDelegate : NSObject <NSApplicationDelegate>
+- (instancetype)initWithLaunch:(vantry::ShellLaunch)launch;
+@end
+
+@implementation OmbrelApplicationDelegate {
+    vantry::Interface _interface;
+}
+
+- (instancetype)initWithLaunch:(vantry::ShellLaunch)launch {
+    if ((self = [super init])) {
+        _interface.mainQueue = vantry::makeMainQueue();
+        _interface.shell = std::make_unique<vantry::AppKitShell>();
+        _interface.delegate = std::make_shared<vantry::AppDelegate>(
+            *_interface.shell, vantry::makeServices(_interface.mainQueue, std::move(launch.arguments)));
+        _interface.shell->setDelegate(_interface.delegate);
+        _interface.events = std::make_unique<vantry::ProcessEvents>(*_interface.mainQueue, *_interface.shell,
+                                                                    _interface.delegate, std::move(launch.instance),
+                                                                    vantry::catchTerminationSignals().value_or(-1));
+    }
+    return self;
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    _interface.delegate->applicationDidFinishLaunching();
+}
+
+// Opening the application once more does not start a second one.
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows {
+    _interface.delegate->showPopover();
+    return NO;
+}
+
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)application {
+    return YES;
+}
+
+// The event loop does not return: the process ends after this.
+- (void)applicationWillTerminate:(NSNotification*)notification {
+    _interface.delegate->applicationWillTerminate();
+    _interface.events.reset();
+    _interface.delegate.reset();
+    _interface.shell.reset();
+}
+
+@end
+
+namespace vantry {
+
+namespace {
+
+int runShell(ShellLaunch launch) {
+    @autoreleasepool {
+        if (!windowServerAnswers()) {
+            std::fputs("ombrel: There is no display to show the bar on.\n", stderr);
+            return noDisplayStatus;
+        }
+        NSApplication* application = [NSApplication sharedApplication];
+        // The application holds its delegate weakly.
+        OmbrelApplicationDelegate* delegate = [[OmbrelApplicationDelegate alloc] initWithLaunch:std::move(launch)];
+        application.delegate = delegate;
+        [application run];
+        return EXIT_SUCCESS;
+    }
+}
+
+} // namespace
+
+} // namespace vantry
+
+extern "C" __attribute__((visibility("default"), used)) int ombrelShellEntry(vantry::ShellLaunch launch) {
+    return vantry::runShell(std::move(launch));
+}

@@ -1,0 +1,81 @@
+#include "shell/appkit/StatusItem.h"
+
+#include "shell/appkit/AppKitConversions.h"
+#include "shell/appkit/BarView.h"
+
+#include <AppKit/AppKit.h>
+#include <utility>
+
+using namespace vantry;
+
+namespace {
+
+// A click with the control key held arrives as a left one.
+std::optional<MouseEvent> currentMouseEvent() {
+    NSEvent* event = [NSApplication sharedApplication].currentEvent;
+    if (!event)
+        return std::nullopt;
+    return event.type == NSEventTypeRightMouseUp ? MouseEvent::rightMouseUp : MouseEvent::leftMouseUp;
+}
+
+} // namespace
+
+@interface OmbrelStatusItemTarget : NSObject
+- (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed;
+- (void)statusItemPressed:(id)sender;
+@end
+
+@implementation OmbrelStatusItemTarget {
+    std::function<void(std::optional<MouseEvent>)> _pressed;
+}
+
+- (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed {
+    if ((self = [super init]))
+        _pressed = std::move(pressed);
+    return self;
+}
+
+- (void)statusItemPressed:(id)sender {
+    _pressed(currentMouseEvent());
+}
+
+@end
+
+namespace vantry {
+
+StatusItem::StatusItem(std::function<void(std::optional<MouseEvent>)> pressed)
+    : target_([[OmbrelStatusItemTarget alloc] initWithHandler:std::move(pressed)]),
+      barView_([[OmbrelBarView alloc] initWithFrame:NSZeroRect]),
+      item_([[NSStatusBar systemStatusBar] statusItemWithLength:StatusItemContent{}.length]) {
+    NSStatusBarButton* button = item_.button;
+    if (!button)
+        return;
+    button.title = @"";
+    button.image = nil;
+    button.target = target_;
+    button.action = @selector(statusItemPressed:);
+    [button sendActionOn:NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp];
+    [button addSubview:barView_];
+    [NSLayoutConstraint activateConstraints:@[
+        [barView_.leadingAnchor constraintEqualToAnchor:button.leadingAnchor],
+        [barView_.trailingAnchor constraintEqualToAnchor:button.trailingAnchor],
+        [barView_.topAnchor constraintEqualToAnchor:button.topAnchor],
+        [barView_.bottomAnchor constraintEqualToAnchor:button.bottomAnchor],
+    ]];
+}
+
+StatusItem::~StatusItem() { [[NSStatusBar systemStatusBar] removeStatusItem:item_]; }
+
+void StatusItem::setContent(const StatusItemContent& content) {
+    NSStatusBarButton* button = item_.button;
+    if (item_.length != content.length)
+        item_.length = content.length;
+    button.toolTip = nsString(content.tooltip);
+    if (!content.accessibilityLabel.empty())
+        button.accessibilityLabel = nsString(content.accessibilityLabel);
+    [barView_ setView:content.view];
+}
+
+NSView* StatusItem::button() const { return item_.button; }
+
+} // namespace vantry

@@ -1,0 +1,286 @@
+// The two front ends held against each other, read from their sources: each shows every field of every content, and
+// what is in a file of the one is in the file of the same name of the other.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantry {
+
+namespace {
+
+enum class Front { qt, appkit };
+
+constexpr std::array fronts{Front::qt, Front::appkit};
+
+std::string folderOf(Front front) { return front == Front::qt ? "shell/qt" : "shell/appkit"; }
+
+/// A content, where it is declared, and the files of each front end that show it.
+struct Content {
+    std::string_view name;
+    std::string_view header;
+    std::vector<std::string> shownByQt;
+    std::vector<std::string> shownByAppKit;
+
+    [[nodiscard]] const std::vector<std::string>& shownBy(Front front) const {
+        return front == Front::qt ? shownByQt : shownByAppKit;
+    }
+};
+
+constexpr std::string_view windowHeader = "cleanup/window/CleanupWindowContent.h";
+
+const std::vector<Content> contents = {
+    {"StatusItemContent", "app/StatusItemContent.h", {"TrayItem", "StripWindow"}, {"StatusItem"}},
+    {"LabelContent", "app/PopoverContent.h", {"PopoverWindow"}, {"PopoverWindow"}},
+    {"CheckBoxContent", "app/PopoverContent.h", {"PopoverWindow"}, {"PopoverWindow"}},
+    {"ButtonContent", "app/PopoverContent.h", {"PopoverWindow"}, {"PopoverWindow"}},
+    {"PopUpContent", "app/PopoverContent.h", {"PopoverWindow"}, {"PopoverWindow"}},
+    {"PopoverContent", "app/PopoverContent.h", {"PopoverWindow"}, {"PopoverWindow"}},
+    {"MenuItemContent", "app/ContextMenu.h", {"ContextMenuRenderer"}, {"ContextMenuRenderer"}},
+    {"ContextMenuContent", "app/ContextMenu.h", {"ContextMenuRenderer"}, {"ContextMenuRenderer"}},
+    {"SummaryCardContent", windowHeader, {"CleanupPanels"}, {"CleanupPanels"}},
+    {"CleanupButtonContent", windowHeader, {"CleanupWindow"}, {"CleanupWindow"}},
+    {"EmptyStateContent", windowHeader, {"CleanupResultsView"}, {"CleanupResultsView"}},
+    {"CandidateRowContent", windowHeader, {"CandidateRowView"}, {"CandidateRowView"}},
+    {"AvenueButtonContent", windowHeader, {"AvenueRowView"}, {"AvenueRowView"}},
+    {"AvenueRowContent", windowHeader, {"AvenueRowView"}, {"AvenueRowView"}},
+    {"CleanupSectionContent", windowHeader, {"CleanupSectionView"}, {"CleanupSectionView"}},
+    {"CleanupWindowContent", windowHeader, {"CleanupWindow"}, {"CleanupWindow"}},
+    {"AlertContent", windowHeader, {"AlertSheet"}, {"AlertSheet"}},
+};
+
+/// A field that a front end has no use for.
+struct Exception {
+    Front front;
+    std::string_view content;
+    std::string_view field;
+    std::string_view why;
+
+    auto operator<=>(const Exception&) const = default;
+};
+
+const std::vector<Exception> exceptions = {
+    {Front::qt, "MenuItemContent", "command", "an item is handed back as a whole"},
+    {Front::qt, "MenuItemContent", "representedObject", "an item is handed back as a whole"},
+    {Front::qt, "CandidateRowContent", "kind", "the symbol, the badge and its colour show it"},
+    {Front::appkit, "CandidateRowContent", "kind", "the symbol, the badge and its colour show it"},
+};
+
+/// Files with another name in the other front end.
+const std::map<std::string, std::string> otherNames = {
+    {"BarWidget", "BarView"}, {"ViewWidget", "DrawnView"}, {"TrayItem", "StatusItem"}};
+
+/// Files without a counterpart.
+const std::map<std::string, std::string_view> qtOnly = {
+    {"CleanupControls", "AppKit has these controls"},
+    {"ElidingLabel", "AppKit has this label"},
+    {"FileUri", "for the desktop's file managers"},
+    {"OmbrelStyle", "AppKit has its style"},
+    {"QtAppearance", "AppKit tells each view its appearance"},
+    {"QtMainQueue", "platform/apple/AppleMainQueue"},
+    {"QtPreferencesStore", "platform/apple/PreferencesStore"},
+    {"QtWorkspace", "platform/apple/Workspace"},
+    {"StripWindow", "macOS always has a menu bar"},
+    {"TrayTracker", "macOS always has a menu bar"},
+    {"X11WindowList", "platform/apple/WindowList"},
+};
+
+const std::map<std::string, std::string_view> appkitOnly = {
+    {"AppKitDrawing", "what the canvas needs of Objective-C, in QtCanvas"},
+    {"Stacks", "layouts and labels, which Qt has"},
+};
+
+std::string textOf(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string withoutComments(const std::string& text) {
+    return std::regex_replace(text, std::regex("//[^\n]*|/\\*[^*]*\\*/"), "");
+}
+
+std::string withoutTexts(const std::string& text) { return std::regex_replace(text, std::regex("\"[^\"\n]*\""), ""); }
+
+/// `text` without what is in braces, which are taken away as well.
+std::string withoutBraces(std::string_view text) {
+    std::string rest;
+    int depth = 0;
+    for (const char letter : text) {
+        depth += letter == '{';
+        if (depth == 0)
+            rest += letter;
+        depth -= letter == '}';
+    }
+    return rest;
+}
+
+/// What is between the braces of `struct name` in `header`.
+std::string_view bodyOf(std::string_view name, std::string_view header) {
+    const auto start = header.find("struct " + std::string(name) + " {");
+    if (start == std::string_view::npos)
+        return {};
+    const auto open = header.find('{', start);
+    int depth = 0;
+    for (auto at = open; at < header.size(); ++at) {
+        depth += header[at] == '{';
+        depth -= header[at] == '}';
+        if (depth == 0)
+            return header.substr(open + 1, at - open - 1);
+    }
+    return {};
+}
+
+/// The fields of a struct of plain values, in their order.
+std::vector<std::string> fieldsOf(std::string_view name, const std::string& header) {
+    const std::string clean = withoutTexts(withoutComments(header));
+    const std::string body = withoutBraces(bodyOf(name, clean));
+    static const std::regex declaration("(\\w+)\\s*$");
+    std::vector<std::string> fields;
+    for (std::size_t begin = 0; begin < body.size();) {
+        const auto end = std::min(body.find(';', begin), body.size());
+        std::string statement = body.substr(begin, end - begin);
+        begin = end + 1;
+        if (statement.find("operator") != std::string::npos || statement.find("enum ") != std::string::npos)
+            continue;
+        statement.resize(std::min(statement.find('='), statement.size()));
+        std::smatch match;
+        if (std::regex_search(statement, match, declaration))
+            fields.push_back(match[1]);
+    }
+    return fields;
+}
+
+/// Matches what reads or writes a field of this name.
+std::regex useOf(const std::string& field) { return std::regex("(\\.|->)" + field + "\\b"); }
+
+bool uses(const std::string& source, const std::string& field) { return std::regex_search(source, useOf(field)); }
+
+bool isException(Front front, std::string_view content, std::string_view field) {
+    return std::ranges::any_of(exceptions, [&](const Exception& exception) {
+        return exception.front == front && exception.content == content && exception.field == field;
+    });
+}
+
+std::filesystem::path root() { return OMBREL_SOURCE_ROOT; }
+
+/// The sources that are to show a content.
+std::string sourcesOf(const Content& content, Front front) {
+    std::string text;
+    for (const std::string& stem : content.shownBy(front))
+        for (const char* extension : {".h", ".cpp", ".mm"})
+            text += textOf(root() / folderOf(front) / (stem + extension));
+    return withoutComments(text);
+}
+
+std::set<std::string> stemsIn(Front front) {
+    std::set<std::string> stems;
+    for (const auto& entry : std::filesystem::directory_iterator(root() / folderOf(front)))
+        if (const auto extension = entry.path().extension();
+            extension == ".h" || extension == ".cpp" || extension == ".mm")
+            stems.insert(entry.path().stem());
+    return stems;
+}
+
+std::string appkitNameOf(const std::string& stem) {
+    if (const auto other = otherNames.find(stem); other != otherNames.end())
+        return other->second;
+    return stem.starts_with("Qt") ? "AppKit" + stem.substr(2) : stem;
+}
+
+} // namespace
+
+TEST(Shells, TheFieldsOfAContentAreFound) {
+    const std::string header = R"(
+        struct Other { int other; };
+        struct Sample {
+            enum class Kind { first, second };
+            Kind kind = Kind::first; ///< with; a comment
+            std::string text = "a; b {c}";
+            std::array<std::string, 2> labels{"one", "two"};
+            Other inner{1};
+            std::optional<Other> maybe;
+            bool operator==(const Sample&) const = default;
+        };)";
+    EXPECT_EQ(fieldsOf("Other", header), std::vector<std::string>{"other"});
+    EXPECT_EQ(fieldsOf("Sample", header), (std::vector<std::string>{"kind", "text", "labels", "inner", "maybe"}));
+    EXPECT_TRUE(fieldsOf("Missing", header).empty());
+}
+
+TEST(Shells, AFieldIsUsedByItsWholeNameOnly) {
+    EXPECT_TRUE(uses("show(content.title);", "title"));
+    EXPECT_TRUE(uses("show(content->title)", "title"));
+    EXPECT_FALSE(uses("show(content.titleLabel);", "title"));
+    EXPECT_FALSE(uses("show(title);", "title"));
+    EXPECT_FALSE(uses(withoutComments("// content.title\n"), "title"));
+}
+
+TEST(Shells, EveryContentIsInTheTable) {
+    for (const std::string header : {"app/StatusItemContent.h", "app/PopoverContent.h", "app/ContextMenu.h",
+                                     "cleanup/window/CleanupWindowContent.h"}) {
+        const std::string text = withoutComments(textOf(root() / header));
+        const std::regex declaration("struct (\\w+Content) \\{");
+        for (std::sregex_iterator found(text.begin(), text.end(), declaration), end; found != end; ++found)
+            EXPECT_TRUE(std::ranges::any_of(contents, [&](const Content& content) {
+                return content.name == (*found)[1].str() && content.header == header;
+            })) << (*found)[1];
+    }
+    for (const Content& content : contents)
+        EXPECT_FALSE(fieldsOf(content.name, textOf(root() / content.header)).empty()) << content.name;
+}
+
+TEST(Shells, EachShowsEveryFieldOfEveryContent) {
+    for (const Front front : fronts)
+        for (const Content& content : contents) {
+            const std::string source = sourcesOf(content, front);
+            for (const std::string& field : fieldsOf(content.name, textOf(root() / content.header)))
+                EXPECT_NE(uses(source, field), isException(front, content.name, field))
+                    << folderOf(front) << ": " << content.name << "::" << field
+                    << (uses(source, field) ? " is used: no exception is needed" : " is not used");
+        }
+}
+
+TEST(Shells, WhereTheUsesOfAFieldAreTakenAwayItIsMissed) {
+    for (const Front front : fronts)
+        for (const Content& content : contents) {
+            const std::string source = sourcesOf(content, front);
+            for (const std::string& field : fieldsOf(content.name, textOf(root() / content.header)))
+                EXPECT_FALSE(uses(std::regex_replace(source, useOf(field), ""), field))
+                    << folderOf(front) << ": " << content.name << "::" << field;
+        }
+}
+
+TEST(Shells, TheExceptionsAreAboutFieldsThatThereAre) {
+    for (const Exception& exception : exceptions) {
+        const auto content = std::ranges::find(contents, exception.content, &Content::name);
+        ASSERT_NE(content, contents.end()) << exception.content;
+        const auto fields = fieldsOf(content->name, textOf(root() / content->header));
+        EXPECT_EQ(std::ranges::count(fields, exception.field), 1) << exception.content << "::" << exception.field;
+    }
+}
+
+TEST(Shells, AFileOfTheOneHasACounterpartInTheOther) {
+    std::set<std::string> expected;
+    const auto qt = stemsIn(Front::qt);
+    for (const std::string& stem : qt)
+        if (!qtOnly.contains(stem))
+            expected.insert(appkitNameOf(stem));
+    for (const auto& [stem, why] : appkitOnly)
+        expected.insert(stem);
+    EXPECT_EQ(stemsIn(Front::appkit), expected);
+    for (const auto& [stem, why] : qtOnly)
+        EXPECT_TRUE(qt.contains(stem)) << stem << " is no file of shell/qt";
+    for (const auto& [stem, other] : otherNames)
+        EXPECT_TRUE(qt.contains(stem)) << stem << " is no file of shell/qt";
+}
+
+} // namespace vantry
