@@ -294,6 +294,34 @@ TEST_F(AppDelegateWallpaper, EveryWayOutLetsTheNextSamplingIn) {
     }
 }
 
+TEST_F(AppDelegateWallpaper, TheColorsOfAWallpaperThatWasReplacedMeanwhileAreDropped) {
+    launchAndSettle();
+    const std::string first = world.wallpaperIdentity;
+    world.wallpaperIdentity = "forest";
+    world.palette = forest;
+    delegate->refreshWallpaperTheme(true);
+    ASSERT_TRUE(world.backgroundQueue->runNext());
+    const auto forestIsFound = world.mainQueue->nextBlock();
+    world.settle();
+    ASSERT_EQ(shownColors(), forest);
+
+    world.wallpaperIdentity = first;
+    world.palette = lake;
+    delegate->refreshWallpaperTheme(true);
+    ASSERT_TRUE(world.backgroundQueue->runNext());
+    ASSERT_TRUE(world.mainQueue->runNext()); // the lake is found
+    forestIsFound();
+    ASSERT_TRUE(world.backgroundQueue->runNext());
+    ASSERT_TRUE(world.mainQueue->runNext()); // the lake is sampled
+    EXPECT_EQ(shownColors(), forest);
+    world.palette = forest;
+    world.settle();
+    EXPECT_EQ(shownColors(), forest);
+    world.palette = lake;
+    EXPECT_TRUE(samples(true));
+    EXPECT_EQ(shownColors(), lake);
+}
+
 TEST_F(AppDelegateWallpaper, ReadAndSamplingDoNotHoldEachOtherUp) {
     launchAndSettle();
     delegate->refreshStorage();

@@ -35,6 +35,9 @@ public:
 
     [[nodiscard]] std::size_t postedCount() const { return posted_.size(); }
 
+    /// A copy of the block that runs next, for a queue that delivers it once more and late.
+    [[nodiscard]] std::function<void()> nextBlock() const { return posted_.front(); }
+
     /// Runs one posted block; false when none waits.
     bool runNext() {
         if (posted_.empty())
