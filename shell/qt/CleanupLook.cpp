@@ -115,10 +115,4 @@ int wrappedHeight(const QFontMetrics& metrics, const QString& text, int width) {
     return metrics.boundingRect(QRect(0, 0, width, 10000), Qt::TextWordWrap, text).height();
 }
 
-QString plainToolTip(const QString& text) {
-    return text.isEmpty() ? text
-                          : QStringLiteral("<span style=\"white-space: pre-wrap\">") + text.toHtmlEscaped() +
-                                QStringLiteral("</span>");
-}
-
 } // namespace vantry

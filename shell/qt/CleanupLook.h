@@ -53,7 +53,4 @@ void drawFigures(QPainter& painter, const QRectF& rect, Qt::Alignment alignment,
 /// How high `text` is when it is wrapped at `width`.
 [[nodiscard]] int wrappedHeight(const QFontMetrics& metrics, const QString& text, int width);
 
-/// `text` as a tooltip, whatever characters it has.
-[[nodiscard]] QString plainToolTip(const QString& text);
-
 } // namespace vantry

@@ -1,5 +1,7 @@
 #include "shell/qt/ElidingLabel.h"
 
+#include "shell/qt/QtConversions.h"
+
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
@@ -13,7 +15,8 @@ void ElidingLabel::paintEvent(QPaintEvent* /*event*/) {
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
     style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
                           foregroundRole());
-    setToolTip(shown == text() ? QString() : text().toHtmlEscaped());
+    setToolTip(shown == text() ? QString() : plainToolTip(text()));
+    setAccessibleDescription(shown == text() ? QString() : text()); // or it would be the tooltip with its marks
 }
 
 } // namespace vantry

@@ -14,6 +14,13 @@ namespace vantry {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+/// `text` as a tooltip, whatever characters it has: Qt guesses whether one is HTML.
+[[nodiscard]] inline QString plainToolTip(const QString& text) {
+    return text.isEmpty() ? text
+                          : QStringLiteral("<span style=\"white-space: pre\">") + text.toHtmlEscaped() +
+                                QStringLiteral("</span>");
+}
+
 [[nodiscard]] inline QRectF qRect(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
 
 /// The colour as it looks in `appearance`.

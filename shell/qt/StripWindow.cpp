@@ -38,7 +38,8 @@ StripWindow::StripWindow(const QtAppearance& appearance, std::function<bool()> c
 
 void StripWindow::setContent(const StatusItemContent& content) {
     content_ = content;
-    setToolTip(qString(content.tooltip).toHtmlEscaped());
+    setToolTip(plainToolTip(qString(content.tooltip)));
+    setAccessibleDescription(qString(content.tooltip));
     setAccessibleName(qString(content.accessibilityLabel.empty() ? content.tooltip : content.accessibilityLabel));
     if (QSize size(static_cast<int>(content.length), stripHeight); size != this->size()) {
         setFixedSize(size);
