@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QRectF>
 #include <QString>
+#include <QTextDocument>
 #include <string_view>
 
 namespace vantry {
@@ -16,9 +17,9 @@ namespace vantry {
 
 /// `text` as a tooltip, whatever characters it has: Qt guesses whether one is HTML.
 [[nodiscard]] inline QString plainToolTip(const QString& text) {
-    return text.isEmpty() ? text
-                          : QStringLiteral("<span style=\"white-space: pre\">") + text.toHtmlEscaped() +
-                                QStringLiteral("</span>");
+    return Qt::mightBeRichText(text)
+               ? QStringLiteral("<span style=\"white-space: pre\">") + text.toHtmlEscaped() + QStringLiteral("</span>")
+               : text;
 }
 
 [[nodiscard]] inline QRectF qRect(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
