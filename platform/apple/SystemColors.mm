@@ -1,12 +1,8 @@
-#include "platform/SystemColors.h"
-
-#include <AppKit/AppKit.h>
+#include "platform/apple/SystemColors.h"
 
 namespace vantry {
 
-namespace {
-
-NSColor* dynamicColor(SystemColor role) {
+NSColor* nsColor(SystemColor role) {
     switch (role) {
     case SystemColor::red: return [NSColor systemRedColor];
     case SystemColor::orange: return [NSColor systemOrangeColor];
@@ -29,8 +25,6 @@ NSColor* dynamicColor(SystemColor role) {
     return [NSColor labelColor];
 }
 
-} // namespace
-
 Rgba resolvedSystemColor(SystemColor role, Appearance appearance) {
     @autoreleasepool {
         NSAppearance* drawn = [NSAppearance
@@ -38,7 +32,7 @@ Rgba resolvedSystemColor(SystemColor role, Appearance appearance) {
         // The conversion is what resolves a dynamic colour, so it has to happen under the appearance.
         __block NSColor* resolved = nil;
         [drawn performAsCurrentDrawingAppearance:^{
-            resolved = [dynamicColor(role) colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
+            resolved = [nsColor(role) colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
         }];
         CGFloat red = 0;
         CGFloat green = 0;

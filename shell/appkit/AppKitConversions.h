@@ -2,6 +2,7 @@
 
 #include "base/Color.h"
 #include "base/Geometry.h"
+#include "platform/apple/SystemColors.h"
 #include "rendering/Canvas.h"
 
 #include <AppKit/AppKit.h>
@@ -16,9 +17,6 @@ namespace vantry {
 [[nodiscard]] inline NSRect nsRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
 
 [[nodiscard]] inline NSSize nsSize(const Size& size) { return NSMakeSize(size.width, size.height); }
-
-/// The system's dynamic colour for a role; it follows the appearance by itself.
-[[nodiscard]] NSColor* nsColor(SystemColor role);
 
 [[nodiscard]] NSColor* nsColor(const Rgba& color);
 
