@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -45,8 +46,8 @@ double moveAll(const fs::path& folder, const fs::path& trash) {
     const auto begin = Clock::now();
     for (int i = 0; i < files; ++i) {
         const auto file = vantry::PinnedFile::open(*pinned, "report " + std::to_string(i) + ".log");
-        const auto moved = file ? vantry::moveToTrash(*file, trash) : vantry::Result<void>();
-        if (!file || !moved)
+        const auto facts = file ? file->facts() : std::nullopt;
+        if (!facts || vantry::moveToTrash(*file, *facts, trash).outcome != vantry::TrashMove::Outcome::moved)
             fail("a file was not moved");
     }
     return milliseconds(Clock::now() - begin);

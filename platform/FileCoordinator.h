@@ -14,4 +14,9 @@ namespace vantry {
 [[nodiscard]] Result<void> coordinateMoving(const std::filesystem::path& file,
                                             const std::function<void(const std::filesystem::path&)>& accessor);
 
+/// Whether two absolute paths name the same place, so that a coordinated file is where it was confirmed to be. What
+/// lies there does not matter. On macOS, where the system may spell a path in another way than it was given: the same
+/// name, however its characters are composed, in the same folder. Blocking; any thread.
+[[nodiscard]] bool isSamePlace(const std::filesystem::path& one, const std::filesystem::path& other);
+
 } // namespace vantry

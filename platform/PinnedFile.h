@@ -35,6 +35,7 @@ struct PinnedFileFacts {
     std::optional<bool> isSymbolicLink;
     std::optional<bool> isPackage;              ///< a folder shown as a file; on Linux nothing is
     std::optional<bool> isUbiquitousItem;       ///< kept in a cloud by the system; on Linux nothing is
+    std::optional<std::int64_t> contentBytes;   ///< its length
     std::optional<std::int64_t> allocatedBytes; ///< of its contents
     std::optional<std::int64_t> totalAllocated; ///< bytes; with its other forks, where the system has them
     std::optional<uid_t> owner;

@@ -32,8 +32,8 @@ std::unexpected<std::string> refused(const Refusal& refusal) { return std::unexp
 
 } // namespace
 
-std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& candidate,
-                                                     const ScanEnvironment& environment) {
+std::expected<ValidatedFile, std::string> validatedFile(const CleanupCandidate& candidate,
+                                                        const ScanEnvironment& environment) {
     const SystemTime now = environment.now();
     if (const auto refusal = refusalByScan(candidate.category, candidate.scannedAt, now))
         return refused(refusal);
@@ -53,7 +53,7 @@ std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& can
             refusalByRootPlace(isUnknown ? pathHasNoSymbolicLinkComponents(parent) : (*root)->isInPlace()))
         return refused(refusal);
 
-    const auto facts = factsOf(file);
+    auto facts = factsOf(file);
     if (const auto refusal = refusalByKind(facts))
         return refused(refusal);
     const auto rootFacts = (*root)->facts();
@@ -65,7 +65,7 @@ std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& can
         return refused(refusal);
     if (const auto refusal = refusalByPlace(file->place()))
         return refused(refusal);
-    return std::move(*file);
+    return ValidatedFile{std::move(*file), std::move(*facts)};
 }
 
 std::optional<std::string> validationFailure(const CleanupCandidate& candidate, const ScanEnvironment& environment) {

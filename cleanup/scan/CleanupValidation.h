@@ -14,12 +14,18 @@ namespace vantry::CleanupScanner {
 // Blocking; any thread. Nothing here changes the disk, and nothing but the path itself tells what is asked for: its
 // bytes need not be UTF-8.
 
+/// A file that passed every check, and what the checks judged it by.
+struct ValidatedFile {
+    PinnedFile file;
+    PinnedFileFacts facts;
+};
+
 /// Whether the candidate, as it stands on disk now, still is the item that the scan found, in a place where it may be
 /// moved to the Trash: that item, held, or why not, a lower-case phrase that follows an item's name. The checks have an
 /// order; the first that fails decides, and nothing is read after it. What was checked is what is held; the name led
 /// to it at the end.
-[[nodiscard]] std::expected<PinnedFile, std::string> validatedFile(const CleanupCandidate& candidate,
-                                                                   const ScanEnvironment& environment);
+[[nodiscard]] std::expected<ValidatedFile, std::string> validatedFile(const CleanupCandidate& candidate,
+                                                                      const ScanEnvironment& environment);
 
 /// The same without the item: absent when the candidate may be moved.
 [[nodiscard]] std::optional<std::string> validationFailure(const CleanupCandidate& candidate,

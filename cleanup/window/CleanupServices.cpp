@@ -35,14 +35,14 @@ std::optional<std::string> validationFailure(const CleanupCandidate& candidate) 
     return environment ? CleanupScanner::validationFailure(candidate, *environment) : noEnvironment;
 }
 
-Result<void> moveValidated(const CleanupCandidate& candidate) {
+TrashMove moveValidated(const CleanupCandidate& candidate) {
     const auto environment = ScanEnvironment::current();
     if (!environment)
-        return std::unexpected(Error{ErrorKind::invalid, noEnvironment});
-    const auto file = CleanupScanner::validatedFile(candidate, *environment);
-    if (!file)
-        return std::unexpected(Error{ErrorKind::invalid, file.error()});
-    return moveToTrash(*file);
+        return {.outcome = TrashMove::Outcome::notMoved, .reason = noEnvironment};
+    const auto validated = CleanupScanner::validatedFile(candidate, *environment);
+    if (!validated)
+        return {.outcome = TrashMove::Outcome::notMoved, .reason = validated.error()};
+    return moveToTrash(validated->file, validated->facts);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/model/CleanupScanReport.h"
+#include "platform/Trash.h"
 
 #include <filesystem>
 #include <functional>
@@ -23,8 +24,9 @@ struct CleanupServices {
     /// Calls the function with the path to act on, unless other processes cannot be brought to leave the file alone.
     std::function<Result<void>(const std::filesystem::path&, const std::function<void(const std::filesystem::path&)>&)>
         coordinateMoving;
-    /// Validates the candidate once more and moves what was validated to the Trash, or says why not.
-    std::function<Result<void>(const CleanupCandidate&)> moveToTrash;
+    /// Validates the candidate once more and moves what was validated to the Trash; what may not be
+    /// moved is `notMoved`.
+    std::function<TrashMove(const CleanupCandidate&)> moveToTrash;
     /// Writes the record of a move; false when it could not be written.
     std::function<bool(std::span<const CleanupCandidate>)> saveHistory;
 };

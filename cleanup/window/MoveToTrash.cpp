@@ -1,23 +1,28 @@
 #include "cleanup/window/MoveToTrash.h"
 
-#include "cleanup/model/StandardizedPath.h"
 #include "cleanup/window/MoveTexts.h"
+#include "platform/FileCoordinator.h"
+
+#include <string>
+#include <utility>
 
 namespace vantry {
 
 namespace {
 
-std::unexpected<Error> failed(const char* reason) { return std::unexpected(Error{ErrorKind::invalid, reason}); }
+TrashMove notMoved(std::string reason) {
+    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
+}
 
-Result<void> moveOne(const CleanupServices& services, const CleanupCandidate& candidate) {
-    Result<void> moved = failed("the file could not be coordinated");
+TrashMove moveOne(const CleanupServices& services, const CleanupCandidate& candidate) {
+    TrashMove moved = notMoved("the file could not be coordinated");
     const auto coordinated = services.coordinateMoving(candidate.url, [&](const std::filesystem::path& path) {
-        if (standardizedPath(path) != standardizedPath(candidate.url))
-            moved = failed("the coordinated file path changed after confirmation");
+        if (!isSamePlace(path, candidate.url))
+            moved = notMoved("the coordinated file path changed after confirmation");
         else
             moved = services.moveToTrash(candidate);
     });
-    return coordinated ? moved : coordinated;
+    return coordinated ? moved : notMoved(coordinated.error().message);
 }
 
 } // namespace
@@ -34,10 +39,11 @@ std::vector<std::string> validationFailureLines(const CleanupServices& services,
 MoveOutcome moveToTrash(const CleanupServices& services, std::span<const CleanupCandidate> candidates) {
     MoveOutcome outcome;
     for (const auto& candidate : candidates) {
-        if (const auto moved = moveOne(services, candidate))
+        const auto moved = moveOne(services, candidate);
+        if (moved.outcome == TrashMove::Outcome::moved)
             outcome.moved.push_back(candidate);
         else
-            outcome.failureLines.push_back(failureLine(candidate, moved.error().message));
+            outcome.failureLines.push_back(failureLine(candidate, moved.reason));
     }
     outcome.recordWritten = !outcome.moved.empty() && services.saveHistory(outcome.moved);
     return outcome;

@@ -138,6 +138,7 @@ std::optional<PinnedFileFacts> PinnedFile::facts() const {
                               .totalAllocated = numberIn(values[NSURLTotalFileAllocatedSizeKey])};
         if (fstat(descriptor(), &held) == 0) {
             facts.owner = held.st_uid;
+            facts.contentBytes = held.st_size;
             // Both have to say so: the values came by path.
             facts.isRegularFile = facts.isRegularFile && *facts.isRegularFile && S_ISREG(held.st_mode);
         }

@@ -17,15 +17,19 @@ namespace vantry {
 
 namespace {
 
-std::optional<Error> refusalByPlace(PinnedPlace place) {
+TrashMove notMoved(std::string reason) {
+    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
+}
+
+std::optional<std::string> refusalByPlace(PinnedPlace place) {
     switch (place) {
     case PinnedPlace::unchanged: return std::nullopt;
-    case PinnedPlace::folderMoved: return Error{ErrorKind::invalid, "its folder is not to be found in its place"};
-    case PinnedPlace::missing: return Error{ErrorKind::notFound, "it is not to be found in its place"};
+    case PinnedPlace::folderMoved: return "its folder is not to be found in its place";
+    case PinnedPlace::missing: return "it is not to be found in its place";
     case PinnedPlace::link:
     case PinnedPlace::otherItem: break;
     }
-    return Error{ErrorKind::invalid, "something else is in its place"};
+    return "something else is in its place";
 }
 
 // By its number. Who may not look into the Trash is told by the system where the descriptor's file is.
@@ -44,7 +48,7 @@ bool putBack(const std::filesystem::path& arrived, const PinnedFile& file) {
 
 } // namespace
 
-Result<void> moveToTrash(const PinnedFile& file) {
+TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
     @autoreleasepool {
         const auto path = file.folder().path() / file.name();
         NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
@@ -52,17 +56,21 @@ Result<void> moveToTrash(const PinnedFile& file) {
         NSError* error = nil;
         // The system moves what the path leads to.
         if (auto refused = refusalByPlace(file.place()))
-            return std::unexpected(std::move(*refused));
+            return notMoved(std::move(*refused));
+        const auto current = file.facts();
+        if (!current || current->contentBytes != checked.contentBytes ||
+            current->fingerprint.contentModificationDate != checked.fingerprint.contentModificationDate)
+            return notMoved("it was modified after the scan");
         if (![[NSFileManager defaultManager] trashItemAtURL:url resultingItemURL:&result error:&error])
-            return std::unexpected(errorFromFoundation(error));
+            return notMoved(errorFromFoundation(error).message);
         const std::filesystem::path arrived = result ? result.fileSystemRepresentation : "";
         if (isAt(arrived, file.descriptor()))
-            return {};
+            return {.outcome = TrashMove::Outcome::moved};
         std::string reason =
             result ? "something else was in its place" : "what arrived in the Trash could not be looked at";
         if (!putBack(arrived, file))
-            reason += "; what was moved stays in the Trash";
-        return std::unexpected(Error{ErrorKind::invalid, std::move(reason)});
+            return {TrashMove::Outcome::misplaced, std::move(reason), arrived};
+        return notMoved(std::move(reason));
     }
 }
 

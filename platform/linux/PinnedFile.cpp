@@ -149,7 +149,7 @@ std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const Pin
 }
 
 std::optional<PinnedFileFacts> PinnedFile::facts() const {
-    const auto said = factsOf(descriptor(), "", STATX_BLOCKS | STATX_UID);
+    const auto said = factsOf(descriptor(), "", STATX_SIZE | STATX_BLOCKS | STATX_UID);
     if (!said)
         return std::nullopt;
     PinnedFileFacts facts{.isPackage = false, .isUbiquitousItem = false};
@@ -157,6 +157,8 @@ std::optional<PinnedFileFacts> PinnedFile::facts() const {
         facts.isRegularFile = S_ISREG(said->stx_mode);
         facts.isSymbolicLink = S_ISLNK(said->stx_mode);
     }
+    if ((said->stx_mask & STATX_SIZE) != 0)
+        facts.contentBytes = static_cast<std::int64_t>(said->stx_size);
     std::int64_t bytes = 0;
     if ((said->stx_mask & STATX_BLOCKS) != 0 && !__builtin_mul_overflow(said->stx_blocks, bytesPerBlock, &bytes)) {
         facts.allocatedBytes = bytes;

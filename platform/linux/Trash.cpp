@@ -27,17 +27,20 @@ constexpr auto cannotWrite = "the Trash could not be written to";
 constexpr auto cannotMove = "it could not be moved";
 constexpr auto cannotConfirm = "the disk could not confirm the move";
 
-Error refusal(std::string message) { return Error{ErrorKind::invalid, std::move(message)}; }
+TrashMove notMoved(std::string reason) {
+    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
+}
+TrashMove notMoved(const Error& error) { return notMoved(error.message); }
 
-std::optional<Error> refusalByPlace(PinnedPlace place) {
+std::optional<std::string> refusalByPlace(PinnedPlace place) {
     switch (place) {
     case PinnedPlace::unchanged: return std::nullopt;
-    case PinnedPlace::folderMoved: return refusal("its folder is not to be found in its place");
-    case PinnedPlace::missing: return Error{ErrorKind::notFound, "it is not to be found in its place"};
+    case PinnedPlace::folderMoved: return "its folder is not to be found in its place";
+    case PinnedPlace::missing: return "it is not to be found in its place";
     case PinnedPlace::link:
     case PinnedPlace::otherItem: break;
     }
-    return refusal("something else is in its place");
+    return "something else is in its place";
 }
 
 bool isFree(int folder, const std::string& name) {
@@ -110,23 +113,27 @@ struct Announcement {
 /// is complete and on the disk.
 class Move {
 public:
-    Move(const PinnedFile& file, UniqueFd source, TrashFolders trash)
+    Move(const PinnedFile& file, const PinnedFileFacts& checked, UniqueFd source, TrashFolders trash)
         : file_(file),
+          checked_(checked),
           source_(std::move(source)),
           trash_(std::move(trash)) {}
 
-    [[nodiscard]] Result<void> run() const {
+    [[nodiscard]] TrashMove run() const {
         TrashNames names(file_.name(), nameLimit());
         while (const auto name = names.next()) {
             auto announcement = announced(*name);
             if (!announcement && announcement.error() == EEXIST)
                 continue;
             if (!announcement)
-                return std::unexpected(trashError(cannotWrite, announcement.error()));
+                return notMoved(trashError(cannotWrite, announcement.error()));
             // Again, for to write takes a while, and what is not moved need not be put back.
-            if (const auto refused = refusalByPlace(file_.place())) {
+            auto refused = refusalByPlace(file_.place());
+            if (!refused && isModified())
+                refused = "it was modified after the scan";
+            if (refused) {
                 withdraw(*announcement);
-                return std::unexpected(*refused);
+                return notMoved(*refused);
             }
             const int error = moveWithoutReplacing(source_.get(), file_.name(), trash_.files(), *name);
             // A file system may do a thing and then fail to say so.
@@ -134,9 +141,9 @@ public:
                 return confirmed(*announcement);
             withdraw(*announcement, error == EEXIST ? Withdrawal::evenIfTaken : Withdrawal::onlyIfUnused);
             if (error != EEXIST)
-                return std::unexpected(failure(error));
+                return notMoved(failure(error));
         }
-        return std::unexpected(refusal("too many files in the Trash have its name"));
+        return notMoved("too many files in the Trash have its name");
     }
 
 private:
@@ -194,45 +201,53 @@ private:
         return trashError(cannotMove, error);
     }
 
+    [[nodiscard]] bool isModified() const {
+        const auto current = file_.facts();
+        return !current || current->contentBytes != checked_.contentBytes ||
+               current->fingerprint.contentModificationDate != checked_.fingerprint.contentModificationDate;
+    }
+
     /// Something is in the Trash under the announced name.
-    [[nodiscard]] Result<void> confirmed(const Announcement& announcement) const {
+    [[nodiscard]] TrashMove confirmed(const Announcement& announcement) const {
         switch (file_.placeIn(trash_.files(), announcement.name)) {
         case PinnedPlace::unchanged: break;
-        case PinnedPlace::missing:
-            return putBack(announcement, refusal("what arrived in the Trash could not be looked at"));
+        case PinnedPlace::missing: return putBack(announcement, "what arrived in the Trash could not be looked at");
         case PinnedPlace::folderMoved:
         case PinnedPlace::link:
-        case PinnedPlace::otherItem: return putBack(announcement, refusal("something else was in its place"));
+        case PinnedPlace::otherItem: return putBack(announcement, "something else was in its place");
         }
         // Where it would be put back to by its origin is another folder then.
         if (!file_.folder().isInPlace())
             return putBack(announcement, *refusalByPlace(PinnedPlace::folderMoved));
         if (!trash_.areInPlace())
-            return putBack(announcement, refusal("the Trash was moved meanwhile"));
+            return putBack(announcement, "the Trash was moved meanwhile");
         // It is in the Trash, and whether it will be there after a power cut as well nobody knows. Put back, so that
         // what failed is in its place as after each other failure; either way the disk holds it once.
         int error = syncToDisk(trash_.files());
         if (error == 0)
             error = syncToDisk(source_.get());
         if (error != 0)
-            return putBack(announcement, trashError(cannotConfirm, error));
-        return {};
+            return putBack(announcement, trashError(cannotConfirm, error).message);
+        return {.outcome = TrashMove::Outcome::moved};
     }
 
-    [[nodiscard]] std::unexpected<Error> putBack(const Announcement& announcement, Error reason) const {
+    [[nodiscard]] TrashMove putBack(const Announcement& announcement, std::string reason) const {
         const int error = moveWithoutReplacing(trash_.files(), announcement.name, source_.get(), file_.name());
         if (error != 0) {
+            if (file_.placeIn(trash_.files(), announcement.name) == PinnedPlace::unchanged)
+                return {.outcome = TrashMove::Outcome::moved};
             if (!isFree(trash_.files(), announcement.name))
-                reason.message += "; what was moved stays in the Trash";
-            return std::unexpected(std::move(reason));
+                return {TrashMove::Outcome::misplaced, std::move(reason), trash_.itemPath(announcement.name)};
+            return notMoved(std::move(reason));
         }
         // The info file goes last, and not before it is certain that it is not needed.
         if (syncToDisk(source_.get()) == 0 && syncToDisk(trash_.files()) == 0)
             withdraw(announcement);
-        return std::unexpected(std::move(reason));
+        return notMoved(std::move(reason));
     }
 
     const PinnedFile& file_;
+    const PinnedFileFacts& checked_;
     UniqueFd source_;
     TrashFolders trash_;
 };
@@ -249,14 +264,14 @@ Result<std::filesystem::path> homeTrash() {
     return std::unexpected(Error{ErrorKind::notFound, "there is no home folder that could hold a Trash"});
 }
 
-Result<void> moveToTrash(const PinnedFile& file, const std::filesystem::path& trash) {
+TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked, const std::filesystem::path& trash) {
     struct stat facts = {};
     if (fstat(file.descriptor(), &facts) != 0)
-        return std::unexpected(trashError(cannotMove, errno));
+        return notMoved(trashError(cannotMove, errno));
     if (!S_ISREG(facts.st_mode))
-        return std::unexpected(refusal("it is not a file"));
+        return notMoved("it is not a file");
     if (auto refused = refusalByPlace(file.place()))
-        return std::unexpected(std::move(*refused));
+        return notMoved(std::move(*refused));
 
     // Not for its path alone: the folder has to be brought to the disk as well.
     UniqueFd source;
@@ -264,25 +279,25 @@ Result<void> moveToTrash(const PinnedFile& file, const std::filesystem::path& tr
             source.reset(openat(file.folder().descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
             return source.get();
         }))
-        return std::unexpected(trashError("its folder could not be opened", error));
+        return notMoved(trashError("its folder could not be opened", error));
     auto folders = TrashFolders::open(trash);
     if (!folders)
-        return std::unexpected(folders.error());
+        return notMoved(folders.error());
 
     struct stat from = {};
     struct stat to = {};
     if (fstat(source.get(), &from) != 0 || fstat(folders->files(), &to) != 0)
-        return std::unexpected(trashError(cannotMove, errno));
+        return notMoved(trashError(cannotMove, errno));
     if (from.st_dev != to.st_dev)
-        return std::unexpected(Error{ErrorKind::unsupported, "it is on another file system than the Trash"});
-    return Move(file, std::move(source), std::move(*folders)).run();
+        return notMoved("it is on another file system than the Trash");
+    return Move(file, checked, std::move(source), std::move(*folders)).run();
 }
 
-Result<void> moveToTrash(const PinnedFile& file) {
+TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
     const auto trash = homeTrash();
     if (!trash)
-        return std::unexpected(trash.error());
-    return moveToTrash(file, *trash);
+        return notMoved(trash.error());
+    return moveToTrash(file, checked, *trash);
 }
 
 } // namespace vantry

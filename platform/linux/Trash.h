@@ -11,7 +11,8 @@ namespace vantry {
 /// empty or relative. Fails when there is no absolute $HOME either.
 [[nodiscard]] Result<std::filesystem::path> homeTrash();
 
-/// As `moveToTrash(file)`, to the Trash at the absolute path `trash`.
-[[nodiscard]] Result<void> moveToTrash(const PinnedFile& file, const std::filesystem::path& trash);
+/// As `moveToTrash(file, checked)`, to the Trash at the absolute path `trash`.
+[[nodiscard]] TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked,
+                                    const std::filesystem::path& trash);
 
 } // namespace vantry

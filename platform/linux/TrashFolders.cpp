@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -140,6 +141,12 @@ Result<TrashFolders> TrashFolders::open(const std::filesystem::path& trash) {
     if (!info)
         return std::unexpected(info.error());
     return TrashFolders(trash, std::move(*itself), std::move(*files), std::move(*info));
+}
+
+std::filesystem::path TrashFolders::itemPath(const std::string& name) const {
+    std::error_code error;
+    const auto folder = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(files()), error);
+    return (error ? path_ / filesName : folder) / name;
 }
 
 bool TrashFolders::areInPlace() const {

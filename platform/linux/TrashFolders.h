@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace vantry {
@@ -40,6 +41,8 @@ public:
     [[nodiscard]] int files() const { return files_.get(); }
     [[nodiscard]] int info() const { return info_.get(); }
 
+    /// Where an item of `files` is, also when the Trash was moved away.
+    [[nodiscard]] std::filesystem::path itemPath(const std::string& name) const;
     /// Whether the paths lead to these folders still.
     [[nodiscard]] bool areInPlace() const;
 

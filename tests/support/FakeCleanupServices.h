@@ -20,10 +20,11 @@ struct FakeCleanupServices {
     std::filesystem::path home = "/home/ada";
     std::filesystem::path applications = "/Applications";
 
-    CleanupScanReport report;                                    ///< what the next scan finds
-    std::map<std::string, std::string> failures;                 ///< by path: why a file may not be moved
-    std::map<std::string, std::filesystem::path> coordinatedTo;  ///< by path: where a file is once all agree
-    std::map<std::string, Error> coordinationErrors, moveErrors; ///< by path
+    CleanupScanReport report;                                   ///< what the next scan finds
+    std::map<std::string, std::string> failures;                ///< by path: why a file may not be moved
+    std::map<std::string, std::filesystem::path> coordinatedTo; ///< by path: where a file is once all agree
+    std::map<std::string, Error> coordinationErrors;            ///< by path
+    std::map<std::string, TrashMove> moves; ///< by path: what becomes of a file that is not simply moved
     bool historyCanBeWritten = true;
     std::vector<CleanupCandidate> recorded; ///< what the last record was written for
 
@@ -55,7 +56,8 @@ struct FakeCleanupServices {
                 .moveToTrash =
                     [this](const CleanupCandidate& candidate) {
                         log->add("cleanup.moveToTrash " + candidate.url.native());
-                        return resultOf(moveErrors, candidate.url);
+                        const auto move = moves.find(candidate.url.native());
+                        return move == moves.end() ? TrashMove{.outcome = TrashMove::Outcome::moved} : move->second;
                     },
                 .saveHistory =
                     [this](std::span<const CleanupCandidate> candidates) {

@@ -129,8 +129,8 @@ protected:
                     continue;
                 }
                 ++safe;
-                if (identityOf(held->descriptor()) != expectedFile ||
-                    identityOf(held->folder().descriptor()) != expectedFolder)
+                if (identityOf(held->file.descriptor()) != expectedFile ||
+                    identityOf(held->file.folder().descriptor()) != expectedFolder)
                     ++wrong;
             }
             attacks = attacker.attacks();

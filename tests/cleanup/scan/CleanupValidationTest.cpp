@@ -48,11 +48,14 @@ TEST_F(CleanupValidation, WhatStandsAsItWasScannedMayMove) {
     };
     for (const auto& [path, category] : cases) {
         const CleanupCandidate candidate = scanned(makeOld(path), category);
-        const auto file = CleanupScanner::validatedFile(candidate, environment);
-        ASSERT_TRUE(file) << path << ": " << file.error();
-        EXPECT_EQ(file->folder().path() / file->name(), path);
-        EXPECT_EQ(readFileFingerprint(file->descriptor()), readFileFingerprint(path));
-        EXPECT_EQ(file->place(), PinnedPlace::unchanged);
+        const auto validated = CleanupScanner::validatedFile(candidate, environment);
+        ASSERT_TRUE(validated) << path << ": " << validated.error();
+        const auto& [file, facts] = *validated;
+        EXPECT_EQ(file.folder().path() / file.name(), path);
+        EXPECT_EQ(readFileFingerprint(file.descriptor()), readFileFingerprint(path));
+        EXPECT_EQ(file.place(), PinnedPlace::unchanged);
+        EXPECT_EQ(facts, file.facts());
+        EXPECT_EQ(facts.contentBytes, fs::file_size(path));
         EXPECT_EQ(failure(candidate), std::nullopt);
     }
 }

@@ -197,7 +197,7 @@ TEST_F(CleanupMove, FilesThatChangeAfterTheConfirmationAreListedAndNothingMoves)
 
 TEST_F(CleanupMove, OneFailureAmongThreeLeavesOneBehind) {
     openWithThreeLogs();
-    disk.moveErrors["/l/b"] = Error{ErrorKind::invalid, "it was modified after the scan"};
+    disk.moves["/l/b"] = {.reason = "it was modified after the scan"};
     askToMove({"/l/a", "/l/b", "/l/c"});
     answer(AlertAnswer::first);
     settle();

@@ -55,12 +55,12 @@ TEST_F(RealCleanupServices, ValidateAndRecordWhatIsThere) {
 TEST_F(RealCleanupServices, MoveWhatWasValidated) {
     const auto services = systemCleanupServices();
     const auto candidate = oldLog("painter.log");
-    Result<void> moved = std::unexpected(Error{});
+    TrashMove moved;
     ASSERT_TRUE(services.coordinateMoving(candidate.url, [&](const auto& path) {
         EXPECT_EQ(path, candidate.url);
         moved = services.moveToTrash(candidate);
     }));
-    EXPECT_TRUE(moved) << moved.error().message;
+    EXPECT_EQ(moved, (TrashMove{.outcome = TrashMove::Outcome::moved})) << moved.reason;
     EXPECT_FALSE(std::filesystem::exists(candidate.url));
     EXPECT_TRUE(std::filesystem::exists(folder / "data/Trash/files/painter.log"));
 }
@@ -70,8 +70,8 @@ TEST_F(RealCleanupServices, DoNotMoveWhatHasChanged) {
     const auto candidate = oldLog("painter.log");
     writeFile(candidate.url, "another text");
     const auto moved = services.moveToTrash(candidate);
-    ASSERT_FALSE(moved);
-    EXPECT_EQ(moved.error().message, services.validationFailure(candidate));
+    EXPECT_EQ(moved.outcome, TrashMove::Outcome::notMoved);
+    EXPECT_EQ(moved.reason, services.validationFailure(candidate));
     EXPECT_EQ(readFile(candidate.url), "another text");
     EXPECT_FALSE(std::filesystem::exists(folder / "data/Trash"));
 }
@@ -91,8 +91,8 @@ TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
     EXPECT_TRUE(report.storageSnapshot) << "the volume can be read all the same";
     EXPECT_EQ(services.validationFailure(candidate), "the home folder could not be verified");
     const auto moved = services.moveToTrash(candidate);
-    ASSERT_FALSE(moved);
-    EXPECT_EQ(moved.error().message, "the home folder could not be verified");
+    EXPECT_EQ(moved.outcome, TrashMove::Outcome::notMoved);
+    EXPECT_EQ(moved.reason, "the home folder could not be verified");
     EXPECT_FALSE(services.saveHistory(std::vector{candidate}));
     EXPECT_TRUE(std::filesystem::exists(candidate.url));
     EXPECT_FALSE(std::filesystem::exists(folder / "missing"));

@@ -36,9 +36,7 @@ TEST_F(MoveToTrash, GoesOnAfterEveryKindOfFailure) {
     const std::vector<Case> cases{
         {"none", [](auto&) {}, {"a", "b", "c"}, {}},
         {"not validated, or not moved",
-         [](auto& fake) {
-             fake.moveErrors["/l/a"] = Error{ErrorKind::invalid, "it no longer exists"};
-         },
+         [](auto& fake) { fake.moves["/l/a"] = {.reason = "it no longer exists"}; },
          {"b", "c"},
          {"a: it no longer exists"}},
         {"not coordinated",
@@ -58,7 +56,7 @@ TEST_F(MoveToTrash, GoesOnAfterEveryKindOfFailure) {
         {"all",
          [](auto& fake) {
              for (const char* path : {"/l/a", "/l/b", "/l/c"})
-                 fake.moveErrors[path] = Error{ErrorKind::system, "no"};
+                 fake.moves[path] = {.reason = "no"};
          },
          {},
          {"a: no", "b: no", "c: no"}},

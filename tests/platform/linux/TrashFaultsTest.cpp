@@ -160,7 +160,7 @@ TEST_F(TrashFaults, WhatCannotBePutBackStaysInTheTrashWithItsOrigin) {
                   if (count == 2)
                       fs::rename(aside, file);
               }),
-              "something else was in its place; what was moved stays in the Trash");
+              "misplaced at " + (trash / "files/report.log").native() + ": something else was in its place");
     EXPECT_EQ(readFile(file), "what the file holds");
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
     EXPECT_EQ(readFile(trash / "files/report.log"), "another file");

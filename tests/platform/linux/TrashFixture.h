@@ -55,10 +55,18 @@ protected:
         return PinnedFile::open(PinnedFolder::open(path.parent_path()).value(), path.filename()).value();
     }
 
+    [[nodiscard]] static std::string textOf(const TrashMove& move) {
+        switch (move.outcome) {
+        case TrashMove::Outcome::moved: return "moved";
+        case TrashMove::Outcome::notMoved: return move.reason;
+        case TrashMove::Outcome::misplaced: break;
+        }
+        return "misplaced at " + move.path.native() + ": " + move.reason;
+    }
+
     /// What came of it: "moved", or why not.
     [[nodiscard]] std::string move(const PinnedFile& item) const {
-        const auto moved = moveToTrash(item, trash);
-        return moved ? "moved" : moved.error().message;
+        return textOf(moveToTrash(item, item.facts().value(), trash));
     }
     [[nodiscard]] std::string move(const std::filesystem::path& path) const { return move(pinned(path)); }
 

@@ -53,11 +53,14 @@ int main(int count, char** arguments) {
         return unusable;
     if (count == 6 && !deceive(arguments[3], file.native(), arguments[4], arguments[5]))
         return unusable;
+    const auto facts = item->facts();
+    if (!facts)
+        return unusable;
     static_cast<void>(getppid()); // where the move begins, for who counts its system calls
-    const auto moved = vantry::moveToTrash(*item, arguments[2]);
+    const auto move = vantry::moveToTrash(*item, *facts, arguments[2]);
     static_cast<void>(getppid());
-    if (moved)
+    if (move.outcome == vantry::TrashMove::Outcome::moved)
         return 0;
-    tell(moved.error().message + '\n');
+    tell(move.reason + (move.outcome == vantry::TrashMove::Outcome::misplaced ? "; misplaced\n" : "\n"));
     return refused;
 }
