@@ -78,6 +78,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::applicationWillTerminate() {
     timer_.reset();
     wakeObserver_.reset();
+    if (cleanupWindowController_)
+        cleanupWindowController_->applicationWillTerminate();
+    cleanupWindowController_.reset();
 }
 
 void AppDelegate::statusItemPressed(std::optional<MouseEvent> currentEvent) {

@@ -30,30 +30,32 @@ bool writeAll(int fd, std::string_view contents) {
 
 } // namespace
 
-Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode) {
-    return writeFileAtomically(file, contents, mode, "." + file.filename().native() + ".new");
+std::filesystem::path draftOf(const std::filesystem::path& file) {
+    return file.parent_path() / ("." + file.filename().native() + ".new");
 }
 
 Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode,
-                                 std::string_view draftName) {
-    // One fixed name, so that what a crash left is taken up by the next write.
-    const auto folder = file.parent_path();
-    const auto draft = folder / draftName;
+                                 Durability durability) {
+    const auto draft = draftOf(file);
     if (unlink(draft.c_str()) != 0 && errno != ENOENT)
         return failed(file);
     UniqueFd fd(open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!fd)
         return failed(file);
-    const bool complete = writeAll(fd.get(), contents) && fchmod(fd.get(), mode) == 0 && fsync(fd.get()) == 0 &&
+    const bool complete = writeAll(fd.get(), contents) && fchmod(fd.get(), mode) == 0 &&
+                          (durability == Durability::unsynced || fsync(fd.get()) == 0) &&
                           rename(draft.c_str(), file.c_str()) == 0;
     if (!complete) {
         const auto error = failed(file);
         unlink(draft.c_str());
         return error;
     }
-    if (const UniqueFd folderFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)); folderFd)
-        fsync(
-            folderFd.get()); // the file is whole and in its place; a folder that cannot be synced changes nothing of it
+    if (durability == Durability::synced) {
+        // The file is whole and in its place, also when its folder cannot be synced.
+        const UniqueFd folder(open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (folder)
+            fsync(folder.get());
+    }
     return {};
 }
 

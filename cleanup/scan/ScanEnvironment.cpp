@@ -8,7 +8,7 @@
 
 namespace vantry {
 
-Result<ScanEnvironment> ScanEnvironment::current() {
+Result<ScanEnvironment> ScanEnvironment::currentWithoutWorkers() {
     const auto home = homeFolder();
     if (!home)
         return std::unexpected(Error{ErrorKind::notFound, "There is no home folder."});
@@ -16,12 +16,19 @@ Result<ScanEnvironment> ScanEnvironment::current() {
     auto resolved = std::filesystem::canonical(*home, error);
     if (error)
         return std::unexpected(errorFromErrno(error.value(), home->native()));
+    return ScanEnvironment{
+        .home = std::move(resolved), .workers = {}, .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
+}
+
+Result<ScanEnvironment> ScanEnvironment::current() {
+    auto environment = currentWithoutWorkers();
+    if (!environment)
+        return environment;
     auto workers = WorkerHost::currentEnvironment();
     if (!workers)
         return std::unexpected(workers.error());
-    return ScanEnvironment{.home = std::move(resolved), .workers = std::move(*workers), .now = [] {
-                               return SystemTime(std::chrono::system_clock::now());
-                           }};
+    environment->workers = std::move(*workers);
+    return environment;
 }
 
 } // namespace vantry

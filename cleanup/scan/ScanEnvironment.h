@@ -20,6 +20,8 @@ struct ScanEnvironment {
     /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
     /// executable cannot be started again. Blocking; any thread.
     [[nodiscard]] static Result<ScanEnvironment> current();
+    /// The same for validation, which starts no workers: fails only when there is no home folder.
+    [[nodiscard]] static Result<ScanEnvironment> currentWithoutWorkers();
 };
 
 } // namespace vantry

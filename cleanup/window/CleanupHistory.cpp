@@ -24,8 +24,8 @@ namespace {
 
 constexpr mode_t folderMode = 0700;
 constexpr mode_t recordMode = 0600;
-constexpr std::string_view draftName = ".cleanup.json.new"; // one for all, so that none that a crash left stays
-constexpr std::chrono::seconds recordLifetime{7'776'000};   // 90 days
+constexpr std::chrono::seconds recordLifetime{7'776'000}; // 90 days
+constexpr std::chrono::hours draftLifetime{1};            // a younger one may be another process at work
 
 /// One moved item.
 struct Entry {
@@ -61,18 +61,23 @@ bool makeFolder(const std::filesystem::path& home, const std::filesystem::path& 
     return fd && fstat(fd.get(), &facts) == 0 && facts.st_uid == geteuid() && fchmod(fd.get(), folderMode) == 0;
 }
 
-std::string recordName(SystemTime now) {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
-    return "cleanup-" + std::to_string(seconds) + "-" + randomUuid().substr(0, 8) + ".json";
+/// How long a file of this name is kept; absent for a name that is not one of ours.
+std::optional<std::chrono::seconds> lifetimeOf(const std::filesystem::path& file) {
+    const std::string name = file.filename().native();
+    if (name.starts_with(".cleanup") && name.ends_with(".json.new"))
+        return draftLifetime;
+    if (!name.starts_with('.') && file.extension() == ".json")
+        return recordLifetime;
+    return std::nullopt;
 }
 
-bool isOldRecord(const std::filesystem::path& file, SystemTime cutoff) {
-    const std::string name = file.filename().native();
-    if (name.starts_with('.') || file.extension() != ".json")
+bool isTooOld(const std::filesystem::path& file, SystemTime now) {
+    const auto lifetime = lifetimeOf(file);
+    if (!lifetime)
         return false;
     const auto facts = readItemFacts(file);
     return facts && facts->kind == ItemFacts::Kind::regularFile && facts->contentModificationDate &&
-           *facts->contentModificationDate < cutoff;
+           *facts->contentModificationDate < now - *lifetime;
 }
 
 } // namespace
@@ -94,22 +99,30 @@ std::optional<std::string> cleanupHistoryJson(std::span<const CleanupCandidate> 
     return record.dump(2);
 }
 
-bool saveHistory(std::span<const CleanupCandidate> candidates, const std::filesystem::path& home, SystemTime now) {
-    const auto record = cleanupHistoryJson(candidates, now);
+CleanupRecord CleanupRecord::startedAt(SystemTime movedAt) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(movedAt.time_since_epoch()).count();
+    return {movedAt, "cleanup-" + std::to_string(seconds) + "-" + randomUuid().substr(0, 8) + ".json"};
+}
+
+bool saveHistory(std::span<const CleanupCandidate> candidates, const std::filesystem::path& home,
+                 const CleanupRecord& record, RecordVersion version) {
+    const bool isLast = version == RecordVersion::last;
+    const auto json = cleanupHistoryJson(candidates, record.movedAt);
     const auto folder = cleanupHistoryFolder(home);
-    if (!record || !makeFolder(home, folder) ||
-        !writeFileAtomically(folder / recordName(now), *record, recordMode, draftName))
+    if (!json || !makeFolder(home, folder) ||
+        !writeFileAtomically(folder / record.fileName, *json, recordMode,
+                             isLast ? Durability::synced : Durability::unsynced))
         return false;
-    pruneCleanupHistory(folder, now);
+    if (isLast)
+        pruneCleanupHistory(folder, record.movedAt);
     return true;
 }
 
 void pruneCleanupHistory(const std::filesystem::path& folder, SystemTime now) {
-    const auto cutoff = now - recordLifetime;
     std::error_code error;
     std::vector<std::filesystem::path> old;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-        if (isOldRecord(entry->path(), cutoff))
+        if (isTooOld(entry->path(), now))
             old.push_back(entry->path());
     for (const auto& file : old)
         unlink(file.c_str()); // one that cannot be removed is tried again after the next move

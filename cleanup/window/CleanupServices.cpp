@@ -13,7 +13,7 @@ namespace vantry {
 
 namespace {
 
-constexpr const char* noEnvironment = "the home folder could not be verified";
+constexpr const char* noHome = "the home folder could not be verified";
 
 // Without a home folder nothing can be checked, which is a result too.
 CleanupScanReport nothingChecked() {
@@ -31,18 +31,18 @@ CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers) {
 }
 
 std::optional<std::string> validationFailure(const CleanupCandidate& candidate) {
-    const auto environment = ScanEnvironment::current();
-    return environment ? CleanupScanner::validationFailure(candidate, *environment) : noEnvironment;
+    const auto environment = ScanEnvironment::currentWithoutWorkers();
+    return environment ? CleanupScanner::validationFailure(candidate, *environment) : noHome;
 }
 
 TrashMove moveValidated(const CleanupCandidate& candidate) {
-    const auto environment = ScanEnvironment::current();
+    const auto environment = ScanEnvironment::currentWithoutWorkers();
     if (!environment)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = noEnvironment};
-    const auto validated = CleanupScanner::validatedFile(candidate, *environment);
-    if (!validated)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = validated.error()};
-    return moveToTrash(validated->file, validated->facts);
+        return {.outcome = TrashMove::Outcome::notMoved, .reason = noHome};
+    const auto checked = CleanupScanner::validatedFile(candidate, *environment);
+    if (!checked)
+        return {.outcome = TrashMove::Outcome::notMoved, .reason = checked.error()};
+    return moveToTrash(checked->file, checked->facts);
 }
 
 } // namespace
@@ -55,9 +55,11 @@ CleanupServices systemCleanupServices() {
             .validationFailure = validationFailure,
             .coordinateMoving = coordinateMoving,
             .moveToTrash = moveValidated,
-            .saveHistory = [home](std::span<const CleanupCandidate> moved) {
-                return !home.empty() && saveHistory(moved, home, std::chrono::system_clock::now());
-            }};
+            .saveHistory =
+                [home](std::span<const CleanupCandidate> moved, const CleanupRecord& record, RecordVersion version) {
+                    return !home.empty() && saveHistory(moved, home, record, version);
+                },
+            .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
 }
 
 } // namespace vantry

@@ -3,8 +3,10 @@
 #include "base/Result.h"
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/model/CleanupScanReport.h"
+#include "cleanup/window/CleanupHistory.h"
 #include "platform/Trash.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -24,11 +26,14 @@ struct CleanupServices {
     /// Calls the function with the path to act on, unless other processes cannot be brought to leave the file alone.
     std::function<Result<void>(const std::filesystem::path&, const std::function<void(const std::filesystem::path&)>&)>
         coordinateMoving;
-    /// Validates the candidate once more and moves what was validated to the Trash; what may not be
-    /// moved is `notMoved`.
+    /// Validates the candidate once more and moves what was validated to the Trash; what may not be moved is
+    /// `notMoved`.
     std::function<TrashMove(const CleanupCandidate&)> moveToTrash;
-    /// Writes the record of a move; false when it could not be written.
-    std::function<bool(std::span<const CleanupCandidate>)> saveHistory;
+    /// Writes the record of a move, in place of its earlier version; false when it could not be written.
+    std::function<bool(std::span<const CleanupCandidate>, const CleanupRecord&, RecordVersion)> saveHistory;
+    std::function<SystemTime()> now;
+    /// How long the end of the process waits for the file in hand of a move.
+    std::chrono::milliseconds longestEnding{2000};
 };
 
 /// The real ones. Blocking, once.

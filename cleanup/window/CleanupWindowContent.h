@@ -128,6 +128,7 @@ struct CleanupWindowContent {
 
     std::optional<EmptyStateContent> emptyState; ///< in place of the sections
     std::vector<CleanupSectionContent> sections;
+    bool selectionEnabled = true; ///< whether the checkboxes of the rows can be used
 
     bool operator==(const CleanupWindowContent&) const = default;
 };

@@ -86,7 +86,7 @@ void CleanupWindowController::modeChanged(CleanupWindowMode mode) {
 
 void CleanupWindowController::candidateSelectionChanged(std::string_view identifier, bool isOn) {
     const auto* changed = candidate(identifier);
-    if (!changed)
+    if (!changed || activity_ != Activity::idle)
         return;
     if (isOn && changed->canMoveToTrash())
         selectedPaths_.insert(changed->url.native());
@@ -102,6 +102,8 @@ void CleanupWindowController::candidateSelectionChanged(std::string_view identif
 }
 
 void CleanupWindowController::selectSuggestedPressed() {
+    if (activity_ != Activity::idle)
+        return;
     selectedPaths_.clear();
     for (const auto& found : report_.candidates)
         if (found.canMoveToTrash())
@@ -148,25 +150,40 @@ void CleanupWindowController::trashPressed() {
 
 void CleanupWindowController::validate(Candidates selected, Check checked) {
     begin(Activity::checking);
+    updateModeControls();
     render();
     backgroundQueue_->submit(
         QualityOfService::userInitiated,
-        [weak = weak_from_this(), queue = mainQueue_, services = services_,
-         candidates = std::make_shared<const Candidates>(std::move(selected)), checked] {
+        [weak = weak_from_this(), queue = mainQueue_, services = services_, checked, number = ++checkNumber_,
+         candidates = std::make_shared<const Candidates>(std::move(selected))] {
             if (weak.expired())
                 return;
-            queue->post([weak, candidates, checked, lines = validationFailureLines(services, *candidates)] {
-                const auto self = weak.lock();
-                if (!self)
-                    return;
-                self->endActivity();
-                if (self->shell_.cleanupWindowIsShown())
-                    ((*self).*checked)(*candidates, lines);
-                else
-                    self->render();
+            queue->post([weak, candidates, checked, number, lines = validationFailureLines(services, *candidates)] {
+                if (const auto self = weak.lock(); self && self->checkNumber_ == number)
+                    self->finishCheck(*candidates, lines, checked);
             });
         });
 }
+
+// What was checked moves on only if it still is what the user selected, in a window that they can see.
+void CleanupWindowController::finishCheck(const Candidates& selected, const std::vector<std::string>& failureLines,
+                                          Check checked) {
+    endActivity();
+    if (selectedCandidates() == selected && shell_.cleanupWindowIsShown())
+        (this->*checked)(selected, failureLines);
+    else
+        render();
+}
+
+void CleanupWindowController::cancelPressed() {
+    if (activity_ != Activity::checking)
+        return;
+    ++checkNumber_; // the check may hang, so nobody waits for it
+    endActivity();
+    render();
+}
+
+void CleanupWindowController::windowClosed() { cancelPressed(); }
 
 void CleanupWindowController::confirm(const Candidates& selected, const std::vector<std::string>& failureLines) {
     if (!failureLines.empty()) {
@@ -193,29 +210,45 @@ void CleanupWindowController::startMove(const Candidates& candidates, const std:
     begin(Activity::moving);
     updateModeControls();
     render();
-    backgroundQueue_->submit(QualityOfService::userInitiated,
-                             [weak = weak_from_this(), queue = mainQueue_, services = services_, candidates] {
-                                 if (weak.expired())
-                                     return;
-                                 queue->post([weak, outcome = vantry::moveToTrash(services, candidates)] {
-                                     if (const auto self = weak.lock())
-                                         self->finishMove(outcome);
-                                 });
-                             });
+    move_ = std::make_shared<MoveControl>();
+    backgroundQueue_->submit(QualityOfService::userInitiated, [weak = weak_from_this(), queue = mainQueue_,
+                                                               services = services_, candidates, control = move_] {
+        if (weak.expired())
+            return;
+        queue->post([weak, outcome = vantry::moveToTrash(services, candidates, *control)] {
+            if (const auto self = weak.lock())
+                self->finishMove(outcome);
+        });
+    });
 }
 
 void CleanupWindowController::finishMove(const MoveOutcome& outcome) {
     for (const auto& moved : outcome.moved)
-        selectedPaths_.erase(moved.url.native());
-    std::erase_if(report_.candidates, [&](const auto& found) {
-        return std::ranges::find(outcome.moved, found.uiID, &CleanupCandidate::uiID) != outcome.moved.end();
-    });
+        forget(moved);
+    for (const auto& item : outcome.misplaced)
+        forget(item.candidate);
     endActivity();
     scanSummary_ = movedText(outcome.moved.size(), outcome.failureLines.size(), outcome.recordWritten);
     updateSummaryCards();
     renderResults();
     updateSelectionSummary();
     render();
+    if (outcome.misplaced.empty())
+        return;
+    if (!shell_.cleanupWindowIsShown())
+        shell_.showCleanupWindow(); // the user has to learn where the file is
+    ask(misplacedAlert(outcome.misplaced), {});
+}
+
+// The item is not in its place any more.
+void CleanupWindowController::forget(const CleanupCandidate& gone) {
+    selectedPaths_.erase(gone.url.native());
+    std::erase_if(report_.candidates, [&](const auto& found) { return found.uiID == gone.uiID; });
+}
+
+void CleanupWindowController::applicationWillTerminate() {
+    if (move_)
+        move_->stop(services_.longestEnding);
 }
 
 void CleanupWindowController::ask(const AlertContent& alert,
@@ -240,6 +273,7 @@ void CleanupWindowController::begin(Activity activity) {
     content_.scanButton.enabled = false;
     content_.selectSuggestedButton.enabled = false;
     content_.trashButton.enabled = false;
+    content_.selectionEnabled = false;
     content_.progressIndicator = activity != Activity::asking;
 }
 
@@ -247,8 +281,9 @@ void CleanupWindowController::endActivity() {
     activity_ = Activity::idle;
     content_.scanButton.enabled = true;
     content_.selectSuggestedButton.enabled = std::ranges::any_of(report_.candidates, &CleanupCandidate::canMoveToTrash);
+    content_.selectionEnabled = true;
     content_.progressIndicator = false;
-    updateSelectionSummary();
+    updateModeControls();
 }
 
 void CleanupWindowController::updateModeControls() {
@@ -263,11 +298,19 @@ void CleanupWindowController::updateModeControls() {
             "Nothing is removed automatically. Managed and private storage never gets a cleanup checkbox.";
         return;
     }
-    if (activity_ == Activity::scanning)
-        content_.statusLabel = "Checking cleanup avenues locally without reading personal document contents…";
-    else
-        content_.statusLabel = activity_ == Activity::moving ? movingText : scanSummary_;
+    content_.statusLabel = statusText();
     updateSelectionSummary();
+}
+
+std::string CleanupWindowController::statusText() const {
+    switch (activity_) {
+    case Activity::scanning: return "Checking cleanup avenues locally without reading personal document contents…";
+    case Activity::checking: return checkingText;
+    case Activity::moving: return movingText;
+    case Activity::idle:
+    case Activity::asking: break;
+    }
+    return scanSummary_;
 }
 
 void CleanupWindowController::updateSummaryCards() {
@@ -293,7 +336,7 @@ void CleanupWindowController::renderResults() {
             const auto known = canOpen_.find(action);
             return avenueButton(action, kind, known == canOpen_.end() || known->second);
         });
-    else if (report_.candidates.empty())
+    else if (report_.candidates.empty() || activity_ == Activity::scanning)
         content_.emptyState = emptyState(activity_ == Activity::scanning);
     else
         content_.sections = filesFoundSections(report_.candidates, selectedPaths_);

@@ -48,6 +48,15 @@ AlertContent confirmationAlert(const CandidateTotal& selected) {
             {"Move to Trash", "Cancel"}};
 }
 
+AlertContent misplacedAlert(std::span<const MisplacedItem> items) {
+    std::string text;
+    for (const auto& item : items)
+        text += singleLine(item.candidate.title) + ": it is at " + singleLine(item.path.native()) + "\n";
+    return {"Some items could not be put back",
+            text + "\nThey were changed while they were being moved. Nothing was deleted.",
+            {"OK"}};
+}
+
 std::string movedText(std::size_t movedCount, std::size_t failureCount, bool recordWritten) {
     const auto text = "Moved " + countText(movedCount, "item") + " to the Trash";
     if (failureCount > 0)

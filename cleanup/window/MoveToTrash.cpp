@@ -3,7 +3,7 @@
 #include "cleanup/window/MoveTexts.h"
 #include "platform/FileCoordinator.h"
 
-#include <string>
+#include <optional>
 #include <utility>
 
 namespace vantry {
@@ -14,15 +14,16 @@ TrashMove notMoved(std::string reason) {
     return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
 }
 
+// What the mover says outweighs an error of the coordination: the file may have been moved before that failed.
 TrashMove moveOne(const CleanupServices& services, const CleanupCandidate& candidate) {
-    TrashMove moved = notMoved("the file could not be coordinated");
+    std::optional<TrashMove> move;
     const auto coordinated = services.coordinateMoving(candidate.url, [&](const std::filesystem::path& path) {
-        if (!isSamePlace(path, candidate.url))
-            moved = notMoved("the coordinated file path changed after confirmation");
-        else
-            moved = services.moveToTrash(candidate);
+        move = isSamePlace(path, candidate.url) ? services.moveToTrash(candidate)
+                                                : notMoved("the coordinated file path changed after confirmation");
     });
-    return coordinated ? moved : notMoved(coordinated.error().message);
+    if (move)
+        return *move;
+    return notMoved(coordinated ? "the file could not be coordinated" : coordinated.error().message);
 }
 
 } // namespace
@@ -36,16 +37,29 @@ std::vector<std::string> validationFailureLines(const CleanupServices& services,
     return lines;
 }
 
-MoveOutcome moveToTrash(const CleanupServices& services, std::span<const CleanupCandidate> candidates) {
+MoveOutcome moveToTrash(const CleanupServices& services, std::span<const CleanupCandidate> candidates,
+                        MoveControl& control) {
     MoveOutcome outcome;
+    if (!control.begin())
+        return outcome;
+    std::optional<CleanupRecord> record;
     for (const auto& candidate : candidates) {
-        const auto moved = moveOne(services, candidate);
-        if (moved.outcome == TrashMove::Outcome::moved)
+        if (control.isStopped())
+            break;
+        const auto move = moveOne(services, candidate);
+        switch (move.outcome) {
+        case TrashMove::Outcome::moved:
             outcome.moved.push_back(candidate);
-        else
-            outcome.failureLines.push_back(failureLine(candidate, moved.reason));
+            if (!record)
+                record = CleanupRecord::startedAt(services.now());
+            static_cast<void>(services.saveHistory(outcome.moved, *record, RecordVersion::interim));
+            break;
+        case TrashMove::Outcome::notMoved: outcome.failureLines.push_back(failureLine(candidate, move.reason)); break;
+        case TrashMove::Outcome::misplaced: outcome.misplaced.push_back({candidate, move.path}); break;
+        }
     }
-    outcome.recordWritten = !outcome.moved.empty() && services.saveHistory(outcome.moved);
+    outcome.recordWritten = record && services.saveHistory(outcome.moved, *record, RecordVersion::last);
+    control.end();
     return outcome;
 }
 

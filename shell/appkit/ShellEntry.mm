@@ -83,6 +83,12 @@ struct Interface {
     return YES;
 }
 
+// Before anything is taken apart: a move in progress stops after the file in hand and writes its record.
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
+    _interface.delegate->applicationWillTerminate();
+    return NSTerminateNow;
+}
+
 // The event loop does not return: the process ends after this.
 - (void)applicationWillTerminate:(NSNotification*)notification {
     _interface.delegate->applicationWillTerminate();

@@ -15,6 +15,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <xcb/xcb.h>
 
@@ -56,6 +57,16 @@ AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::
     return services;
 }
 
+// Qt ends the process with exit() when it loses the display. A move in progress has to stop in good order then, too.
+void terminateAtExit(const std::shared_ptr<AppDelegate>& delegate) {
+    static std::weak_ptr<AppDelegate> running;
+    running = delegate;
+    std::atexit([] {
+        if (const auto target = running.lock())
+            target->applicationWillTerminate();
+    });
+}
+
 int runShell(ShellLaunch launch) {
     if (!choosePlatform()) {
         std::fputs("ombrel: There is no display to show the bar on.\n", stderr);
@@ -75,6 +86,7 @@ int runShell(ShellLaunch launch) {
     QtShell shell;
     const auto delegate = std::make_shared<AppDelegate>(shell, makeServices(mainQueue, std::move(launch.arguments)));
     shell.setDelegate(delegate);
+    terminateAtExit(delegate);
     const ProcessEvents events(*mainQueue, shell, delegate, std::move(launch.instance),
                                catchTerminationSignals().value_or(-1));
     delegate->applicationDidFinishLaunching();

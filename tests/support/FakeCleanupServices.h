@@ -24,9 +24,16 @@ struct FakeCleanupServices {
     std::map<std::string, std::string> failures;                ///< by path: why a file may not be moved
     std::map<std::string, std::filesystem::path> coordinatedTo; ///< by path: where a file is once all agree
     std::map<std::string, Error> coordinationErrors;            ///< by path
-    std::map<std::string, TrashMove> moves; ///< by path: what becomes of a file that is not simply moved
+    std::map<std::string, TrashMove> moves;                     ///< by path: what becomes of a move; else it succeeds
+    std::function<void(const CleanupCandidate&)> beforeMove;    ///< what happens while a file is in hand; may be empty
     bool historyCanBeWritten = true;
-    std::vector<CleanupCandidate> recorded; ///< what the last record was written for
+    SystemTime now{std::chrono::seconds(1'769'847'300)};
+    std::map<std::string, std::vector<CleanupCandidate>> records; ///< what each was last written for, by its file name
+
+    /// What the only record was last written for; nothing when there is not exactly one.
+    [[nodiscard]] std::vector<CleanupCandidate> recorded() const {
+        return records.size() == 1 ? records.begin()->second : std::vector<CleanupCandidate>();
+    }
 
     [[nodiscard]] CleanupServices services() {
         return {.home = home,
@@ -56,15 +63,22 @@ struct FakeCleanupServices {
                 .moveToTrash =
                     [this](const CleanupCandidate& candidate) {
                         log->add("cleanup.moveToTrash " + candidate.url.native());
+                        if (beforeMove)
+                            beforeMove(candidate);
                         const auto move = moves.find(candidate.url.native());
                         return move == moves.end() ? TrashMove{.outcome = TrashMove::Outcome::moved} : move->second;
                     },
                 .saveHistory =
-                    [this](std::span<const CleanupCandidate> candidates) {
-                        log->add("cleanup.saveHistory " + std::to_string(candidates.size()));
-                        recorded.assign(candidates.begin(), candidates.end());
+                    [this](std::span<const CleanupCandidate> candidates, const CleanupRecord& record,
+                           RecordVersion version) {
+                        log->add("cleanup.saveHistory " + std::to_string(candidates.size()) +
+                                 (version == RecordVersion::last ? " last" : ""));
+                        if (historyCanBeWritten)
+                            records[record.fileName].assign(candidates.begin(), candidates.end());
                         return historyCanBeWritten;
-                    }};
+                    },
+                .now = [this] { return now; },
+                .longestEnding = std::chrono::milliseconds(0)}; // a move runs on the thread that would wait for it
     }
 
 private:

@@ -54,6 +54,11 @@ protected:
         age(name, seconds);
     }
 
+    /// Writes the record of a move that ends with `moved`.
+    [[nodiscard]] bool save(std::span<const CleanupCandidate> moved) const {
+        return saveHistory(moved, home.path(), CleanupRecord::startedAt(now), RecordVersion::last);
+    }
+
     TemporaryFolder home;
     std::filesystem::path folder = home / "Library/Application Support/Ombrel/Cleanup History";
     std::vector<CleanupCandidate> candidates{logAt("/l/a", 100)};
@@ -63,7 +68,7 @@ TEST_F(CleanupHistory, WritesOneEntryPerItemWithSortedKeys) {
     const std::vector moved{logAt("/l/third.log", 3), candidateAt("/d/x.dmg", CleanupCategory::installer, 50),
                             logAt("/l/first.log", 1), candidateAt("/l/r.ips", CleanupCategory::crashReport, 7),
                             logAt("/l/second.log", 2)};
-    ASSERT_TRUE(saveHistory(moved, home.path(), now));
+    ASSERT_TRUE(save(moved));
     EXPECT_EQ(onlyRecord(), R"({
   "entries": [
     {
@@ -94,7 +99,7 @@ TEST_F(CleanupHistory, WritesOneEntryPerItemWithSortedKeys) {
 }
 
 TEST_F(CleanupHistory, ThreeLogFilesAreThreeEntries) {
-    ASSERT_TRUE(saveHistory(std::vector{logAt("/a", 1), logAt("/b", 2), logAt("/c", 3)}, home.path(), now));
+    ASSERT_TRUE(save(std::vector{logAt("/a", 1), logAt("/b", 2), logAt("/c", 3)}));
     const auto record = nlohmann::json::parse(onlyRecord());
     EXPECT_EQ(record["itemCount"], 3);
     EXPECT_EQ(record["totalBytes"], 6);
@@ -122,7 +127,7 @@ TEST_F(CleanupHistory, HoldsNothingPrivate) {
     }
     secrets.insert(secrets.end(),
                    {"secret", "ada", "home", "/", "1111111111", "1222222222", "2005-03", "2008-09", ".log"});
-    ASSERT_TRUE(saveHistory(moved, home.path(), now));
+    ASSERT_TRUE(save(moved));
     const auto record = onlyRecord();
     for (const auto& secret : secrets) {
         EXPECT_THAT(record, Not(testing::HasSubstr(secret)));
@@ -132,7 +137,7 @@ TEST_F(CleanupHistory, HoldsNothingPrivate) {
 
 TEST_F(CleanupHistory, IsForTheUserAlone) {
     const mode_t umaskBefore = umask(0);
-    const bool saved = saveHistory(candidates, home.path(), now);
+    const bool saved = save(candidates);
     umask(umaskBefore);
     ASSERT_TRUE(saved);
     for (auto path = folder; path != home.path(); path = path.parent_path())
@@ -144,14 +149,14 @@ TEST_F(CleanupHistory, TightensAFolderThatIsThere) {
     std::filesystem::create_directories(folder);
     chmod(folder.c_str(), 0755);
     chmod((home / "Library").c_str(), 0750);
-    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    ASSERT_TRUE(save(candidates));
     EXPECT_EQ(modeOf(folder), 0700);
     EXPECT_EQ(modeOf(home / "Library"), 0750) << "what is above it stays as it is";
 }
 
 TEST_F(CleanupHistory, NamesTheRecordByTheSecondAndAtRandom) {
     for (int i = 0; i < 20; ++i)
-        ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+        ASSERT_TRUE(save(candidates));
     const auto names = namesIn(folder);
     EXPECT_EQ(names.size(), 20) << "also within one second";
     for (const auto& name : names)
@@ -160,25 +165,25 @@ TEST_F(CleanupHistory, NamesTheRecordByTheSecondAndAtRandom) {
 
 TEST_F(CleanupHistory, ATotalThatWouldOverflowIsNoRecord) {
     const auto largest = std::numeric_limits<std::int64_t>::max();
-    EXPECT_FALSE(saveHistory(std::vector{logAt("/a", largest), logAt("/b", 1)}, home.path(), now));
+    EXPECT_FALSE(save(std::vector{logAt("/a", largest), logAt("/b", 1)}));
     EXPECT_THAT(namesIn(home.path()), IsEmpty());
     EXPECT_FALSE(cleanupHistoryJson(std::vector{logAt("/a", largest), logAt("/b", largest)}, now));
-    EXPECT_TRUE(saveHistory(std::vector{logAt("/a", largest - 1), logAt("/b", 1)}, home.path(), now));
+    EXPECT_TRUE(save(std::vector{logAt("/a", largest - 1), logAt("/b", 1)}));
     EXPECT_EQ(nlohmann::json::parse(onlyRecord())["totalBytes"], largest);
 }
 
 TEST_F(CleanupHistory, AFolderThatCannotBeMadeIsNoRecord) {
-    EXPECT_FALSE(saveHistory(candidates, home / "no such home", now));
+    EXPECT_FALSE(saveHistory(candidates, home / "no such home", CleanupRecord::startedAt(now), RecordVersion::last));
     EXPECT_FALSE(std::filesystem::exists(home / "no such home"));
     writeFile(home / "Library", "a file");
-    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_FALSE(save(candidates));
     EXPECT_EQ(readFile(home / "Library"), "a file");
 }
 
 TEST_F(CleanupHistory, AFileInPlaceOfTheFolderIsNoRecord) {
     std::filesystem::create_directories(folder.parent_path());
     writeFile(folder, "a file");
-    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_FALSE(save(candidates));
     EXPECT_EQ(readFile(folder), "a file");
 }
 
@@ -188,7 +193,7 @@ TEST_F(CleanupHistory, ALinkInPlaceOfTheFolderIsNotFollowed) {
     std::filesystem::create_directory(elsewhere);
     chmod(elsewhere.c_str(), 0755);
     std::filesystem::create_symlink(elsewhere, folder);
-    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_FALSE(save(candidates));
     EXPECT_THAT(namesIn(elsewhere), IsEmpty());
     EXPECT_EQ(modeOf(elsewhere), 0755);
 }
@@ -199,7 +204,7 @@ TEST_F(CleanupHistory, AnotherUsersFolderIsNotUsed) {
     std::filesystem::create_directories(folder);
     chmod(folder.c_str(), 0755);
     ASSERT_EQ(chown(folder.c_str(), 65534, 65534), 0);
-    EXPECT_FALSE(saveHistory(candidates, home.path(), now));
+    EXPECT_FALSE(save(candidates));
     EXPECT_THAT(namesIn(folder), IsEmpty());
     EXPECT_EQ(modeOf(folder), 0755);
 }
@@ -209,23 +214,70 @@ TEST_F(CleanupHistory, ARecordThatCannotBeWrittenWholeLeavesNothing) {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{50, 50};
         setrlimit(RLIMIT_FSIZE, &limit);
-        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+        return std::string(save(candidates) ? "saved" : "not saved");
     });
     EXPECT_EQ(answer, "not saved");
     EXPECT_THAT(namesIn(folder), IsEmpty());
 }
 
-TEST_F(CleanupHistory, WhatAKillLeftIsGoneAfterTheNextSave) {
+TEST_F(CleanupHistory, ADraftThatAKillLeftIsRemovedByALaterSave) {
     std::ignore = inChildProcess([&] {
         const rlimit nothing{0, 0};
         setrlimit(RLIMIT_CORE, &nothing);
         const rlimit limit{50, 50}; // which ends the process while it writes
         setrlimit(RLIMIT_FSIZE, &limit);
-        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+        return std::string(save(candidates) ? "saved" : "not saved");
     });
-    EXPECT_EQ(namesIn(folder).size(), 1U);
-    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    const auto left = namesIn(folder);
+    ASSERT_EQ(left.size(), 1U);
+    age(left.front(), std::chrono::minutes(61));
+    ASSERT_TRUE(save(candidates));
     EXPECT_THAT(namesIn(folder), ElementsAre(MatchesRegex("cleanup-1769847300-.*\\.json")));
+}
+
+TEST_F(CleanupHistory, ADraftThatAnotherInstanceIsWritingStays) {
+    std::filesystem::create_directories(folder);
+    makeFile(".cleanup-1769847200-01234567.json.new", std::chrono::minutes(59));
+    makeFile(".cleanup-1769840000-01234567.json.new", std::chrono::minutes(61));
+    makeFile(".cleanup.json.new", std::chrono::minutes(61));
+    ASSERT_TRUE(save(candidates));
+    EXPECT_THAT(namesIn(folder), UnorderedElementsAre(".cleanup-1769847200-01234567.json.new",
+                                                      MatchesRegex("cleanup-1769847300-.*\\.json")));
+}
+
+TEST_F(CleanupHistory, EachVersionOfARecordReplacesTheOneBefore) {
+    const auto record = CleanupRecord::startedAt(now);
+    std::vector<CleanupCandidate> moved;
+    for (int count = 1; count <= 3; ++count) {
+        moved.push_back(logAt("/l/" + std::to_string(count), count));
+        ASSERT_TRUE(saveHistory(moved, home.path(), record, count < 3 ? RecordVersion::interim : RecordVersion::last));
+        EXPECT_THAT(namesIn(folder), ElementsAre(record.fileName));
+        EXPECT_EQ(onlyRecord(), cleanupHistoryJson(moved, now));
+    }
+}
+
+TEST_F(CleanupHistory, ARecordThatCannotBeReplacedStaysAsItWas) {
+    const auto record = CleanupRecord::startedAt(now);
+    ASSERT_TRUE(saveHistory(candidates, home.path(), record, RecordVersion::interim));
+    const std::vector two{candidates.front(), logAt("/l/b", 5)};
+    const auto answer = inChildProcess([&] {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{50, 50};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return std::string(saveHistory(two, home.path(), record, RecordVersion::last) ? "saved" : "not saved");
+    });
+    EXPECT_EQ(answer, "not saved");
+    EXPECT_EQ(onlyRecord(), cleanupHistoryJson(candidates, now));
+}
+
+TEST_F(CleanupHistory, OnlyTheLastVersionOfARecordPrunes) {
+    std::filesystem::create_directories(folder);
+    makeFile("91 days.json", std::chrono::days(91));
+    const auto record = CleanupRecord::startedAt(now);
+    ASSERT_TRUE(saveHistory(candidates, home.path(), record, RecordVersion::interim));
+    EXPECT_THAT(namesIn(folder), UnorderedElementsAre("91 days.json", record.fileName));
+    ASSERT_TRUE(saveHistory(candidates, home.path(), record, RecordVersion::last));
+    EXPECT_THAT(namesIn(folder), ElementsAre(record.fileName));
 }
 
 TEST_F(CleanupHistory, AFolderThatMayNotBeWrittenIsNoRecord) {
@@ -240,7 +292,7 @@ TEST_F(CleanupHistory, AFolderThatMayNotBeWrittenIsNoRecord) {
     const auto answer = inChildProcess([&] {
         if (geteuid() == 0 && (setgid(somebody) != 0 || setuid(somebody) != 0)) // root may write anywhere
             return std::string("not another user");
-        return std::string(saveHistory(candidates, home.path(), now) ? "saved" : "not saved");
+        return std::string(save(candidates) ? "saved" : "not saved");
     });
     EXPECT_EQ(answer, "not saved");
     EXPECT_THAT(namesIn(library), IsEmpty());
@@ -268,7 +320,7 @@ TEST_F(CleanupHistory, SavingRemovesRecordsThatAreTooOld) {
     ASSERT_EQ(mkfifo((folder / "fifo.json").c_str(), 0600), 0);
     age("fifo.json", days(400));
 
-    ASSERT_TRUE(saveHistory(candidates, home.path(), now));
+    ASSERT_TRUE(save(candidates));
     auto names = namesIn(folder);
     const auto record = std::ranges::find_if(names, [](const auto& name) { return name.starts_with("cleanup-"); });
     ASSERT_NE(record, names.end());

@@ -25,6 +25,8 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
 
     controller->trashPressed();
     EXPECT_EQ(enabledButtons(), "busy") << "checking";
+    EXPECT_EQ(shown().statusLabel, checkingFilesStatus);
+    EXPECT_FALSE(shown().selectionEnabled);
     EXPECT_THAT(log.only({"cleanup.", "backgroundQueue.", "shell.ask"}),
                 ElementsAre("backgroundQueue.submit userInitiated"));
     log.clear();
@@ -40,6 +42,7 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
     EXPECT_THAT(shell.alert->buttons, ElementsAre("Move to Trash", "Cancel"));
     EXPECT_EQ(enabledButtons(), "") << "asking";
     EXPECT_EQ(shown().statusLabel, summary);
+    EXPECT_FALSE(shown().selectionEnabled);
     log.clear();
 
     answer(AlertAnswer::first);
@@ -50,16 +53,17 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
 
     mainQueue->runNext();
     EXPECT_EQ(enabledButtons(), "busy") << "moving";
+    EXPECT_FALSE(shown().selectionEnabled);
     EXPECT_EQ(shown().statusLabel, "Moving selected items to the Trash…");
     EXPECT_THAT(log.only({"cleanup.", "backgroundQueue."}), ElementsAre("backgroundQueue.submit userInitiated"));
     log.clear();
 
     backgroundQueue->runNext();
-    EXPECT_THAT(log.calls(),
-                ElementsAre("cleanup.coordinate /l/a", "cleanup.moveToTrash /l/a", "cleanup.coordinate /l/c",
-                            "cleanup.moveToTrash /l/c", "cleanup.saveHistory 2", "mainQueue.post"));
-    EXPECT_EQ(disk.recorded[0].url, "/l/a");
-    EXPECT_EQ(disk.recorded[1].url, "/l/c");
+    EXPECT_THAT(log.calls(), ElementsAre("cleanup.coordinate /l/a", "cleanup.moveToTrash /l/a", "cleanup.saveHistory 1",
+                                         "cleanup.coordinate /l/c", "cleanup.moveToTrash /l/c", "cleanup.saveHistory 2",
+                                         "cleanup.saveHistory 2 last", "mainQueue.post"));
+    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
+    EXPECT_EQ(disk.recorded()[1].url, "/l/c");
     log.clear();
 
     mainQueue->runNext();
@@ -68,6 +72,7 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
     EXPECT_EQ(shown().foundCard.detail, "2 files shown; nothing removed automatically");
     EXPECT_EQ(shown().selectionLabel, nothingSelected);
     EXPECT_EQ(enabledButtons(), "scan select ");
+    EXPECT_TRUE(shown().selectionEnabled);
     EXPECT_THAT(log.calls(), ElementsAre("shell.renderCleanupWindow")) << "and no scan follows by itself";
 }
 
@@ -121,14 +126,11 @@ TEST_F(CleanupMove, ACancelledConfirmationChangesNothing) {
     EXPECT_EQ(shell.alert->message, "Move 2 selected items to the Trash?") << "and it can be asked for again";
 }
 
-// Ticked during a scan after which the path is of another category.
+// One path that was found twice: as a log, and as something that may not be moved.
 TEST_F(CleanupMove, AProtectedFileInTheSelectionIsBlockedBeforeAnythingElse) {
-    openWithThreeLogs();
-    controller->scanPressed();
+    openWith({logAt("/l/a"), candidateAt("/l/a", CleanupCategory::largeDownload), logAt("/l/b")});
     tick("/l/a");
     tick("/l/b");
-    disk.report = reportOf({candidateAt("/l/a", CleanupCategory::largeDownload), logAt("/l/b")});
-    settle();
     log.clear();
     controller->trashPressed();
     EXPECT_EQ(shell.alert->message, "Protected files cannot be selected");
@@ -146,15 +148,12 @@ TEST_F(CleanupMove, AProtectedFileInTheSelectionIsBlockedBeforeAnythingElse) {
 }
 
 TEST_F(CleanupMove, NothingButAProtectedFileInTheSelectionIsBlockedToo) {
-    openWithThreeLogs();
-    controller->scanPressed();
+    openWith({logAt("/l/a"), candidateAt("/l/a", CleanupCategory::deviceBackup)});
     tick("/l/a");
-    disk.report = reportOf({candidateAt("/l/a", CleanupCategory::deviceBackup)});
-    settle();
-    EXPECT_EQ(enabledButtons(), "scan ");
     controller->trashPressed();
     EXPECT_EQ(shell.alert->message, "Protected files cannot be selected");
     answer(AlertAnswer::first);
+    EXPECT_EQ(enabledButtons(), "scan select ");
     log.clear();
     controller->trashPressed();
     EXPECT_THAT(log.calls(), IsEmpty()) << "it is out of the selection";
@@ -204,9 +203,9 @@ TEST_F(CleanupMove, OneFailureAmongThreeLeavesOneBehind) {
     EXPECT_EQ(shown().statusLabel, "Moved 2 items to the Trash; 1 could not be moved");
     EXPECT_THAT(rows(), ElementsAre("b selected", "cache"));
     EXPECT_EQ(enabledButtons(), "scan select trash ");
-    ASSERT_EQ(disk.recorded.size(), 2) << "the record is written for those that moved";
-    EXPECT_EQ(disk.recorded[0].url, "/l/a");
-    EXPECT_EQ(disk.recorded[1].url, "/l/c");
+    ASSERT_EQ(disk.recorded().size(), 2) << "the record is written for those that moved";
+    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
+    EXPECT_EQ(disk.recorded()[1].url, "/l/c");
 }
 
 TEST_F(CleanupMove, AFileThatIsMovedAwayDuringCoordinationIsLeftAlone) {
@@ -277,9 +276,6 @@ class CleanupMoveStepsBeforeTheMove : public CleanupMoveSteps {};
 TEST_P(CleanupMoveSteps, NoScanAndNoSecondMoveCanStart) {
     goThere();
     const auto waiting = backgroundQueue->waitingCount() + mainQueue->postedCount();
-    tick("/l/b");
-    controller->selectSuggestedPressed();
-    EXPECT_FALSE(shown().trashButton.enabled) << "whatever is ticked meanwhile";
     controller->modeChanged(CleanupWindowMode::storageGuide);
     controller->modeChanged(CleanupWindowMode::filesFound);
     EXPECT_FALSE(shown().trashButton.enabled || shown().scanButton.enabled || shown().selectSuggestedButton.enabled);
@@ -293,17 +289,23 @@ TEST_P(CleanupMoveSteps, NoScanAndNoSecondMoveCanStart) {
     EXPECT_EQ(backgroundQueue->waitingCount() + mainQueue->postedCount(), waiting);
 }
 
-TEST_P(CleanupMoveSteps, WhatIsTickedMeanwhileIsNotMovedAlong) {
+TEST_P(CleanupMoveSteps, TheSelectionCannotChange) {
     goThere();
+    EXPECT_FALSE(shown().selectionEnabled);
     tick("/l/b");
+    tick("/l/a", false);
+    controller->selectSuggestedPressed();
+    EXPECT_THAT(log.calls(), IsEmpty());
+    EXPECT_EQ(shown().selectionLabel, "1 selected · 1 MB will move to Trash");
     settle();
     if (!GetParam().confirmed)
         answer(AlertAnswer::first);
     settle();
-    ASSERT_EQ(disk.recorded.size(), 1);
-    EXPECT_EQ(disk.recorded[0].url, "/l/a");
-    EXPECT_THAT(rows(), ElementsAre("b selected", "c", "cache"));
+    ASSERT_EQ(disk.recorded().size(), 1);
+    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
+    EXPECT_THAT(rows(), ElementsAre("b", "c", "cache"));
     EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash · a privacy-safe local record was saved");
+    EXPECT_TRUE(shown().selectionEnabled);
 }
 
 TEST_P(CleanupMoveSteps, NothingIsDoneOnceTheControllerIsGone) {
@@ -321,12 +323,40 @@ TEST_P(CleanupMoveSteps, NothingIsDoneOnceTheControllerIsGone) {
 TEST_P(CleanupMoveStepsBeforeTheMove, AWindowThatIsClosedMovesNothing) {
     goThere();
     shell.cleanupWindowShown = false;
+    controller->windowClosed();
     if (shell.answer)
         answer(AlertAnswer::last); // as the front end does when its window is closed
     settle();
     EXPECT_THAT(log.only({"cleanup.coordinate", "cleanup.moveToTrash", "shell.ask"}), IsEmpty());
     EXPECT_EQ(enabledButtons(), "scan select trash ");
     EXPECT_THAT(rows(), ElementsAre("a selected", "b", "c", "cache"));
+}
+
+// A check that hangs must not hold up the window for ever.
+TEST_P(CleanupMoveStepsBeforeTheMove, ACheckIsGivenUpByEscapeAndByClosingTheWindow) {
+    for (const bool byEscape : {true, false}) {
+        goThere();
+        if (GetParam().asks)
+            return; // the front end answers the sheet
+        if (byEscape)
+            controller->cancelPressed();
+        else
+            controller->windowClosed();
+        EXPECT_EQ(enabledButtons(), "scan select trash ") << "at once";
+        EXPECT_TRUE(shown().selectionEnabled);
+        EXPECT_EQ(shown().statusLabel, summary);
+        tick("/l/b");
+        controller->trashPressed();
+        log.clear();
+        if (GetParam().blocks == 0)
+            backgroundQueue->runNext();
+        mainQueue->runNext();
+        EXPECT_EQ(enabledButtons(), "busy") << "the answer to the first check is not one to the second";
+        settle();
+        EXPECT_THAT(log.only({"shell.ask"}), ElementsAre("shell.ask Move 2 selected items to the Trash?"));
+        answer(AlertAnswer::last);
+        EXPECT_EQ(log.count("cleanup.moveToTrash"), 0);
+    }
 }
 
 const std::vector<Step> stepsBeforeTheMove{{"checking", 0, false, false},
@@ -336,6 +366,17 @@ const std::vector<Step> stepsBeforeTheMove{{"checking", 0, false, false},
                                            {"checkedAgain", 1, true, false}};
 const std::vector<Step> stepsOfTheMove{{"moving", 2, true, false}, {"moved", 3, true, false}};
 const auto nameOf = [](const auto& step) { return step.param.name; };
+
+TEST_P(CleanupMoveSteps, EscapeDoesNothingToASheetOrAMove) {
+    goThere();
+    if (!GetParam().asks && !(GetParam().confirmed && GetParam().blocks >= 2))
+        return;
+    const auto before = shown();
+    controller->cancelPressed();
+    controller->windowClosed();
+    EXPECT_EQ(shown(), before);
+    EXPECT_THAT(log.calls(), IsEmpty());
+}
 
 INSTANTIATE_TEST_SUITE_P(BeforeTheMove, CleanupMoveSteps, testing::ValuesIn(stepsBeforeTheMove), nameOf);
 INSTANTIATE_TEST_SUITE_P(InTheMove, CleanupMoveSteps, testing::ValuesIn(stepsOfTheMove), nameOf);
@@ -350,6 +391,66 @@ TEST_F(CleanupMove, AConfirmationOfAWindowThatIsGoneMovesNothing) {
     settle();
     EXPECT_THAT(log.only({"cleanup.", "backgroundQueue."}), IsEmpty());
     EXPECT_EQ(enabledButtons(), "scan select trash ");
+}
+
+TEST_F(CleanupMove, AFileThatLiesElsewhereIsNamedAndInNeitherCount) {
+    openWithThreeLogs();
+    disk.moves["/l/a"] = {TrashMove::Outcome::misplaced, "something else was in its place", "/trash/files/a"};
+    disk.moves["/l/b"] = {.reason = "it was modified after the scan"};
+    askToMove({"/l/a", "/l/b", "/l/c"});
+    answer(AlertAnswer::first);
+    settle();
+    EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash; 1 could not be moved");
+    ASSERT_EQ(disk.recorded().size(), 1);
+    EXPECT_EQ(disk.recorded()[0].url, "/l/c");
+    EXPECT_THAT(rows(), ElementsAre("b selected", "cache")) << "it is not where it was found";
+    ASSERT_TRUE(shell.alert);
+    EXPECT_EQ(shell.alert->message, "Some items could not be put back");
+    EXPECT_EQ(shell.alert->informativeText,
+              "a: it is at /trash/files/a\n\nThey were changed while they were being moved. Nothing was deleted.");
+    EXPECT_THAT(shell.alert->buttons, ElementsAre("OK"));
+    EXPECT_EQ(enabledButtons(), "");
+    answer(AlertAnswer::last);
+    EXPECT_EQ(enabledButtons(), "scan select trash ");
+}
+
+TEST_F(CleanupMove, AFileThatLiesElsewhereBringsAClosedWindowBack) {
+    openWithThreeLogs();
+    disk.moves["/l/a"] = {TrashMove::Outcome::misplaced, "something else was in its place", "/trash/files/a"};
+    askToMove({"/l/a"});
+    answer(AlertAnswer::first);
+    backgroundQueue->runNext();
+    mainQueue->runNext();
+    shell.cleanupWindowShown = false;
+    controller->windowClosed();
+    settle();
+    EXPECT_TRUE(shell.cleanupWindowShown);
+    EXPECT_EQ(shell.alert->message, "Some items could not be put back");
+}
+
+TEST_F(CleanupMove, TheEndOfTheProcessStopsAMoveAfterTheFileInHand) {
+    openWithThreeLogs();
+    disk.beforeMove = [this](const CleanupCandidate& candidate) {
+        if (candidate.url == "/l/b")
+            controller->applicationWillTerminate();
+    };
+    askToMove({"/l/a", "/l/b", "/l/c"});
+    answer(AlertAnswer::first);
+    settle();
+    EXPECT_THAT(log.only({"cleanup.moveToTrash"}), ElementsAre("cleanup.moveToTrash /l/a", "cleanup.moveToTrash /l/b"));
+    EXPECT_EQ(disk.recorded().size(), 2) << "and the record is complete";
+}
+
+TEST_F(CleanupMove, TheEndOfTheProcessKeepsAMoveFromBeginning) {
+    openWithThreeLogs();
+    askToMove({"/l/a"});
+    answer(AlertAnswer::first);
+    backgroundQueue->runNext();
+    mainQueue->runNext(); // the move waits in the queue
+    controller->applicationWillTerminate();
+    log.clear();
+    backgroundQueue->runNext();
+    EXPECT_EQ(log.count("cleanup."), 0);
 }
 
 TEST_F(CleanupMove, AMoveThatHangsLeavesTheWindowMoving) {

@@ -1,6 +1,8 @@
 #include "cleanup/window/CleanupServices.h"
 #include "cleanup/window/CleanupHistory.h"
 #include "tests/cleanup/window/Candidates.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/InterceptedCall.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -8,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 namespace vantry {
 
@@ -46,10 +49,29 @@ TEST_F(RealCleanupServices, ValidateAndRecordWhatIsThere) {
     const auto candidate = oldLog("painter.log");
     EXPECT_EQ(services.validationFailure(candidate), std::nullopt);
     const std::vector moved{candidate};
-    EXPECT_TRUE(services.saveHistory(moved));
+    EXPECT_TRUE(services.saveHistory(moved, CleanupRecord::startedAt(services.now()), RecordVersion::last));
     EXPECT_FALSE(std::filesystem::is_empty(cleanupHistoryFolder(folder.path())));
     writeFile(candidate.url, "another text");
     EXPECT_NE(services.validationFailure(candidate), std::nullopt);
+}
+
+TEST_F(RealCleanupServices, WaitForTheDiskWithTheLastVersionOfARecordOnly) {
+    const auto syncsOf = [&](RecordVersion version) {
+        return inChildProcess([&] {
+            static int syncs = 0;
+            if (!interceptCall(SYS_fsync, [](int count) { syncs = count; }))
+                return std::string("not intercepted");
+            const auto services = systemCleanupServices();
+            const std::vector moved{oldLog("painter.log")};
+            const bool saved = services.saveHistory(moved, CleanupRecord::startedAt(services.now()), version);
+            return saved ? std::to_string(syncs) : std::string("not saved");
+        });
+    };
+    const auto interim = syncsOf(RecordVersion::interim);
+    if (interim == "not intercepted")
+        GTEST_SKIP() << "no calls are intercepted here";
+    EXPECT_EQ(interim, "0");
+    EXPECT_EQ(syncsOf(RecordVersion::last), "2") << "the file, then its folder";
 }
 
 TEST_F(RealCleanupServices, MoveWhatWasValidated) {
@@ -93,7 +115,8 @@ TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
     const auto moved = services.moveToTrash(candidate);
     EXPECT_EQ(moved.outcome, TrashMove::Outcome::notMoved);
     EXPECT_EQ(moved.reason, "the home folder could not be verified");
-    EXPECT_FALSE(services.saveHistory(std::vector{candidate}));
+    EXPECT_FALSE(
+        services.saveHistory(std::vector{candidate}, CleanupRecord::startedAt(services.now()), RecordVersion::last));
     EXPECT_TRUE(std::filesystem::exists(candidate.url));
     EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
 }

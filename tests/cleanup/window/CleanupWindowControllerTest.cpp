@@ -153,7 +153,7 @@ TEST_F(CleanupWindow, AScanThatIsRunAgainBeginsWithoutASelection) {
     EXPECT_EQ(enabledButtons(), "scan select trash ");
     controller->scanPressed();
     EXPECT_EQ(enabledButtons(), "busy");
-    EXPECT_THAT(rows(), ElementsAre("a", "b")) << "what is known stays until something else is";
+    EXPECT_EQ(shown().foundCard.detail, "2 files shown; nothing removed automatically") << "until more is known";
     EXPECT_EQ(shown().selectionLabel, nothingSelected);
     EXPECT_EQ(shown().statusLabel, checkingStatus);
     disk.report = reportOf({logAt("/l/c")});
@@ -166,15 +166,36 @@ TEST_F(CleanupWindow, PressingScanAgainSeveralTimesScansOnceAndClearsTheSelectio
     openWith({logAt("/l/a"), logAt("/l/b")});
     controller->selectSuggestedPressed();
     controller->scanPressed();
-    tick("/l/a");
+    EXPECT_EQ(shown().selectionLabel, nothingSelected);
     controller->scanPressed();
     controller->scanPressed();
     EXPECT_EQ(backgroundQueue->waitingCount(), 1);
     EXPECT_EQ(log.count("workspace.runningBundleIdentifiers"), 1);
-    EXPECT_EQ(enabledButtons(), "busy") << "what is ticked meanwhile can not be moved yet";
     settle();
-    EXPECT_THAT(rows(), ElementsAre("a selected", "b"));
-    EXPECT_EQ(enabledButtons(), "scan select trash ");
+    EXPECT_THAT(rows(), ElementsAre("a", "b"));
+    EXPECT_EQ(enabledButtons(), "scan select ");
+}
+
+TEST_F(CleanupWindow, NothingOfTheOldResultsCanBeTickedDuringAScan) {
+    openWith({logAt("/l/a"), logAt("/l/b")});
+    controller->scanPressed();
+    EXPECT_EQ(shown().emptyState->title, "Checking storage…");
+    EXPECT_THAT(shown().sections, IsEmpty());
+    EXPECT_FALSE(shown().selectionEnabled);
+    log.clear();
+    tick("/l/a");
+    controller->selectSuggestedPressed();
+    controller->cancelPressed();
+    EXPECT_THAT(log.calls(), IsEmpty());
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    EXPECT_EQ(shown().sections.size(), 6) << "the guide keeps what is known";
+    controller->modeChanged(CleanupWindowMode::filesFound);
+    EXPECT_EQ(shown().emptyState->title, "Checking storage…");
+    settle();
+    EXPECT_FALSE(shown().emptyState);
+    EXPECT_THAT(rows(), ElementsAre("a", "b"));
+    EXPECT_EQ(shown().selectionLabel, nothingSelected);
+    EXPECT_TRUE(shown().selectionEnabled);
 }
 
 TEST_F(CleanupWindow, ScansAgainWhenItIsOpenedAgain) {

@@ -84,6 +84,7 @@ protected:
 inline const std::string measuringStatus = "Measuring storage and checking only approved low-risk locations…";
 inline const std::string checkingStatus =
     "Checking cleanup avenues locally without reading personal document contents…";
+inline const std::string checkingFilesStatus = "Checking that the selected items have not changed…";
 inline const std::string guideStatus =
     "37 storage areas covered · “Used here” is everything measured in that area. “Shown” is only the smaller set of "
     "files worth checking.";

@@ -61,7 +61,7 @@ TEST_F(CleanupWindowLifetime, AMoveGoesOnAndIsRecordedWhenItsControllerGoesMeanw
     log.clear();
     settle();
     EXPECT_EQ(log.count("cleanup.moveToTrash"), 2);
-    EXPECT_EQ(disk.recorded.size(), 2);
+    EXPECT_EQ(disk.recorded().size(), 2);
     EXPECT_THAT(log.only({"shell.renderCleanupWindow", "shell.ask"}).size(), testing::Le(1)) << "the moving state";
 }
 

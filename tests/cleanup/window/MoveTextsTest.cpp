@@ -41,6 +41,19 @@ TEST(MoveTexts, TheAlertsAboutChangedFilesListFourOfThem) {
     }
 }
 
+TEST(MoveTexts, TheAlertAboutMisplacedItemsNamesEachAndWhereItIs) {
+    std::vector<MisplacedItem> items;
+    std::string expected;
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
+        items.push_back({logAt(std::string("/l/") + name), std::string("/trash/") + name + "\n2"});
+        expected += std::string(name) + ": it is at /trash/" + name + "\xef\xbf\xbd" + "2\n";
+    }
+    EXPECT_EQ(misplacedAlert(items),
+              (AlertContent{"Some items could not be put back",
+                            expected + "\nThey were changed while they were being moved. Nothing was deleted.",
+                            {"OK"}}));
+}
+
 TEST(MoveTexts, AFailureIsOneLineWhateverTheNameHolds) {
     EXPECT_EQ(failureLine(logAt("/l/painter.log"), "it changed"), "painter.log: it changed");
     EXPECT_EQ(failureLine(logAt("/l/a\n\nNothing"), "it changed"), "a\xef\xbf\xbd\xef\xbf\xbdNothing: it changed");

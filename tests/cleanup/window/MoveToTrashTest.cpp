@@ -23,6 +23,7 @@ protected:
 
     FakeCleanupServices disk{std::make_shared<FakeCallLog>()};
     std::vector<CleanupCandidate> candidates{logAt("/l/a"), logAt("/l/b"), logAt("/l/c")};
+    MoveControl control;
     MoveOutcome outcome;
 };
 
@@ -65,20 +66,22 @@ TEST_F(MoveToTrash, GoesOnAfterEveryKindOfFailure) {
         SCOPED_TRACE(name);
         FakeCleanupServices fresh{std::make_shared<FakeCallLog>()};
         arrange(fresh);
-        outcome = moveToTrash(fresh.services(), candidates);
+        MoveControl own;
+        outcome = moveToTrash(fresh.services(), candidates, own);
         EXPECT_EQ(movedNames(), moved);
         EXPECT_EQ(outcome.failureLines, failures);
         EXPECT_EQ(fresh.log->count("cleanup.coordinate"), 3);
-        EXPECT_EQ(fresh.log->count("cleanup.saveHistory"), moved.empty() ? 0 : 1);
+        EXPECT_EQ(fresh.log->count("cleanup.saveHistory"), moved.empty() ? 0 : static_cast<int>(moved.size()) + 1);
         EXPECT_EQ(outcome.recordWritten, !moved.empty());
-        EXPECT_EQ(fresh.recorded, outcome.moved);
+        EXPECT_EQ(fresh.recorded(), outcome.moved);
+        EXPECT_THAT(outcome.misplaced, IsEmpty());
     }
 }
 
 TEST_F(MoveToTrash, AnAccessorThatIsNeverCalledIsAFailure) {
     auto services = disk.services();
     services.coordinateMoving = [](const auto&, const auto&) { return Result<void>(); };
-    outcome = moveToTrash(services, candidates);
+    outcome = moveToTrash(services, candidates, control);
     EXPECT_THAT(movedNames(), IsEmpty());
     EXPECT_EQ(outcome.failureLines.size(), 3);
     EXPECT_EQ(disk.log->count("cleanup.moveToTrash"), 0);
@@ -86,9 +89,85 @@ TEST_F(MoveToTrash, AnAccessorThatIsNeverCalledIsAFailure) {
 
 TEST_F(MoveToTrash, SaysWhenTheRecordCouldNotBeWritten) {
     disk.historyCanBeWritten = false;
-    outcome = moveToTrash(disk.services(), candidates);
+    outcome = moveToTrash(disk.services(), candidates, control);
     EXPECT_THAT(movedNames(), ElementsAre("a", "b", "c"));
     EXPECT_FALSE(outcome.recordWritten);
+}
+
+TEST_F(MoveToTrash, RecordsEachFileBeforeTheNextOneMoves) {
+    outcome = moveToTrash(disk.services(), candidates, control);
+    EXPECT_THAT(disk.log->only({"cleanup.moveToTrash", "cleanup.saveHistory"}),
+                ElementsAre("cleanup.moveToTrash /l/a", "cleanup.saveHistory 1", "cleanup.moveToTrash /l/b",
+                            "cleanup.saveHistory 2", "cleanup.moveToTrash /l/c", "cleanup.saveHistory 3",
+                            "cleanup.saveHistory 3 last"));
+    EXPECT_EQ(disk.records.size(), 1) << "one record, under one name";
+}
+
+TEST_F(MoveToTrash, TheRecordBearsTheTimeOfItsFirstFile) {
+    std::vector<CleanupRecord> used;
+    auto services = disk.services();
+    services.saveHistory = [&](auto, const CleanupRecord& record, RecordVersion) {
+        used.push_back(record);
+        disk.now += std::chrono::seconds(10);
+        return true;
+    };
+    disk.moves["/l/a"] = {.reason = "no"};
+    const auto begin = disk.now;
+    outcome = moveToTrash(services, candidates, control);
+    ASSERT_EQ(used.size(), 3);
+    EXPECT_EQ(used[0].movedAt, begin);
+    EXPECT_EQ(used[1], used[0]);
+    EXPECT_EQ(used[2], used[0]);
+}
+
+TEST_F(MoveToTrash, TheLastVersionOfTheRecordDecidesWhetherItWasWritten) {
+    for (const bool lastIsWritten : {true, false}) {
+        auto services = disk.services();
+        services.saveHistory = [&](auto, const CleanupRecord&, RecordVersion version) {
+            return (version == RecordVersion::last) == lastIsWritten;
+        };
+        MoveControl fresh;
+        EXPECT_EQ(moveToTrash(services, candidates, fresh).recordWritten, lastIsWritten);
+    }
+}
+
+TEST_F(MoveToTrash, AMisplacedItemIsNeitherMovedNorInItsPlace) {
+    disk.moves["/l/b"] = {TrashMove::Outcome::misplaced, "something else was in its place", "/trash/files/b"};
+    outcome = moveToTrash(disk.services(), candidates, control);
+    EXPECT_THAT(movedNames(), ElementsAre("a", "c"));
+    EXPECT_THAT(outcome.failureLines, IsEmpty());
+    EXPECT_THAT(outcome.misplaced, ElementsAre(MisplacedItem{candidates[1], "/trash/files/b"}));
+    EXPECT_EQ(disk.recorded(), outcome.moved);
+}
+
+// A coordinator may report an error after it let the file be moved.
+TEST_F(MoveToTrash, AnErrorOfTheCoordinationDoesNotUndoAMove) {
+    auto services = disk.services();
+    services.coordinateMoving = [](const auto& path, const auto& accessor) -> Result<void> {
+        accessor(path);
+        return std::unexpected(Error{ErrorKind::system, "The connection was interrupted."});
+    };
+    outcome = moveToTrash(services, candidates, control);
+    EXPECT_THAT(movedNames(), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(outcome.failureLines, IsEmpty());
+}
+
+TEST_F(MoveToTrash, StopsBetweenTwoFilesAndWritesTheRecord) {
+    disk.beforeMove = [this](const CleanupCandidate& candidate) {
+        if (candidate.url == "/l/b")
+            control.stop(std::chrono::milliseconds(0));
+    };
+    outcome = moveToTrash(disk.services(), candidates, control);
+    EXPECT_THAT(movedNames(), ElementsAre("a", "b"));
+    EXPECT_THAT(outcome.failureLines, IsEmpty()) << "the third was not tried";
+    EXPECT_TRUE(outcome.recordWritten);
+    EXPECT_EQ(disk.recorded(), outcome.moved);
+}
+
+TEST_F(MoveToTrash, TouchesNothingWhenItIsStoppedBeforeItBegins) {
+    control.stop(std::chrono::hours(1)); // there is nothing to wait for
+    outcome = moveToTrash(disk.services(), candidates, control);
+    EXPECT_THAT(disk.log->calls(), IsEmpty());
 }
 
 TEST_F(MoveToTrash, ListsEveryCandidateThatMayNotBeMoved) {
