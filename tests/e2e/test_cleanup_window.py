@@ -1,140 +1,19 @@
 """The "Free Up Space" window: opened, read as a screen reader reads it, and used to move files to the Trash."""
 
-import configparser
 import json
 import os
 import re
 import subprocess
 import time
-from datetime import datetime
 from pathlib import Path
-from urllib.parse import quote, unquote_to_bytes
-
-from gi.repository import GLib
+from urllib.parse import quote
 
 from bus import FileManager
-from case import DesktopCase
+from cleanup_case import LOW_RISK, MIB, NOTHING_SELECTED, CleanupCase
 from waiting import holds, wait_for_equal, wait_until
 
-DAY = 86400
-MIB = 1 << 20
-NOTHING_SELECTED = "Nothing selected · Only low-risk files can be selected"
-LOW_RISK = {"Downloads/Painter.dmg": 6 * MIB, "Downloads/film.part": 5 * MIB, "Library/Logs/old.log": MIB,
-            "Library/Logs/older.log": 2 * MIB, "Library/Logs/DiagnosticReports/crash.ips": MIB}
-REVIEW = {"Downloads/photos.zip": 30 * MIB}
 
-
-def wait_for(read, what):
-    """Waits for a true result; what goes away while it is read is read again."""
-    def patiently():
-        try:
-            return read()
-        except (GLib.Error, LookupError):
-            return None
-
-    return wait_until(patiently, what)
-
-
-class CleanupWindow(DesktopCase):
-    options = {"size": "1100x900"}
-
-    # ---- a home folder with something in it
-
-    def make_home(self, files=None):
-        home = self.desktop.new_home()
-        for name, size in (LOW_RISK | REVIEW if files is None else files).items():
-            self.make_file(home, name, size)
-        return home
-
-    def make_file(self, home, name, size, age=100 * DAY, contents=b""):
-        path = home.folder / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        with open(path, "wb") as file:
-            file.write(contents)
-            os.posix_fallocate(file.fileno(), 0, size)
-        moment = time.time() - age
-        os.utime(path, (moment, moment))
-        return path
-
-    def trash(self, home):
-        return home.folder / ".local/share/Trash"
-
-    def trashed(self, home):
-        """What is in the Trash: the original place of each file by its name there."""
-        found = {}
-        for info in sorted((self.trash(home) / "info").glob("*")):
-            parser = configparser.RawConfigParser()
-            parser.read(info)
-            datetime.strptime(parser["Trash Info"]["DeletionDate"], "%Y-%m-%dT%H:%M:%S")
-            found[info.name.removesuffix(".trashinfo")] = os.fsdecode(unquote_to_bytes(parser["Trash Info"]["Path"]))
-        self.assertEqual(sorted(found), sorted(os.listdir(self.trash(home) / "files")) if found else [])
-        return found
-
-    def records(self, home):
-        folder = home.folder / "Library/Application Support/Ombrel/Cleanup History"
-        return sorted(folder.iterdir()) if folder.exists() else []
-
-    # ---- the window
-
-    def open(self, home=None, ready=True):
-        home = home or self.make_home()
-        application = self.start(home=home, arguments=["--show-cleanup"])
-        application.wait_for_strip()
-        return application, self.window(application, ready)
-
-    def window(self, application, ready=True):
-        def found():
-            return next((each for each in application.accessible().children if each.name == "Ombrel · Free Up Space"), None)
-
-        window = wait_for(found, "the window")
-        if ready:
-            self.wait_for_text(window, " can be selected")
-        return window
-
-    def texts(self, window):
-        return [each.name for each in window.walk() if each.role in ("label", "heading") and each.has("showing")]
-
-    def wait_for_text(self, window, text):
-        return wait_for(lambda: next((each for each in self.texts(window) if text in each), None), f"{text!r}")
-
-    def button(self, window, title):
-        return window.find("push button", title)
-
-    def press(self, window, title):
-        self.click_on(self.button(window, title))
-
-    def box(self, window, title):
-        return window.find("check box", f"Select low-risk file {title}")
-
-    def rows(self, window):
-        return [each.name for each in window.find_all("list item")]
-
-    def sheet(self, application, message):
-        """Once it is in its place and has the keyboard."""
-        def found():
-            focus = self.desktop.accessibility.focus()
-            sheet = next((each for each in application.accessible().children if each.name == message), None)
-            return sheet and focus in sheet.find_all("push button") and sheet
-
-        sheet = wait_for(found, f"the sheet {message!r}")
-        self.desktop.screen.steady_picture()
-        return sheet
-
-    def answer(self, application, message, title):
-        """Presses a button of the sheet and waits for the sheet to close. What it said beside its message."""
-        sheet = self.sheet(application, message)
-        said = sheet.description
-        self.press(sheet, title)
-        self.wait_until_no_sheet(application, message)
-        return said
-
-    def wait_until_no_sheet(self, application, message):
-        wait_for(lambda: all(each.name != message for each in application.accessible().children), "the sheet to close")
-
-    def select_and_ask(self, application, window):
-        self.press(window, "Select Low-Risk Files")
-        wait_until(lambda: self.button(window, "Move to Trash…").has("enabled"), "the button to move")
-        self.press(window, "Move to Trash…")
+class CleanupWindow(CleanupCase):
 
     # ---- opening
 
