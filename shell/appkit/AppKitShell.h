@@ -4,6 +4,7 @@
 #include "app/Shell.h"
 #include "shell/appkit/CleanupWindow.h"
 #include "shell/appkit/ContextMenuRenderer.h"
+#include "shell/appkit/KeyGuard.h"
 #include "shell/appkit/PopoverWindow.h"
 #include "shell/appkit/StatusItem.h"
 
@@ -43,6 +44,7 @@ private:
 
     [[nodiscard]] CleanupWindow& cleanupWindow();
 
+    KeyGuard keyGuard_;
     Target delegate_ = std::make_shared<std::weak_ptr<AppDelegate>>();
     OmbrelMenuTarget* menuTarget_;
     StatusItem statusItem_;

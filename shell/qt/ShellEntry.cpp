@@ -4,13 +4,13 @@
 #include "app/TerminationSignals.h"
 #include "shell/qt/BarWidget.h"
 #include "shell/qt/CleanupControls.h"
+#include "shell/qt/GuardedApplication.h"
 #include "shell/qt/QtMainQueue.h"
 #include "shell/qt/QtPreferencesStore.h"
 #include "shell/qt/QtShell.h"
 #include "shell/qt/QtWorkspace.h"
 #include "shell/qt/X11WindowList.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
@@ -76,7 +76,7 @@ int runShell(ShellLaunch launch) {
     char name[] = "ombrel";
     char* argumentValues[] = {name, nullptr};
     QApplication::setDesktopFileName(QStringLiteral("app.ombrel.Ombrel"));
-    QApplication application(argumentCount, argumentValues);
+    GuardedApplication application(argumentCount, argumentValues);
     QApplication::setApplicationName(QStringLiteral("ombrel"));
     installBarAccessibility();
     installCleanupAccessibility();

@@ -138,9 +138,27 @@ class Screen:
         self.release_button(button)
         self._clicked = time.monotonic()
 
+    def _key_code(self, name):
+        return self.display.keysym_to_keycode(XK.string_to_keysym(name))
+
+    def press_key(self, name):
+        """Holds a key down; the server repeats it until it is released."""
+        xtest.fake_input(self.display, X.KeyPress, self._key_code(name))
+        self.display.sync()
+
+    def release_key(self, name):
+        xtest.fake_input(self.display, X.KeyRelease, self._key_code(name))
+        self.display.sync()
+
+    def repeat_key(self, name):
+        """One repetition of a key that is held, as a server sends it: a release with a press right behind it."""
+        xtest.fake_input(self.display, X.KeyRelease, self._key_code(name))
+        xtest.fake_input(self.display, X.KeyPress, self._key_code(name))
+        self.display.sync()
+
     def key(self, name, *modifiers):
         """Presses and releases a key, with others held: `key("q", "Control_L")`."""
-        codes = [self.display.keysym_to_keycode(XK.string_to_keysym(each)) for each in (*modifiers, name)]
+        codes = [self._key_code(each) for each in (*modifiers, name)]
         for code in codes:
             xtest.fake_input(self.display, X.KeyPress, code)
         for code in reversed(codes):

@@ -183,6 +183,50 @@ class CleanupWindow(CleanupCase):
         self.wait_for_text(window, "Moved 1 item to the Trash")
         self.assertEqual(list(self.trashed(home).values()), [str(home.folder / "Library/Logs/old.log")])
 
+    def test_a_held_key_confirms_nothing_and_a_fresh_press_does(self):
+        message = "Move 1 selected item to the Trash?"
+        for key in ("Return", "KP_Enter", "space"):
+            with self.subTest(key=key):
+                home = self.make_home({"Library/Logs/old.log": MIB})
+                application, window = self.open(home)
+                self.press(window, "Select Low-Risk Files")
+                button = self.button(window, "Move to Trash…")
+                wait_until(lambda: button.has("enabled"), "the button to move")
+                button.do("setfocus")
+                wait_until(lambda: button.has("focused"), "the focus on the button")
+                self.desktop.screen.press_key(key)
+                if key == "space":  # which acts when it comes up
+                    button.do("press")
+                self.sheet(application, message)
+                holds(lambda: not self.trash(home).exists(), "the absence of a Trash", seconds=2)
+                for _repetition in range(5):
+                    self.desktop.screen.repeat_key(key)
+                    holds(lambda: not self.trash(home).exists(), "the absence of a Trash")
+                self.desktop.screen.release_key(key)
+                holds(lambda: not self.trash(home).exists(), "the absence of a Trash")
+                self.assertEqual(len(application.windows("DIALOG")), 1)
+                self.desktop.screen.key(key)
+                self.wait_for_text(window, "Moved 1 item to the Trash")
+                self.assertEqual(application.close(), 0)
+
+    def test_a_key_that_is_held_elsewhere_presses_no_button_of_the_window(self):
+        home = self.make_home({"Library/Logs/old.log": MIB})
+        application, window = self.open(home)
+        self.press(window, "Select Low-Risk Files")
+        self.wait_for_text(window, "1 selected")
+        box = self.box(window, "old.log")
+        box.do("setfocus")
+        wait_until(lambda: box.has("focused"), "the focus on the check box")
+        self.desktop.screen.press_key("Return")
+        self.wait_for_text(window, NOTHING_SELECTED)
+        for _repetition in range(5):
+            self.desktop.screen.repeat_key("Return")
+            holds(lambda: not box.has("checked"), "the empty check box")
+        self.desktop.screen.release_key("Return")
+        holds(lambda: not box.has("checked"), "the empty check box")
+        self.desktop.screen.key("Return")
+        self.wait_for_text(window, "1 selected")
+
     # ---- refusals
 
     def test_files_that_changed_since_the_scan_are_named_four_at_most_and_nothing_moves(self):

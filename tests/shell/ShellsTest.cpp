@@ -77,8 +77,10 @@ const std::vector<Exception> exceptions = {
 };
 
 /// Files with another name in the other front end.
-const std::map<std::string, std::string> otherNames = {
-    {"BarWidget", "BarView"}, {"ViewWidget", "DrawnView"}, {"TrayItem", "StatusItem"}};
+const std::map<std::string, std::string> otherNames = {{"BarWidget", "BarView"},
+                                                       {"GuardedApplication", "KeyGuard"},
+                                                       {"ViewWidget", "DrawnView"},
+                                                       {"TrayItem", "StatusItem"}};
 
 /// Files without a counterpart.
 const std::map<std::string, std::string_view> qtOnly = {

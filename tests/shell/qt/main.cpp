@@ -1,8 +1,7 @@
 #include "shell/qt/CleanupControls.h"
+#include "shell/qt/GuardedApplication.h"
 
 #include <gtest/gtest.h>
-
-#include <QApplication>
 
 // The toolkit's libraries are not built for the thread sanitizer, which cannot see how their own threads agree.
 // NOLINTNEXTLINE(readability-identifier-naming): named by the thread sanitizer
@@ -11,7 +10,7 @@ extern "C" const char* __tsan_default_suppressions() { return "race:libQt6Core.s
 int main(int count, char** arguments) {
     testing::InitGoogleTest(&count, arguments);
     qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed, and none is used
-    const QApplication application(count, arguments);
+    const vantry::GuardedApplication application(count, arguments);
     vantry::installCleanupAccessibility(); // before there is a widget, as the front end does
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,38 @@
+#include "shell/qt/GuardedApplication.h"
+
+#include <QKeyEvent>
+#include <algorithm>
+#include <array>
+
+namespace vantry {
+
+namespace {
+
+constexpr std::array guardedKeys{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape};
+constexpr quint64 shortestRelease = 30; // milliseconds; no finger is faster
+
+} // namespace
+
+// Ahead of all event filters: the one of the bridge to screen readers replaces the events by copies without a time.
+bool GuardedApplication::notify(QObject* receiver, QEvent* event) {
+    return isRepetition(*receiver, *event) || QApplication::notify(receiver, event);
+}
+
+// X11 repeats a key with pairs of a release and a press of the same time. Qt marks them as repetitions only if it finds
+// the press in its queue when it reads the release, so the times count as well. An event without a time has time 0.
+bool GuardedApplication::isRepetition(const QObject& receiver, const QEvent& event) {
+    const bool isPress = event.type() == QEvent::KeyPress;
+    if ((!isPress && event.type() != QEvent::KeyRelease) || !receiver.isWindowType())
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    if (std::ranges::find(guardedKeys, key.key()) == guardedKeys.end())
+        return false;
+    quint64& release = releases_[key.key()];
+    if (isPress)
+        return key.isAutoRepeat() || (key.timestamp() != 0 && key.timestamp() - release <= shortestRelease);
+    if (key.timestamp() != 0)
+        release = key.timestamp();
+    return false;
+}
+
+} // namespace vantry
