@@ -1,5 +1,6 @@
 #include "shell/appkit/AlertSheet.h"
 
+#include "cleanup/window/AlertText.h"
 #include "shell/appkit/AppKitConversions.h"
 
 #include <AppKit/AppKit.h>
@@ -8,11 +9,27 @@
 
 namespace vantry {
 
+namespace {
+
+constexpr Font textFont{11};
+constexpr CGFloat textWidth = 220; // a little less than an alert has room for
+
+double widthOf(const std::string& text) {
+    NSFont* font = nsFont(textFont);
+    return
+        [[NSAttributedString alloc] initWithString:nsString(text) attributes:@{NSFontAttributeName : font}].size.width;
+}
+
+} // namespace
+
 void showAlertSheet(const AlertContent& alert, std::function<void(AlertAnswer)> answered, NSWindow* window) {
     NSAlert* sheet = [[NSAlert alloc] init];
     sheet.alertStyle = NSAlertStyleWarning;
     sheet.messageText = nsString(alert.message);
-    sheet.informativeText = nsString(alert.informativeText);
+    const std::string shownText = fittedInformativeText(alert, textWidth, widthOf);
+    sheet.informativeText = nsString(shownText);
+    if (shownText != alert.informativeText)
+        sheet.window.contentView.toolTip = nsString(alert.informativeText);
     for (const std::string& title : alert.buttons)
         [sheet addButtonWithTitle:nsString(title)]; // the first is the default one
     if (alert.buttons.size() > 1)

@@ -53,6 +53,8 @@ void renderButton(NSButton* button, const ButtonContent& content) {
 
 void renderLabel(NSTextField* label, const LabelContent& content) {
     label.stringValue = nsString(content.text);
+    if (label.maximumNumberOfLines > 1)
+        label.toolTip = label.stringValue; // the end of which may not be shown
     label.hidden = content.hidden;
     label.textColor = nsColor(content.color);
 }

@@ -1,5 +1,6 @@
 #include "shell/qt/AlertSheet.h"
 
+#include "cleanup/window/AlertText.h"
 #include "shell/qt/CleanupControls.h"
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/OmbrelStyle.h"
@@ -22,6 +23,9 @@ namespace {
 constexpr Font messageFont{14, FontWeight::bold};
 constexpr int sheetWidth = 440;
 constexpr int symbolSide = 44;
+constexpr int sidePadding = 24;
+constexpr int symbolGap = 18;
+constexpr int textWidth = sheetWidth - 2 * sidePadding - symbolSide - symbolGap;
 constexpr int distanceFromTop = 96; // of the window's content
 constexpr int leastButtonWidth = 96;
 
@@ -30,6 +34,22 @@ QLabel* textLabel(const QString& text, const Font& font, QWidget* parent) {
     label->setFont(qFont(font, *label));
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
+    return label;
+}
+
+// Where names are elided, the tooltip has all of it, and a screen reader as well.
+QLabel* informationLabel(const AlertContent& alert, QWidget* parent) {
+    auto* label = textLabel(QString(), cleanupBodyFont, parent);
+    const QString whole = qString(alert.informativeText);
+    const QString shown = qString(fittedInformativeText(alert, textWidth, [&](const std::string& text) {
+        return label->fontMetrics().horizontalAdvance(qString(text));
+    }));
+    label->setText(shown);
+    if (shown != whole) {
+        label->setAccessibleDescription(whole);
+        label->setToolTip(wrappedToolTip(whole));
+    }
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse); // which leaves the keyboard to the buttons
     return label;
 }
 
@@ -46,8 +66,8 @@ AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert
     setAccessibleDescription(qString(alert.informativeText));
 
     auto* sheet = new QHBoxLayout(this);
-    sheet->setContentsMargins(24, 22, 24, 20);
-    sheet->setSpacing(18);
+    sheet->setContentsMargins(sidePadding, 22, sidePadding, 20);
+    sheet->setSpacing(symbolGap);
     auto* symbol = new SymbolWidget(appearance, symbolSide, SystemColor::orange, this);
     symbol->setSymbol("exclamationmark.triangle.fill");
     sheet->addWidget(symbol, 0, Qt::AlignTop);
@@ -55,9 +75,7 @@ AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert
     texts->setSpacing(8);
     sheet->addLayout(texts, 1);
     texts->addWidget(textLabel(qString(alert.message), messageFont, this));
-    QLabel* information = textLabel(qString(alert.informativeText), cleanupBodyFont, this);
-    information->setTextInteractionFlags(Qt::TextSelectableByMouse); // which leaves the keyboard to the buttons
-    texts->addWidget(information);
+    texts->addWidget(informationLabel(alert, this));
     texts->addSpacing(12);
 
     auto* row = new QHBoxLayout;

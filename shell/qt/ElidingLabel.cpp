@@ -5,18 +5,55 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
+#include <QTextLayout>
+#include <algorithm>
 
 namespace vantry {
 
-QSize ElidingLabel::minimumSizeHint() const { return {0, QLabel::minimumSizeHint().height()}; }
+ElidingLabel::ElidingLabel(QWidget* parent, int mostLines) : QLabel(parent), mostLines_(mostLines) {
+    setWordWrap(mostLines > 1);
+}
+
+// A word that no line can hold, as a path may be, goes on in the next one.
+QStringList ElidingLabel::linesFor(int width) const {
+    const QString all = text().replace(QLatin1Char('\n'), QLatin1Char(' '));
+    QTextLayout layout(all, font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (lines.size() == mostLines_ - 1) {
+            lines.append(fontMetrics().elidedText(all.mid(line.textStart()), Qt::ElideRight, width));
+            break;
+        }
+        lines.append(all.mid(line.textStart(), line.textLength()));
+    }
+    layout.endLayout();
+    return lines;
+}
+
+QSize ElidingLabel::minimumSizeHint() const {
+    return {0, mostLines_ > 1 ? fontMetrics().height() : QLabel::minimumSizeHint().height()};
+}
+
+int ElidingLabel::heightForWidth(int width) const {
+    if (mostLines_ == 1)
+        return QLabel::heightForWidth(width);
+    const auto lines = std::max(1, static_cast<int>(linesFor(width).size()));
+    return fontMetrics().height() + (lines - 1) * fontMetrics().lineSpacing();
+}
 
 void ElidingLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
-                          foregroundRole());
-    setToolTip(shown == text() ? QString() : plainToolTip(text()));
-    setAccessibleDescription(shown == text() ? QString() : text()); // or it would be the tooltip with its marks
+    const QStringList lines = linesFor(width());
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(),
+                          lines.join(QLatin1Char('\n')), foregroundRole());
+    const bool isWhole = text().endsWith(lines.last());
+    setToolTip(isWhole ? QString() : wrappedToolTip(text()));
+    setAccessibleDescription(isWhole ? QString() : text()); // or it would be the tooltip with its marks
 }
 
 } // namespace vantry

@@ -1,21 +1,28 @@
 #pragma once
 
 #include <QLabel>
+#include <QStringList>
 
 namespace vantry {
 
-/// One line of plain text that ends in an ellipsis where it does not fit; the tooltip then has all of it, and a screen
-/// reader has it always.
+/// Plain text in a limited number of lines, the last of which ends in an ellipsis where the text does not fit; the
+/// tooltip then has all of it, and a screen reader has it always.
 class ElidingLabel : public QLabel {
     Q_OBJECT
 
 public:
-    explicit ElidingLabel(QWidget* parent) : QLabel(parent) {}
+    explicit ElidingLabel(QWidget* parent, int mostLines = 1);
 
     [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
+    /// The text as it is shown at `width`.
+    [[nodiscard]] QStringList linesFor(int width) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    int mostLines_;
 };
 
 } // namespace vantry

@@ -29,6 +29,8 @@ constexpr Font detailFont{11};
 constexpr Font footnoteFont{10};
 
 constexpr int barViewHeight = 16;
+constexpr int detailLines = 3;
+constexpr int errorLines = 2;
 constexpr int distanceFromItem = 4;
 
 // A row that is not shown takes no room; one without margins of its own.
@@ -105,8 +107,8 @@ void PopoverWindow::build() {
     available_ = makeMetricRow(SolidSwatchView::Kind::available);
     stack->addWidget(makeMetrics());
 
-    stack->addWidget(detailLabel_ = makeLabel(detailFont, true));
-    stack->addWidget(errorLabel_ = makeLabel(detailFont, true));
+    stack->addWidget(detailLabel_ = makeLabel(detailFont, detailLines));
+    stack->addWidget(errorLabel_ = makeLabel(detailFont, errorLines));
     stack->addWidget(updateLabel_ = makeLabel(footnoteFont));
     stack->addWidget(cleanupButton_ = makeButton(FontWeight::semibold));
 
@@ -132,11 +134,10 @@ void PopoverWindow::build() {
     stack->addWidget(makeCommands());
 }
 
-QLabel* PopoverWindow::makeLabel(const Font& font, bool wraps) {
-    QLabel* label = wraps ? new QLabel(this) : new ElidingLabel(this);
+QLabel* PopoverWindow::makeLabel(const Font& font, int mostLines) {
+    auto* label = new ElidingLabel(this, mostLines);
     label->setFont(qFont(font, *this));
     label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(wraps);
     return label;
 }
 

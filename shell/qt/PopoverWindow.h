@@ -53,7 +53,7 @@ private:
     void closeByItself();
     void connectControls();
     void applyColors();
-    QLabel* makeLabel(const Font& font, bool wraps = false);
+    QLabel* makeLabel(const Font& font, int mostLines = 1);
     QWidget* makeHeader();
     QWidget* makeMetrics();
     MetricRow makeMetricRow(SolidSwatchView::Kind kind);

@@ -22,6 +22,11 @@ namespace vantry {
                : text;
 }
 
+/// `text` as a tooltip of as many lines as it takes.
+[[nodiscard]] inline QString wrappedToolTip(const QString& text) {
+    return QStringLiteral("<span style=\"white-space: pre-wrap\">") + text.toHtmlEscaped() + QStringLiteral("</span>");
+}
+
 [[nodiscard]] inline QRectF qRect(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
 
 /// The colour as it looks in `appearance`.

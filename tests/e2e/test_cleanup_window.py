@@ -241,6 +241,24 @@ class CleanupWindow(CleanupCase):
         self.assertFalse(self.trash(home).exists())
         self.assertTrue(all((home.folder / name).exists() for name in LOW_RISK))
 
+    def test_names_that_no_line_can_hold_leave_the_alert_readable(self):
+        names = ["a" * 116 + ".log", "b" * 116 + ".log"]
+        home = self.make_home({f"Library/Logs/{name}": MIB for name in names})
+        application, window = self.open(home)
+        for name in names:
+            os.utime(home.folder / "Library/Logs" / name)
+        self.select_and_ask(application, window)
+        sheet = self.sheet(application, "Some items changed since the scan")
+        for name in names:
+            self.assertIn(f"{name}: ", sheet.description)
+        shown = next(label for label in sheet.find_all("label") if "No items were changed." in label.name)
+        self.assertEqual(shown.name.count("…"), 2)
+        self.assertEqual(shown.description, sheet.description)
+        self.assertLess(shown.rect.x + shown.rect.width, sheet.rect.x + sheet.rect.width)
+        button = sheet.find("push button", "OK").rect
+        self.assertLess(shown.rect.y + shown.rect.height, button.y)
+        self.assertLess(button.y + button.height, sheet.rect.y + sheet.rect.height)
+
     def test_a_file_replaced_between_question_and_answer_stops_everything(self):
         home = self.make_home()
         application, window = self.open(home)

@@ -4,6 +4,7 @@ import errno
 import re
 
 from case import DesktopCase
+from desktop import Home
 from pictures import coloured_columns, lightness, same
 from screen import Rect, middle
 from waiting import wait_for_equal, wait_until
@@ -241,6 +242,21 @@ class Popover(DesktopCase):
         application, popover = self.open()
         self.click_on(popover.find("push button", "Quit"))
         self.assertEqual(application.wait_for_end(), 0)
+
+    def test_a_long_error_takes_two_lines_and_can_be_read_in_whole(self):
+        home = Home(self.desktop.folder / ("home-of-somebody-" + "x" * 120))
+        home.agent_file.parent.parent.mkdir(parents=True)
+        home.agent_file.parent.write_text("a file where a folder is to be")
+        application, popover = self.open(home=home)
+        self.click_on(popover.find("check box", "Launch at Login"))
+        error = wait_until(lambda: next((label for label in popover.find_all("label")
+                                         if label.name.startswith("Could not change Login Items: ")), None), "the error")
+        self.assertIn(str(home.agent_file.parent), error.name)
+        wait_for_equal(error.name, lambda: error.description, "what is said of the elided error")
+        self.assertEqual(application.popover().rect.height, 452)
+        updated = next(label for label in popover.find_all("label") if label.name.startswith("Updated "))
+        self.assertLessEqual(error.rect.y + error.rect.height, updated.rect.y)
+        self.assertLess(error.rect.height, 3 * updated.rect.height)
 
     def test_the_middle_of_a_long_name_is_not_cut_off(self):
         name = "A volume whose name is so long that no line can hold it at"

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <QLabel>
 #include <QPointer>
+#include <QTextDocument>
 
 namespace vantry {
 
@@ -17,6 +19,17 @@ protected:
         window.ask(
             {"Move 2 selected items to the Trash?", "This moves approximately 3 MB.", {"Move to Trash", "Cancel"}},
             [this](AlertAnswer answer) { answers.push_back(answer); });
+    }
+    void tell(const std::string& text) {
+        window.ask({"Some items changed since the scan", text, {"OK"}},
+                   [this](AlertAnswer answer) { answers.push_back(answer); });
+        settle();
+    }
+    QLabel* label(const QString& end) {
+        for (auto* each : sheet()->findChildren<QLabel*>())
+            if (each->text().endsWith(end))
+                return each;
+        return nullptr;
     }
     AlertSheet* sheet() {
         for (auto* each : window.findChildren<AlertSheet*>())
@@ -99,6 +112,48 @@ TEST_F(AlertSheetTest, ASecondOneAnswersTheFirst) {
     press(sheet(), Qt::Key_Return);
     settle();
     EXPECT_THAT(answers, ElementsAre(AlertAnswer::last, AlertAnswer::first));
+}
+
+TEST_F(AlertSheetTest, LongNamesLeaveRoomForTheLastSentenceAndTheButton) {
+    show(cannedFiles(6));
+    window.resize(window.minimumSize());
+    const std::string sentence = "Scan again before moving anything. No items were changed.";
+    const std::string reason = ".log: the file changed after the scan";
+    std::string words;
+    while (words.size() < 245)
+        words += "W WW ";
+    std::string path;
+    while (path.size() < 245)
+        path += "/home/.9/WWWW-WWWW";
+    for (const std::string& name : {std::string(120, 'W'), std::string(250, 'x'), words, path}) {
+        std::string text;
+        for (int line = 0; line < 4; ++line)
+            text += (line == 0 ? "" : "\n") + name + reason;
+        text += "\n\n" + sentence;
+        tell(text);
+        QLabel* shown = label(QString::fromStdString(sentence));
+        ASSERT_TRUE(shown);
+        const QRect needed =
+            shown->fontMetrics().boundingRect(QRect(0, 0, shown->width(), 10000), Qt::TextWordWrap, shown->text());
+        EXPECT_LE(needed.width(), shown->width()) << name;
+        EXPECT_LE(needed.height(), shown->height()) << name;
+        EXPECT_TRUE(window.rect().contains(QRect(window.mapFromGlobal(sheet()->pos()), sheet()->size()))) << name;
+        EXPECT_TRUE(sheet()->rect().contains(button(QStringLiteral("OK"))->geometry())) << name;
+        EXPECT_EQ(shown->text().count(QStringLiteral("…")), 4) << name;
+        EXPECT_EQ(shown->accessibleDescription().toStdString(), text);
+        QTextDocument tooltip;
+        tooltip.setHtml(shown->toolTip());
+        EXPECT_EQ(tooltip.toPlainText().toStdString(), text);
+        EXPECT_EQ(sheet()->accessibleDescription().toStdString(), text);
+    }
+}
+
+TEST_F(AlertSheetTest, ATextThatFitsIsShownAsItIs) {
+    show(cannedFiles(6));
+    tell("old.log: the file changed\n\nNo items were changed.");
+    QLabel* shown = label(QStringLiteral("old.log: the file changed\n\nNo items were changed."));
+    ASSERT_TRUE(shown);
+    EXPECT_TRUE(shown->toolTip().isEmpty());
 }
 
 TEST_F(AlertSheetTest, NothingIsLeftOverTheWindowAfterwards) {

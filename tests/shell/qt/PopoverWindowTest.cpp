@@ -1,0 +1,79 @@
+#include "shell/qt/PopoverWindow.h"
+#include "shell/qt/ElidingLabel.h"
+#include "tests/shell/qt/EventLoop.h"
+
+#include <gtest/gtest.h>
+
+namespace vantry {
+
+namespace {
+
+class PopoverWindowTest : public testing::Test {
+protected:
+    void open() {
+        window.render(content);
+        window.openAt(QRect(600, 0, 60, 24));
+        settle();
+    }
+    void tell(const std::string& error) {
+        content.errorLabel.text = error;
+        content.errorLabel.hidden = false;
+        window.render(content);
+        settle();
+        window.grab();
+    }
+    ElidingLabel* label(const std::string& text) {
+        for (auto* each : window.findChildren<ElidingLabel*>())
+            if (each->text().toStdString() == text)
+                return each;
+        return nullptr;
+    }
+
+    QtAppearance appearance;
+    PopoverContent content;
+    PopoverWindow window{appearance};
+};
+
+std::string words(std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += "word ";
+    return text;
+}
+
+} // namespace
+
+TEST_F(PopoverWindowTest, ShowsThreeLinesOfTheDetailAndTwoOfTheErrorAndAllOfThemInTheTooltip) {
+    const std::string error = "Could not change Login Items: /home/somebody/" + std::string(150, 'x') + ": No.";
+    content.detailLabel.text = words(80);
+    open();
+    tell(error);
+    ElidingLabel* detail = label(words(80));
+    ASSERT_TRUE(detail);
+    EXPECT_EQ(detail->linesFor(detail->width()).size(), 3);
+    EXPECT_GE(detail->height(), 3 * detail->fontMetrics().height());
+    ElidingLabel* shown = label(error);
+    ASSERT_TRUE(shown);
+    EXPECT_EQ(shown->linesFor(shown->width()).size(), 2);
+    EXPECT_GE(shown->height(), 2 * shown->fontMetrics().height());
+    EXPECT_FALSE(detail->toolTip().isEmpty());
+    EXPECT_FALSE(shown->toolTip().isEmpty());
+    const auto labels = window.findChildren<ElidingLabel*>();
+    for (const ElidingLabel* one : labels)
+        for (const ElidingLabel* other : labels)
+            if (one != other && one->isVisible() && other->isVisible()) {
+                EXPECT_FALSE(QRect(one->mapTo(&window, QPoint()), one->size())
+                                 .intersects(QRect(other->mapTo(&window, QPoint()), other->size())))
+                    << one->text().toStdString() << " and " << other->text().toStdString();
+            }
+    EXPECT_EQ(window.width(), 380);
+}
+
+TEST_F(PopoverWindowTest, KeepsItsSizeWhereTheTextsFit) {
+    content.detailLabel.text = words(80);
+    tell("Could not change Login Items: /home/somebody/Library/LaunchAgents: Not a directory");
+    open();
+    EXPECT_EQ(window.size(), QSize(380, 452));
+}
+
+} // namespace vantry
