@@ -129,6 +129,10 @@ constexpr CGFloat badgeAlpha = 0.15;
     _revealButton.accessibilityLabel = nsString(content.revealAccessibilityLabel);
 }
 
+- (void)setSelectionEnabled:(BOOL)enabled {
+    _checkBox.enabled = enabled;
+}
+
 - (void)showSelection {
     _checkBox.state = _content.selected ? NSControlStateValueOn : NSControlStateValueOff;
 }

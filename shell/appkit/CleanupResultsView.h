@@ -12,6 +12,8 @@
 - (instancetype)initWithActions:(vantry::SharedRowActions)actions;
 - (void)setEmptyState:(const std::optional<vantry::EmptyStateContent>&)emptyState
              sections:(const std::vector<vantry::CleanupSectionContent>&)sections;
+/// Whether the check boxes of the rows can be used, also of those that are built later.
+- (void)setSelectionEnabled:(BOOL)enabled;
 - (void)scrollToTop;
 
 @end

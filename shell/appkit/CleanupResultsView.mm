@@ -91,11 +91,13 @@ constexpr CGFloat emptyRaise = 80;
     OmbrelEmptyStateView* _emptyState;
     std::vector<OmbrelCleanupSectionView*> _sections;
     BOOL _sliceIsPosted;
+    BOOL _selectionEnabled;
 }
 
 - (instancetype)initWithActions:(SharedRowActions)actions {
     if ((self = [super initWithFrame:NSZeroRect])) {
         _actions = std::move(actions);
+        _selectionEnabled = YES;
         self.translatesAutoresizingMaskIntoConstraints = NO;
         self.hasVerticalScroller = YES;
         self.hasHorizontalScroller = NO;
@@ -139,6 +141,7 @@ constexpr CGFloat emptyRaise = 80;
         OmbrelCleanupSectionView* view = same == before.end()
                                              ? [[OmbrelCleanupSectionView alloc] initWithActions:_actions]
                                              : std::exchange(*same, nil);
+        view.selectionEnabled = _selectionEnabled;
         [view setContent:section];
         _sections.push_back(view);
     }
@@ -147,6 +150,12 @@ constexpr CGFloat emptyRaise = 80;
     [self buildRows:rowsAtOnce];
     if (focused.window)
         [self.window makeFirstResponder:focused];
+}
+
+- (void)setSelectionEnabled:(BOOL)enabled {
+    _selectionEnabled = enabled;
+    for (OmbrelCleanupSectionView* section : _sections)
+        section.selectionEnabled = enabled;
 }
 
 /// The control that has the keyboard, if it is one of a row.

@@ -33,6 +33,8 @@ using SharedRowActions = std::shared_ptr<const CleanupRowActions>;
 @interface OmbrelCandidateRowView : OmbrelCleanupRowView
 
 - (void)setContent:(const vantry::CandidateRowContent&)content;
+/// Whether the check box can be used, if the row has one.
+- (void)setSelectionEnabled:(BOOL)enabled;
 
 @end
 

@@ -16,4 +16,6 @@
 @property(nonatomic, readonly) BOOL nextRowIsKept; ///< the next row exists already, from an earlier content
 - (void)placeNextRow;
 
+@property(nonatomic) BOOL selectionEnabled; ///< of the check boxes, also of rows that are placed later; NO at first
+
 @end

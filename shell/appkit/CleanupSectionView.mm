@@ -131,6 +131,14 @@ NSView* makeSeparator() {
         [view removeFromSuperview];
 }
 
+- (void)setSelectionEnabled:(BOOL)enabled {
+    if (_selectionEnabled == enabled)
+        return;
+    _selectionEnabled = enabled;
+    for (std::size_t index = 0; index < _rows.size(); ++index)
+        [self fillRow:_rows[index] at:index];
+}
+
 - (BOOL)isComplete {
     return _rows.size() == _keys.size();
 }
@@ -165,10 +173,13 @@ NSView* makeSeparator() {
 }
 
 - (void)fillRow:(OmbrelCleanupRowView*)row at:(std::size_t)index {
-    if (_content.avenues.empty())
-        [static_cast<OmbrelCandidateRowView*>(row) setContent:_content.candidates[index]];
-    else
+    if (!_content.avenues.empty()) {
         [static_cast<OmbrelAvenueRowView*>(row) setContent:_content.avenues[index]];
+        return;
+    }
+    auto* candidate = static_cast<OmbrelCandidateRowView*>(row);
+    [candidate setContent:_content.candidates[index]];
+    [candidate setSelectionEnabled:_selectionEnabled];
 }
 
 @end

@@ -15,6 +15,8 @@ struct CleanupWindowActions {
     std::function<void(CleanupWindowMode)> modeChanged;
     std::function<void()> selectSuggested;
     std::function<void()> trash;
+    std::function<void()> cancel; ///< Escape
+    std::function<void()> closed; ///< when the window closes
     CleanupRowActions rows;
 };
 

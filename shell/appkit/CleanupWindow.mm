@@ -43,6 +43,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
 
 /// An accessory has no menu bar of its own that would know the shortcut.
 @interface OmbrelCleanupPanel : NSWindow
+@property(nonatomic, copy) void (^cancelled)(void);
 @end
 
 @implementation OmbrelCleanupPanel
@@ -55,6 +56,12 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
         return YES;
     }
     return [super performKeyEquivalent:event];
+}
+
+// Escape, unless a control has a use for it.
+- (void)cancelOperation:(id)sender {
+    if (_cancelled)
+        _cancelled();
 }
 
 @end
@@ -97,12 +104,17 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
 
 - (void)build {
     const NSSize size = nsSize(_content.size);
-    _window =
+    OmbrelCleanupPanel* panel =
         [[OmbrelCleanupPanel alloc] initWithContentRect:NSMakeRect(0, 0, size.width, size.height)
                                               styleMask:NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
                                                         NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO];
+    __weak OmbrelCleanupWindowController* weakSelf = self;
+    panel.cancelled = ^{
+        [weakSelf cancelPressed];
+    };
+    _window = panel;
     _window.releasedWhenClosed = NO;
     _window.delegate = self;
 
@@ -212,6 +224,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     [_noticeBox setSymbolName:content.noticeSymbolName text:content.notice];
     _statusLabel.stringValue = nsString(content.statusLabel);
     _selectionLabel.stringValue = nsString(content.selectionLabel);
+    [_results setSelectionEnabled:content.selectionEnabled];
 }
 
 - (void)showMode {
@@ -242,8 +255,15 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
         _actions.trash();
 }
 
+- (void)cancelPressed {
+    if (_actions.cancel)
+        _actions.cancel();
+}
+
 - (void)windowWillClose:(NSNotification*)notification {
     closeAlertSheet(_window);
+    if (_actions.closed)
+        _actions.closed();
 }
 
 - (void)detach {

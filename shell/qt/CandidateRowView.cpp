@@ -64,6 +64,7 @@ void CandidateRowView::setContent(const Content& content) {
         checkBox_->lower(); // screen readers meet it first, as eyes do
         setTabOrder(checkBox_, revealButton_);
         checkBox_->setGeometry(4, 0, cleanupTextInset - 8, height());
+        checkBox_->setEnabled(selectionEnabled_);
         checkBox_->setVisible(true);
         connect(checkBox_, &QCheckBox::toggled, this, &CandidateRowView::toggled);
     } else if (!content.symbolName.empty() && checkBox_) {
@@ -80,6 +81,12 @@ void CandidateRowView::setContent(const Content& content) {
     revealButton_->setObjectName(identifier);
     revealButton_->setAccessibleName(qString(content.revealAccessibilityLabel));
     update();
+}
+
+void CandidateRowView::setSelectionEnabled(bool enabled) {
+    selectionEnabled_ = enabled;
+    if (checkBox_)
+        checkBox_->setEnabled(enabled);
 }
 
 // The answer to the report is a new content, in which the box may be as it was.

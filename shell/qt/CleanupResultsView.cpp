@@ -137,6 +137,14 @@ void CleanupResultsView::setContent(const std::optional<EmptyStateContent>& empt
         focusControl(std::min(focused->first, rowCount() - 1), focused->second);
 }
 
+void CleanupResultsView::setSelectionEnabled(bool enabled) {
+    if (std::exchange(selectionEnabled_, enabled) == enabled)
+        return;
+    for (int index = 0; index < rowCount(); ++index)
+        if (CleanupRowView* built = row(index))
+            built->setSelectionEnabled(enabled);
+}
+
 // While the width changes, what is at the upper edge stays there.
 void CleanupResultsView::layOut() {
     const int top = verticalScrollBar()->value();
@@ -199,6 +207,7 @@ void CleanupResultsView::build(const Place& at) {
     if (section.row(at.row))
         return;
     section.buildRow(at.row);
+    section.row(at.row)->setSelectionEnabled(selectionEnabled_);
     const auto controls = section.row(at.row)->controls();
     if (controls.empty())
         return;

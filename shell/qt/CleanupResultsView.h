@@ -21,6 +21,8 @@ public:
 
     void setContent(const std::optional<EmptyStateContent>& emptyState,
                     const std::vector<CleanupSectionContent>& sections);
+    /// Whether the check boxes of the rows can be used, also of those that are built later.
+    void setSelectionEnabled(bool enabled);
     void scrollToTop();
 
     /// Null while the row is not built. Rows are counted through all sections.
@@ -60,6 +62,7 @@ private:
     QWidget* content_;
     EmptyState* emptyState_;
     bool empty_ = false;
+    bool selectionEnabled_ = true;
     std::vector<CleanupSectionView*> sections_;
     QTimer slices_;
     int nextRow_ = 0; ///< all before it are built

@@ -41,6 +41,8 @@ public:
 
     /// What the keyboard can reach, from left to right.
     [[nodiscard]] virtual std::vector<QWidget*> controls() const = 0;
+    /// Whether the check box can be used, if the row has one.
+    virtual void setSelectionEnabled(bool /*enabled*/) {}
     [[nodiscard]] QAccessible::Role accessibleRole() const override { return QAccessible::ListItem; }
 
 protected:
@@ -74,6 +76,7 @@ public:
     [[nodiscard]] static const std::string& keyOf(const Content& content) { return content.identifier; }
     void setContent(const Content& content);
     [[nodiscard]] std::vector<QWidget*> controls() const override;
+    void setSelectionEnabled(bool enabled) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -83,6 +86,7 @@ private:
     void toggled(bool isOn);
 
     Content content_;
+    bool selectionEnabled_ = true;
     RowCheckBox* checkBox_ = nullptr; ///< of a low-risk row
     SymbolButton* revealButton_;
 };

@@ -230,9 +230,11 @@ void CleanupWindow::showContent(const CleanupWindowContent& content) {
     noticeBox_->setContent(content.noticeSymbolName, content.notice);
     statusLabel_->setText(qString(content.statusLabel));
     selectionLabel_->setText(qString(content.selectionLabel));
+    results_->setSelectionEnabled(content.selectionEnabled);
 }
 
-// A button that is disabled while it works loses the keyboard; it gets it back unless the user has moved on.
+// A control that is disabled while something is under way loses the keyboard; it gets it back unless the user has moved
+// on.
 void CleanupWindow::keepKeyboard(QWidget* focused) {
     QWidget* refuge = modeControl_->segment(content_.modeControl == CleanupWindowMode::filesFound ? 0 : 1);
     if (focused && (!focused->isEnabled() || !focused->isVisibleTo(this))) {
@@ -300,6 +302,13 @@ void CleanupWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
 }
 
+// Minimizing the window hides it as well, spontaneously.
+void CleanupWindow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (!event->spontaneous())
+        actions_.closed();
+}
+
 void CleanupWindow::keyPressEvent(QKeyEvent* event) {
     auto* button = qobject_cast<QAbstractButton*>(focusWidget());
     switch (event->key()) {
@@ -308,6 +317,7 @@ void CleanupWindow::keyPressEvent(QKeyEvent* event) {
         if (button)
             button->click();
         break;
+    case Qt::Key_Escape: actions_.cancel(); break;
     case Qt::Key_PageUp: results_->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepSub); break;
     case Qt::Key_PageDown: results_->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepAdd); break;
     default: QWidget::keyPressEvent(event);

@@ -25,6 +25,8 @@ struct CleanupWindowActions {
     std::function<void(CleanupWindowMode)> modeChanged;
     std::function<void()> selectSuggested;
     std::function<void()> trash;
+    std::function<void()> cancel; ///< Escape
+    std::function<void()> closed; ///< when the window is hidden
     CleanupRowActions rows;
 };
 
@@ -48,6 +50,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

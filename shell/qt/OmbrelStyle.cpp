@@ -174,6 +174,8 @@ void OmbrelStyle::drawCheckBox(QPainter& painter, const QStyleOption& option) co
     const PainterState state(painter);
     const bool dark = appearance_.current() == Appearance::dark;
     const QRectF box = onPixels(option.rect);
+    if (!(option.state & State_Enabled))
+        painter.setOpacity(0.45);
     if (option.state & State_On) {
         QColor fill = accent(option);
         painter.setPen(Qt::NoPen);

@@ -92,6 +92,8 @@ CleanupWindow& QtShell::cleanupWindow() {
                                  report(&Controller::modeChanged),
                                  report(&Controller::selectSuggestedPressed),
                                  report(&Controller::trashPressed),
+                                 report(&Controller::cancelPressed),
+                                 report(&Controller::windowClosed),
                                  {report(&Controller::candidateSelectionChanged), report(&Controller::revealPressed),
                                   report(&Controller::avenueActionPressed)}});
     }

@@ -82,6 +82,7 @@ TEST_F(AlertSheetTest, EscapeIsTheLastButton) {
     settle();
     EXPECT_THAT(answers, ElementsAre(AlertAnswer::last));
     EXPECT_TRUE(window.isVisible());
+    EXPECT_THAT(reports, IsEmpty()) << "the window has heard of it";
 }
 
 TEST_F(AlertSheetTest, ClosingItsWindowIsTheLastButton) {

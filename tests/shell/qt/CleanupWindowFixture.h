@@ -30,6 +30,12 @@ protected:
                 },
                 [this] { reports.emplace_back("suggested"); },
                 [this] { reports.emplace_back("trash"); },
+                [this] { reports.emplace_back("cancel"); },
+                [this] {
+                    reports.emplace_back("closed");
+                    if (onClosed)
+                        onClosed();
+                },
                 {[this](const std::string& identifier, bool isOn) {
                      reports.push_back(identifier + (isOn ? " on" : " off"));
                      if (onSelection)
@@ -64,6 +70,7 @@ protected:
     QtAppearance appearance;
     std::vector<std::string> reports;
     std::function<void()> onSelection;
+    std::function<void()> onClosed;
     CleanupWindow window{appearance, actions()};
 };
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <QAccessible>
+#include <QCheckBox>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollBar>
@@ -92,6 +93,67 @@ TEST_F(CleanupWindowTest, TheKeyboardComesBackToAButtonThatWasDisabledWhileItWor
     ASSERT_TRUE(window.focusWidget());
     window.render(content);
     EXPECT_EQ(window.focusWidget(), scan);
+}
+
+TEST_F(CleanupWindowTest, CheckBoxesCanBeUsedAsTheContentSays) {
+    constexpr int count = 400;
+    CleanupWindowContent content = cannedFiles(count);
+    window.render(content);
+    window.showInFront();
+    ASSERT_LT(window.results().builtRowCount(), count) << "some rows are to be built later";
+    const auto* box = control(0, 0);
+    for (const bool enabled : {false, true}) {
+        content.selectionEnabled = enabled;
+        window.render(content);
+        buildAll();
+        for (int row = 0; row < count; ++row)
+            for (const QWidget* each : window.results().row(row)->controls())
+                EXPECT_EQ(each->isEnabled(), enabled || !qobject_cast<const QCheckBox*>(each)) << row;
+        EXPECT_EQ(control(0, 0), box) << "no row is built again";
+    }
+}
+
+TEST_F(CleanupWindowTest, ARowThatBecomesSelectableWhileNoneCanBeSelectedCannot) {
+    CleanupWindowContent content = cannedFiles(6);
+    const CandidateRowContent selectable = content.sections.front().candidates.front();
+    ASSERT_TRUE(selectable.symbolName.empty());
+    content.sections.front().candidates.front().symbolName = "eye.fill";
+    content.selectionEnabled = false;
+    show(content);
+    content.sections.front().candidates.front() = selectable;
+    window.render(content);
+    EXPECT_FALSE(control(0, 0)->isEnabled());
+}
+
+TEST_F(CleanupWindowTest, TheKeyboardComesBackToACheckBoxThatCouldNotBeUsed) {
+    CleanupWindowContent content = cannedFiles(6);
+    show(content);
+    buildAll();
+    control(0, 0)->setFocus();
+    content.selectionEnabled = false;
+    window.render(content);
+    ASSERT_TRUE(window.focusWidget());
+    EXPECT_TRUE(window.focusWidget()->isEnabled());
+    content.selectionEnabled = true;
+    window.render(content);
+    EXPECT_EQ(window.focusWidget(), control(0, 0));
+}
+
+TEST_F(CleanupWindowTest, EscapeReportsThatWhatIsUnderWayIsToBeGivenUp) {
+    show(cannedFiles(6));
+    press(window.focusWidget(), Qt::Key_Escape);
+    EXPECT_THAT(reports, ElementsAre("cancel"));
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(CleanupWindowTest, ClosingIsReportedOnceTheWindowIsGone) {
+    show(cannedFiles(6));
+    bool wasVisible = true;
+    onClosed = [&] { wasVisible = window.isVisible(); };
+    window.close();
+    EXPECT_THAT(reports, ElementsAre("closed"));
+    EXPECT_FALSE(wasVisible);
+    onClosed = {};
 }
 
 TEST_F(CleanupWindowTest, KeepsItsContentWhileItIsClosed) {
