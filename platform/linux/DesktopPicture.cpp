@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "platform/ItemFacts.h"
 #include "platform/ProgramOutput.h"
+#include "platform/UserSession.h"
 #include "platform/linux/WallpaperSettings.h"
 
 #include <array>
@@ -24,14 +25,13 @@ using Picture = std::optional<fs::path>;
 constexpr std::size_t largestSettings = 4 << 20;
 constexpr std::chrono::seconds longestAnswer{1};
 
-fs::path folderFromEnvironment(const char* variable, const fs::path& otherwise) {
-    const char* value = std::getenv(variable);
-    fs::path folder = value ? value : "";
-    return folder.is_absolute() ? folder : otherwise;
-}
+fs::path home() { return homeFolder().value_or("/"); }
 
-fs::path homeFolder() { return folderFromEnvironment("HOME", "/"); }
-fs::path configurationFolder() { return folderFromEnvironment("XDG_CONFIG_HOME", homeFolder() / ".config"); }
+fs::path configurationFolder() {
+    const char* value = std::getenv("XDG_CONFIG_HOME");
+    fs::path folder = value ? value : "";
+    return folder.is_absolute() ? folder : home() / ".config";
+}
 
 std::string settingsIn(const fs::path& file) { return readSmallFile(file, largestSettings).value_or(std::string()); }
 
@@ -86,7 +86,7 @@ Picture xfceDesktopPicture(const std::string& screen) {
 
 // Where no desktop draws the picture.
 Picture pictureOfPlainWindowManagers() {
-    if (auto picture = fehPicture(settingsIn(homeFolder() / ".fehbg")))
+    if (auto picture = fehPicture(settingsIn(home() / ".fehbg")))
         return picture;
     return nitrogenPicture(settingsIn(configurationFolder() / "nitrogen/bg-saved.cfg"));
 }
@@ -112,11 +112,11 @@ constexpr std::array<Desktop, 12> desktops{{
      }},
     {"sway",
      [](const std::string& screen) {
-         return swayPicture(settingsIn(configurationFolder() / "sway/config"), screen, homeFolder());
+         return swayPicture(settingsIn(configurationFolder() / "sway/config"), screen, home());
      }},
     {"Hyprland",
      [](const std::string& screen) {
-         return hyprlandPicture(settingsIn(configurationFolder() / "hypr/hyprpaper.conf"), screen, homeFolder());
+         return hyprlandPicture(settingsIn(configurationFolder() / "hypr/hyprpaper.conf"), screen, home());
      }},
 }};
 

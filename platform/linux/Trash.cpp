@@ -1,6 +1,7 @@
 #include "platform/linux/Trash.h"
 
 #include "base/Uuid.h"
+#include "platform/UserSession.h"
 #include "platform/linux/TrashEntry.h"
 #include "platform/linux/TrashFolders.h"
 
@@ -258,9 +259,8 @@ Result<std::filesystem::path> homeTrash() {
     const char* data = std::getenv("XDG_DATA_HOME");
     if (data && *data == '/')
         return std::filesystem::path(data) / "Trash";
-    const char* home = std::getenv("HOME");
-    if (home && *home == '/')
-        return std::filesystem::path(home) / ".local/share/Trash";
+    if (const auto home = homeFolder(); home && home->is_absolute())
+        return *home / ".local/share/Trash";
     return std::unexpected(Error{ErrorKind::notFound, "there is no home folder that could hold a Trash"});
 }
 

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
+#include <pwd.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -310,20 +311,39 @@ TEST_F(TrashTest, GoesByTheEnvironment) {
         {"data", "/home/me", "/home/me/.local/share/Trash"},
         {"./data", "/home/me", "/home/me/.local/share/Trash"},
         {"/data", nullptr, "/data/Trash"},
-        {nullptr, nullptr, ""},
-        {"", "", ""},
-        {"data", "me", ""},
     };
     for (const auto& [data, home, expected] : cases) {
         const ScopedEnvironment dataHome("XDG_DATA_HOME", data);
         const ScopedEnvironment homeFolder("HOME", home);
-        const auto found = homeTrash();
-        EXPECT_EQ(found ? found->native() : "", expected);
-        if (!found) {
-            const PinnedFile item = pinned(file);
-            EXPECT_EQ(textOf(moveToTrash(item, item.facts().value())), found.error().message);
-        }
+        EXPECT_EQ(homeTrash(), fs::path(expected));
     }
+}
+
+TEST_F(TrashTest, IsInTheHomeFolderOfTheUserDatabaseWhenTheEnvironmentNamesNone) {
+    const passwd* entry = getpwuid(getuid());
+    if (!entry)
+        GTEST_SKIP() << "this user is not in the user database";
+    const fs::path expected = fs::path(entry->pw_dir) / ".local/share/Trash";
+    for (const char* value : {static_cast<const char*>(nullptr), "", "me"}) {
+        const ScopedEnvironment dataHome("XDG_DATA_HOME", value);
+        const ScopedEnvironment home("HOME", value);
+        EXPECT_EQ(homeTrash(), expected);
+    }
+}
+
+TEST_F(TrashTest, OfAUserWithoutAHomeFolderIsNowhere) {
+    const std::string answer = inChildProcess([&]() -> std::string {
+        const PinnedFile item = pinned(file);
+        if (!becomeUser(unknownUser()))
+            return "cannot become another user";
+        unsetenv("XDG_DATA_HOME");
+        unsetenv("HOME");
+        return homeTrash() ? "somewhere" : textOf(moveToTrash(item, item.facts().value()));
+    });
+    if (answer == "cannot become another user")
+        GTEST_SKIP() << answer;
+    EXPECT_EQ(answer, "there is no home folder that could hold a Trash");
+    EXPECT_TRUE(nothingMoved());
 }
 
 TEST_F(TrashTest, IsMadeWithItsFoldersInAHomeThatHasNone) {
@@ -368,6 +388,17 @@ TEST(FileCoordinator, HandsOutThePathItself) {
     const auto keep = [&](const fs::path& path) { paths.push_back(path); };
     EXPECT_TRUE(coordinateMoving("/place/report.log", keep));
     EXPECT_EQ(paths, std::vector<fs::path>{"/place/report.log"});
+}
+
+TEST(FileCoordinator, APlaceIsTheSameHoweverItsPathIsWritten) {
+    const fs::path place = "/place/report.log";
+    for (const char* same :
+         {"/place/report.log", "/place/./report.log", "/place//x/../report.log", "//place/report.log/"})
+        EXPECT_TRUE(isSamePlace(place, same)) << same;
+    for (const char* other :
+         {"/place/report.txt", "/other/report.log", "/place", "place/report.log", "report.log", "", "/"})
+        EXPECT_FALSE(isSamePlace(place, other)) << other;
+    EXPECT_FALSE(isSamePlace("report.log", "report.log"));
 }
 
 } // namespace vantry
