@@ -75,8 +75,8 @@ double waitForAll(const fs::path& folder, const fs::path& trash) {
         wait(info.get());
         if (renameat(source.get(), name.c_str(), moved.get(), name.c_str()) != 0)
             fail("renameat");
-        wait(moved.get());
         wait(source.get());
+        wait(moved.get());
     }
     return milliseconds(waited);
 }

@@ -4,6 +4,7 @@
 #include "platform/UserSession.h"
 #include "platform/linux/TrashEntry.h"
 #include "platform/linux/TrashFolders.h"
+#include "platform/linux/TrashInfoFile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -26,12 +27,13 @@ namespace {
 constexpr std::size_t longestName = 255; // bytes, of most file systems
 constexpr auto cannotWrite = "the Trash could not be written to";
 constexpr auto cannotMove = "it could not be moved";
+constexpr auto otherFileSystem = "it is on another file system than the Trash";
+constexpr auto movedTrash = "the Trash was moved meanwhile";
 constexpr auto cannotConfirm = "the disk could not confirm the move";
 
 TrashMove notMoved(std::string reason) {
     return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
 }
-TrashMove notMoved(const Error& error) { return notMoved(error.message); }
 
 std::optional<std::string> refusalByPlace(PinnedPlace place) {
     switch (place) {
@@ -60,16 +62,6 @@ int moveWithoutReplacing(int fromFolder, const std::string& from, int toFolder, 
             return error;
     }
     return EAGAIN;
-}
-
-int writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        ssize_t written = 0;
-        if (const int error = errorOf([&] { return written = write(fd, text.data(), text.size()); }))
-            return error;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
 }
 
 std::tm localTimeNow() {
@@ -103,13 +95,6 @@ private:
     int number_ = 0;
 };
 
-/// An info file of our own, and the name of the item that it tells of.
-struct Announcement {
-    std::string name;
-    std::string infoName;
-    UniqueFd info;
-};
-
 /// The move of one file to one Trash. At each moment the file is in its place, or in the Trash with an info file that
 /// is complete and on the disk.
 class Move {
@@ -123,128 +108,155 @@ public:
     [[nodiscard]] TrashMove run() const {
         TrashNames names(file_.name(), nameLimit());
         while (const auto name = names.next()) {
-            auto announcement = announced(*name);
-            if (!announcement && announcement.error() == EEXIST)
+            const auto info = announced(*name);
+            if (!info && info.error() == EEXIST)
                 continue;
-            if (!announcement)
-                return notMoved(trashError(cannotWrite, announcement.error()));
+            if (!info)
+                return notMoved(trashError(cannotWrite, info.error()));
             // Again, for to write takes a while, and what is not moved need not be put back.
             auto refused = refusalByPlace(file_.place());
-            if (!refused && isModified())
-                refused = "it was modified after the scan";
+            if (!refused)
+                refused = objection(*info);
             if (refused) {
-                withdraw(*announcement);
-                return notMoved(*refused);
+                info->remove();
+                return notMoved(std::move(*refused));
             }
             const int error = moveWithoutReplacing(source_.get(), file_.name(), trash_.files(), *name);
             // A file system may do a thing and then fail to say so.
-            if (error == 0 || file_.placeIn(trash_.files(), *name) == PinnedPlace::unchanged)
-                return confirmed(*announcement);
-            withdraw(*announcement, error == EEXIST ? Withdrawal::evenIfTaken : Withdrawal::onlyIfUnused);
-            if (error != EEXIST)
+            if (error == 0 || isInTrash(*info))
+                return confirmed(*info);
+            if (error != EEXIST) {
+                withdraw(*info);
                 return notMoved(failure(error));
+            }
+            info->remove();
         }
         return notMoved("too many files in the Trash have its name");
     }
 
 private:
-    enum class Withdrawal { onlyIfUnused, evenIfTaken };
-
     [[nodiscard]] std::size_t nameLimit() const {
         const long limit = fpathconf(trash_.info(), _PC_NAME_MAX);
         const std::size_t known = limit > 0 ? std::min(static_cast<std::size_t>(limit), longestName) : longestName;
         return known - std::min(known, trashInfoSuffix.size());
     }
 
+    [[nodiscard]] std::string infoText() const {
+        return trashInfoText((file_.folder().path() / file_.name()).lexically_normal(), localTimeNow());
+    }
+
     /// An error is an errno; `EEXIST` when the name is taken.
-    [[nodiscard]] std::expected<Announcement, int> announced(const std::string& name) const {
+    [[nodiscard]] std::expected<TrashInfoFile, int> announced(const std::string& name) const {
         struct stat taken = {};
         if (fstatat(trash_.files(), name.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0)
             return std::unexpected(EEXIST);
         if (errno != ENOENT)
             return std::unexpected(errno);
-        Announcement announcement{name, name + std::string(trashInfoSuffix), {}};
-        int error = errorOf([&] {
-            announcement.info.reset(openat(trash_.info(), announcement.infoName.c_str(),
-                                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-            return announcement.info.get();
-        });
-        if (error != 0)
-            return std::unexpected(error);
-        const auto origin = (file_.folder().path() / file_.name()).lexically_normal();
-        error = writeAll(announcement.info.get(), trashInfoText(origin, localTimeNow()));
-        if (error == 0)
-            error = syncToDisk(announcement.info.get());
-        if (error == 0)
-            error = syncToDisk(trash_.info());
-        if (error == 0)
-            return announcement;
-        withdraw(announcement);
-        return std::unexpected(error);
+        return TrashInfoFile::write(trash_.info(), name, infoText());
     }
 
-    // Nothing else is ever deleted, and this only when no item depends on it.
-    void withdraw(const Announcement& announcement, Withdrawal withdrawal = Withdrawal::onlyIfUnused) const {
-        struct stat found = {};
-        struct stat ours = {};
-        if (withdrawal == Withdrawal::onlyIfUnused && !isFree(trash_.files(), announcement.name))
-            return;
-        if (fstatat(trash_.info(), announcement.infoName.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0 &&
-            fstat(announcement.info.get(), &ours) == 0 && found.st_dev == ours.st_dev && found.st_ino == ours.st_ino)
-            unlinkat(trash_.info(), announcement.infoName.c_str(), 0);
+    /// Deletes the info file unless an item may depend on it.
+    void withdraw(const TrashInfoFile& info) const {
+        if (isFree(trash_.files(), info.itemName()))
+            info.remove();
     }
 
-    [[nodiscard]] static Error failure(int error) {
-        if (error == EXDEV)
-            return Error{ErrorKind::unsupported, "it is on another file system than the Trash"};
-        if (error == ENOENT)
-            return Error{ErrorKind::notFound, "it is not to be found in its place"};
-        return trashError(cannotMove, error);
+    [[nodiscard]] bool isInTrash(const TrashInfoFile& info) const {
+        return file_.placeIn(trash_.files(), info.itemName()) == PinnedPlace::unchanged;
     }
 
     [[nodiscard]] bool isModified() const {
         const auto current = file_.facts();
         return !current || current->contentBytes != checked_.contentBytes ||
+               current->allocatedBytes != checked_.allocatedBytes ||
                current->fingerprint.contentModificationDate != checked_.fingerprint.contentModificationDate;
     }
 
-    /// Something is in the Trash under the announced name.
-    [[nodiscard]] TrashMove confirmed(const Announcement& announcement) const {
-        switch (file_.placeIn(trash_.files(), announcement.name)) {
-        case PinnedPlace::unchanged: break;
-        case PinnedPlace::missing: return putBack(announcement, "what arrived in the Trash could not be looked at");
+    /// Why the file may not go to the Trash, or not stay there, wherever it is.
+    [[nodiscard]] std::optional<std::string> objection(const TrashInfoFile& info) const {
+        // By its origin it would be restored to another folder.
+        if (!file_.folder().isInPlace())
+            return refusalByPlace(PinnedPlace::folderMoved);
+        if (!trash_.areInPlace())
+            return movedTrash;
+        if (!info.isInPlace())
+            return "another program changed the Trash meanwhile";
+        if (isModified())
+            return "it was modified after the scan";
+        return std::nullopt;
+    }
+
+    /// Why what the info file tells of may not stay in the Trash.
+    [[nodiscard]] std::optional<std::string> objectionToArrived(const TrashInfoFile& info) const {
+        switch (file_.placeIn(trash_.files(), info.itemName())) {
+        case PinnedPlace::unchanged: return objection(info);
+        case PinnedPlace::missing:
+            return isFree(trash_.files(), info.itemName()) ? "another program took it out of the Trash"
+                                                           : "what arrived in the Trash could not be looked at";
         case PinnedPlace::folderMoved:
         case PinnedPlace::link:
-        case PinnedPlace::otherItem: return putBack(announcement, "something else was in its place");
+        case PinnedPlace::otherItem: break;
         }
-        // Where it would be put back to by its origin is another folder then.
-        if (!file_.folder().isInPlace())
-            return putBack(announcement, *refusalByPlace(PinnedPlace::folderMoved));
-        if (!trash_.areInPlace())
-            return putBack(announcement, "the Trash was moved meanwhile");
-        // It is in the Trash, and whether it will be there after a power cut as well nobody knows. Put back, so that
-        // what failed is in its place as after each other failure; either way the disk holds it once.
-        int error = syncToDisk(trash_.files());
+        return "something else was in its place";
+    }
+
+    [[nodiscard]] std::string failure(int error) const {
+        if (error == EXDEV)
+            return otherFileSystem;
+        if (error == ENOENT)
+            return trash_.areInPlace() ? "it is not to be found in its place" : movedTrash;
+        return trashError(cannotMove, error);
+    }
+
+    /// Something is in the Trash under the announced name.
+    [[nodiscard]] TrashMove confirmed(const TrashInfoFile& info) const {
+        if (auto reason = objectionToArrived(info))
+            return putBack(info, std::move(*reason));
+        // The folder that was left goes first: btrfs brings one folder to the disk at a time, and would show the file
+        // in both after a power cut in between.
+        int error = syncToDisk(source_.get());
         if (error == 0)
-            error = syncToDisk(source_.get());
+            error = syncToDisk(trash_.files());
+        // Nobody knows whether it will be in the Trash after a power cut. It goes back, as after each other failure;
+        // either way the disk holds it once.
         if (error != 0)
-            return putBack(announcement, trashError(cannotConfirm, error).message);
+            return putBack(info, trashError(cannotConfirm, error));
+        // The disk takes its time, in which others may have acted.
+        if (auto reason = objectionToArrived(info))
+            return putBack(info, std::move(*reason));
         return {.outcome = TrashMove::Outcome::moved};
     }
 
-    [[nodiscard]] TrashMove putBack(const Announcement& announcement, std::string reason) const {
-        const int error = moveWithoutReplacing(trash_.files(), announcement.name, source_.get(), file_.name());
-        if (error != 0) {
-            if (file_.placeIn(trash_.files(), announcement.name) == PinnedPlace::unchanged)
-                return {.outcome = TrashMove::Outcome::moved};
-            if (!isFree(trash_.files(), announcement.name))
-                return {TrashMove::Outcome::misplaced, std::move(reason), trash_.itemPath(announcement.name)};
-            return notMoved(std::move(reason));
-        }
+    [[nodiscard]] TrashMove putBack(const TrashInfoFile& info, std::string reason) const {
+        if (moveWithoutReplacing(trash_.files(), info.itemName(), source_.get(), file_.name()) != 0)
+            return stranded(info, std::move(reason));
         // The info file goes last, and not before it is certain that it is not needed.
-        if (syncToDisk(source_.get()) == 0 && syncToDisk(trash_.files()) == 0)
-            withdraw(announcement);
+        if (syncToDisk(trash_.files()) == 0 && syncToDisk(source_.get()) == 0)
+            withdraw(info);
         return notMoved(std::move(reason));
+    }
+
+    /// What came of an item that could not be put back.
+    [[nodiscard]] TrashMove stranded(const TrashInfoFile& info, std::string reason) const {
+        if (isInTrash(info) && trash_.areInPlace() &&
+            (info.isInPlace() || TrashInfoFile::write(trash_.info(), info.itemName(), infoText())) && isInTrash(info))
+            return {.outcome = TrashMove::Outcome::moved};
+        // Without its origin, in a Trash that was moved away, or not the file that was meant.
+        if (!isFree(trash_.files(), info.itemName()))
+            return {TrashMove::Outcome::misplaced, std::move(reason), trash_.itemPath(info.itemName())};
+        if (file_.placeIn(source_.get(), file_.name()) == PinnedPlace::unchanged)
+            return notMoved(std::move(reason));
+        auto path = whereabouts();
+        if (path.empty())
+            reason = "another program removed it from the Trash";
+        return {TrashMove::Outcome::misplaced, std::move(reason), std::move(path)};
+    }
+
+    /// Where another program has put the file; empty when it has no name that is known.
+    [[nodiscard]] std::filesystem::path whereabouts() const {
+        auto path = pathOfDescriptor(file_.descriptor());
+        return path && file_.placeIn(AT_FDCWD, path->native()) == PinnedPlace::unchanged ? std::move(*path)
+                                                                                         : std::filesystem::path();
     }
 
     const PinnedFile& file_;
@@ -289,14 +301,14 @@ TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked, co
     if (fstat(source.get(), &from) != 0 || fstat(folders->files(), &to) != 0)
         return notMoved(trashError(cannotMove, errno));
     if (from.st_dev != to.st_dev)
-        return notMoved("it is on another file system than the Trash");
+        return notMoved(otherFileSystem);
     return Move(file, checked, std::move(source), std::move(*folders)).run();
 }
 
 TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
     const auto trash = homeTrash();
     if (!trash)
-        return notMoved(trash.error());
+        return notMoved(trash.error().message);
     return moveToTrash(file, checked, *trash);
 }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/TrashFolders.h"
 
+#include "base/Result.h"
+
 #include <expected>
 #include <fcntl.h>
 #include <string>
@@ -17,8 +19,8 @@ constexpr const char* infoName = "info";
 constexpr mode_t ownRights = 0700;
 constexpr auto cannotOpen = "the Trash could not be opened";
 
-using Opened = std::expected<UniqueFd, int>; // the error is an errno
-using OwnFolder = Result<UniqueFd>;
+using Opened = std::expected<UniqueFd, int>;            // the error is an errno
+using OwnFolder = std::expected<UniqueFd, std::string>; // the error is a phrase
 
 std::string reasonOf(int errorNumber) {
     switch (errorNumber) {
@@ -92,14 +94,14 @@ OwnFolder openOwnFolder(int parent, const char* name) {
         folder = opened(parent, name, flags);
     }
     if (!folder && (folder.error() == ELOOP || folder.error() == ENOTDIR))
-        return std::unexpected(Error{ErrorKind::invalid, "the Trash is a link or not a folder"});
+        return std::unexpected("the Trash is a link or not a folder");
     if (!folder)
         return std::unexpected(trashError(cannotOpen, folder.error()));
     struct stat facts = {};
     if (fstat(folder->get(), &facts) != 0)
         return std::unexpected(trashError(cannotOpen, errno));
     if (facts.st_uid != geteuid())
-        return std::unexpected(Error{ErrorKind::permissionDenied, "the Trash belongs to another user"});
+        return std::unexpected("the Trash belongs to another user");
     return std::move(*folder);
 }
 
@@ -112,13 +114,19 @@ bool leadsTo(int folder, const char* name, int fd) {
 
 } // namespace
 
-Error trashError(std::string_view what, int errorNumber) {
-    return Error{errorFromErrno(errorNumber).kind, std::string(what) + ": " + reasonOf(errorNumber)};
+std::string trashError(std::string_view what, int errorNumber) {
+    return std::string(what) + ": " + reasonOf(errorNumber);
 }
 
 int syncToDisk(int fd) {
     const int error = errorOf([fd] { return fsync(fd); });
     return error == EINVAL || error == ENOSYS || error == ENOTSUP ? 0 : error;
+}
+
+std::optional<std::filesystem::path> pathOfDescriptor(int fd) {
+    std::error_code error;
+    auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error);
+    return error ? std::nullopt : std::optional(std::move(path));
 }
 
 TrashFolders::TrashFolders(std::filesystem::path path, UniqueFd trash, UniqueFd files, UniqueFd info)
@@ -127,7 +135,7 @@ TrashFolders::TrashFolders(std::filesystem::path path, UniqueFd trash, UniqueFd 
       files_(std::move(files)),
       info_(std::move(info)) {}
 
-Result<TrashFolders> TrashFolders::open(const std::filesystem::path& trash) {
+std::expected<TrashFolders, std::string> TrashFolders::open(const std::filesystem::path& trash) {
     const auto data = openDataFolder(trash.parent_path());
     if (!data)
         return std::unexpected(trashError(cannotOpen, data.error()));
@@ -144,9 +152,7 @@ Result<TrashFolders> TrashFolders::open(const std::filesystem::path& trash) {
 }
 
 std::filesystem::path TrashFolders::itemPath(const std::string& name) const {
-    std::error_code error;
-    const auto folder = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(files()), error);
-    return (error ? path_ / filesName : folder) / name;
+    return pathOfDescriptor(files()).value_or(path_ / filesName) / name;
 }
 
 bool TrashFolders::areInPlace() const {

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "base/Result.h"
 #include "base/UniqueFd.h"
 
 #include <cerrno>
+#include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,18 +26,22 @@ template <class Call>
 }
 
 /// `what`, and why in words that users understand: "it could not be moved: the disk is full".
-[[nodiscard]] Error trashError(std::string_view what, int errorNumber);
+[[nodiscard]] std::string trashError(std::string_view what, int errorNumber);
 
 /// Waits until what `fd` stands for is on the disk. An error is an errno, no error is 0: also where the file system has
 /// no such thing.
 [[nodiscard]] int syncToDisk(int fd);
 
+/// Where the file or folder of a descriptor is, as the system tells. Whether it is there still is for the caller to
+/// look at.
+[[nodiscard]] std::optional<std::filesystem::path> pathOfDescriptor(int fd);
+
 /// The folders of a Trash, held open. They are of this user and no links.
 class TrashFolders {
 public:
     /// Makes what is missing, with the rights of its user alone. The folders above `trash` are the user's own affair
-    /// and may be links; the Trash and its folders may not be. Blocking; any thread.
-    [[nodiscard]] static Result<TrashFolders> open(const std::filesystem::path& trash);
+    /// and may be links; the Trash and its folders may not be. An error is a phrase. Blocking; any thread.
+    [[nodiscard]] static std::expected<TrashFolders, std::string> open(const std::filesystem::path& trash);
 
     [[nodiscard]] int files() const { return files_.get(); }
     [[nodiscard]] int info() const { return info_.get(); }

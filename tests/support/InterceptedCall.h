@@ -19,18 +19,22 @@ struct InterceptedCall {
     static inline std::function<void(int)> before; ///< is told the how manyeth call it is, from 1
     static inline long number = 0;
     static inline int count = 0;
+    static inline std::int64_t firstArgument = 0; ///< of the call that is about to be made
     /// A sixth argument that no caller gives: the call is let through.
     static constexpr std::uint32_t pass = 0x5ca1ab1e;
 
     static void onCall(int /*signal*/, siginfo_t* /*info*/, void* context) {
-        before(++count);
         auto& machine = static_cast<ucontext_t*>(context)->uc_mcontext;
 #if defined(__x86_64__)
         auto& all = machine.gregs;
+        firstArgument = static_cast<std::int64_t>(all[REG_RDI]);
+        before(++count);
         const long result = syscall(number, all[REG_RDI], all[REG_RSI], all[REG_RDX], all[REG_R10], all[REG_R8], pass);
         all[REG_RAX] = result < 0 ? -errno : result;
 #elif defined(__aarch64__)
         auto& all = machine.regs;
+        firstArgument = static_cast<std::int64_t>(all[0]);
+        before(++count);
         const long result = syscall(number, all[0], all[1], all[2], all[3], all[4], pass);
         all[0] = static_cast<std::uint64_t>(result < 0 ? -errno : result);
 #else

@@ -1,9 +1,6 @@
-// System calls that fail, and somebody who acts in between two of them.
+// System calls that fail, and somebody who exchanges files in between two of them.
 
-#include "tests/platform/linux/TrashFixture.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/InterceptedCall.h"
-#include "tests/support/RefusedCall.h"
+#include "tests/platform/linux/DisturbedTrashFixture.h"
 
 #include <cerrno>
 #include <csignal>
@@ -24,45 +21,7 @@ namespace fs = std::filesystem;
 
 using Origins = std::map<std::string, std::string>;
 
-class TrashFaults : public TrashFixture {
-protected:
-    /// What comes of a move when each call `number` fails.
-    [[nodiscard]] std::string moveWithout(long number, int errorNumber) const {
-        return inChildProcess([=, this]() -> std::string {
-            const PinnedFile item = pinned(file);
-            return refuseCall(number, errorNumber) ? move(item) : "not refused";
-        });
-    }
-
-    /// What comes of a move when `before` is called before each of its renames. It may not make that call.
-    [[nodiscard]] std::string moveWhile(const std::function<void(int)>& before) const {
-        return inChildProcess([&]() -> std::string {
-            const PinnedFile item = pinned(file);
-            return interceptCall(SYS_renameat2, orNeverReturn(before)) ? move(item) : "not intercepted";
-        });
-    }
-
-    /// A copy of this process that throws must not go on with its tests.
-    [[nodiscard]] static std::function<void(int)> orNeverReturn(const std::function<void(int)>& block) {
-        return [block](int count) {
-            try {
-                block(count);
-            } catch (const std::exception& problem) {
-                std::fputs(problem.what(), stderr);
-                _exit(1);
-            }
-        };
-    }
-
-    void SetUp() override {
-        writeFile(other, "another file");
-        if (inChildProcess([] { return interceptCall(SYS_getppid, [](int) {}) ? "yes" : "no"; }) != "yes")
-            GTEST_SKIP() << "no calls are intercepted here";
-    }
-
-    fs::path other = root / "other";
-    fs::path aside = root / "aside";
-};
+using TrashFaults = DisturbedTrashFixture;
 
 TEST_F(TrashFaults, EachHasAReasonAndLeavesTheFileInItsPlace) {
     struct Case {
@@ -103,7 +62,7 @@ TEST_F(TrashFaults, EachHasAReasonAndLeavesTheFileInItsPlace) {
     }
 }
 
-TEST_F(TrashFaults, OfABringingToTheDiskPutTheFileBack) {
+TEST_F(TrashFaults, AFailedFsyncPutsTheFileBack) {
     makeTrash();
     for (const auto& [errorNumber, reason] : std::vector<std::pair<int, const char*>>{
              {EIO, "the disk reports an error"}, {ENOSPC, "the disk is full"}, {EINTR, "the system was busy"}}) {
@@ -111,15 +70,7 @@ TEST_F(TrashFaults, OfABringingToTheDiskPutTheFileBack) {
         EXPECT_EQ(moveWithout(SYS_fsync, errorNumber), std::string("the Trash could not be written to: ") + reason);
         EXPECT_TRUE(nothingMoved());
         // From the move on.
-        const std::string answer = inChildProcess([&, errorNumber = errorNumber]() -> std::string {
-            const PinnedFile item = pinned(file);
-            const auto fail = [&](int count) {
-                if (count == 1 && !refuseCall(SYS_fsync, errorNumber))
-                    _exit(1);
-            };
-            return interceptCall(SYS_renameat2, fail) ? move(item) : "not intercepted";
-        });
-        EXPECT_EQ(answer, std::string("the disk could not confirm the move: ") + reason);
+        EXPECT_EQ(moveWhile(failsToSync(errorNumber)), std::string("the disk could not confirm the move: ") + reason);
         EXPECT_EQ(readFile(file), "what the file holds");
         EXPECT_EQ(origins(), Origins());
         fs::remove_all(trash / "info"); // where the announcement stays, as nobody knows what the disk holds
@@ -237,15 +188,11 @@ TEST_F(TrashFaults, WhatCameFromAFolderReplacedInTheLastMomentIsPutBackThere) {
 
 // The call was made, and then the answer was lost.
 TEST_F(TrashFaults, AMoveThatWasMadeAndReportedAsFailedWasMade) {
-    const std::string answer = inChildProcess([&]() -> std::string {
-        const PinnedFile item = pinned(file);
-        const auto moveFirst = [&](int count) {
-            if (count == 1)
-                fs::rename(file, trash / "files/report.log");
-        };
-        return interceptCall(SYS_renameat2, orNeverReturn(moveFirst)) ? move(item) : "not intercepted";
-    });
-    EXPECT_EQ(answer, "moved");
+    EXPECT_EQ(moveWhile([&](int count) {
+                  if (count == 1)
+                      fs::rename(file, trash / "files/report.log");
+              }),
+              "moved");
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
 }
 

@@ -1,6 +1,6 @@
-// Somebody exchanges the file, its folder, a folder above, the Trash or a folder of it all the time while the file is
-// moved. After each round each file has to be where somebody put it, or in the Trash with a complete info file.
-// OMBREL_RACE_ROUNDS sets how many rounds there are, and has the answers printed.
+// Somebody exchanges or writes to the file, or exchanges its folder, a folder above, the Trash or a folder of it all
+// the time while the file is moved. After each round each file has to be where somebody put it, or in the Trash with a
+// complete info file. OMBREL_RACE_ROUNDS sets how many rounds there are, and has the answers printed.
 
 #include "tests/platform/linux/TrashFixture.h"
 
@@ -29,6 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr auto modified = "it was modified after the scan";
 constexpr auto replaced = "something else was in its place";
 constexpr auto movedFolder = "its folder is not to be found in its place";
 constexpr auto movedTrash = "the Trash was moved meanwhile";
@@ -319,6 +320,18 @@ TEST_F(TrashRace, WhileTheFileIsExchangedWithALinkToItself) {
 TEST_F(TrashRace, WhileTheFileIsExchangedWithAPipe) {
     ASSERT_EQ(mkfifo((aside / "pipe").c_str(), 0600), 0);
     expectNothingLostWhileTheFileIsExchangedWith(aside / "pipe");
+}
+
+// By a descriptor, so that what is in the Trash may change as well.
+TEST_F(TrashRace, WhileAnotherProgramWritesToTheFile) {
+    const UniqueFd written(open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    keep(file, {});
+    expectNothingLost(
+        [&, size = off_t{0}]() mutable {
+            size = (size + 1) % 4096;
+            EXPECT_EQ(ftruncate(written.get(), size), 0);
+        },
+        modified);
 }
 
 // What was moved then finds its name taken when it is put back.
