@@ -15,19 +15,25 @@ std::filesystem::path normalPath(const std::filesystem::path& path) {
     return normal.has_filename() ? normal : normal.parent_path();
 }
 
-// As the system's file systems compare names.
-std::string composedName(const std::filesystem::path& path) {
-    NSString* name =
-        [[NSFileManager defaultManager] stringWithFileSystemRepresentation:path.filename().c_str()
-                                                                    length:path.filename().native().size()];
-    return textFromFoundation([name precomposedStringWithCanonicalMapping]);
+// The system hands out decomposed names, the file systems find a file by either form. Empty when it is no text.
+std::string composed(const std::filesystem::path& path) {
+    NSString* text = [[NSFileManager defaultManager] stringWithFileSystemRepresentation:path.c_str()
+                                                                                 length:path.native().size()];
+    return textFromFoundation([text precomposedStringWithCanonicalMapping]);
 }
 
+bool isSameText(const std::filesystem::path& one, const std::filesystem::path& other) {
+    const auto text = composed(one);
+    return one == other || (!text.empty() && text == composed(other));
+}
+
+// Where a folder cannot be looked at, as the Trash without the user's consent, its path has to do.
 bool isSameFolder(const std::filesystem::path& one, const std::filesystem::path& other) {
-    struct stat oneFolder = {};
-    struct stat otherFolder = {};
-    return lstat(one.c_str(), &oneFolder) == 0 && lstat(other.c_str(), &otherFolder) == 0 &&
-           oneFolder.st_dev == otherFolder.st_dev && oneFolder.st_ino == otherFolder.st_ino;
+    struct stat oneFacts = {};
+    struct stat otherFacts = {};
+    if (stat(one.c_str(), &oneFacts) != 0 || stat(other.c_str(), &otherFacts) != 0)
+        return isSameText(one, other);
+    return oneFacts.st_dev == otherFacts.st_dev && oneFacts.st_ino == otherFacts.st_ino;
 }
 
 } // namespace
@@ -59,10 +65,8 @@ bool isSamePlace(const std::filesystem::path& one, const std::filesystem::path& 
     @autoreleasepool {
         const auto onePath = normalPath(one);
         const auto otherPath = normalPath(other);
-        if (!onePath.is_absolute() || onePath == otherPath)
-            return onePath.is_absolute();
-        const auto name = composedName(onePath);
-        return !name.empty() && name == composedName(otherPath) &&
+        return onePath.is_absolute() && otherPath.is_absolute() &&
+               isSameText(onePath.filename(), otherPath.filename()) &&
                isSameFolder(onePath.parent_path(), otherPath.parent_path());
     }
 }

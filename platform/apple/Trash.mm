@@ -1,9 +1,11 @@
 #include "platform/Trash.h"
 
+#include "platform/FileCoordinator.h"
 #include "platform/apple/FoundationValues.h"
 
 #include <Foundation/Foundation.h>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -17,8 +19,14 @@ namespace vantry {
 
 namespace {
 
+constexpr auto modified = "it was modified after the scan";
+
 TrashMove notMoved(std::string reason) {
     return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
+}
+
+TrashMove misplaced(std::string reason, std::filesystem::path path) {
+    return {TrashMove::Outcome::misplaced, std::move(reason), std::move(path)};
 }
 
 std::optional<std::string> refusalByPlace(PinnedPlace place) {
@@ -32,18 +40,65 @@ std::optional<std::string> refusalByPlace(PinnedPlace place) {
     return "something else is in its place";
 }
 
-// By its number. Who may not look into the Trash is told by the system where the descriptor's file is.
-bool isAt(const std::filesystem::path& path, int item) {
-    struct stat found = {};
+bool isSameItem(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool isSameContent(const struct stat& one, const struct stat& other) {
+    return one.st_size == other.st_size && one.st_mtimespec.tv_sec == other.st_mtimespec.tv_sec &&
+           one.st_mtimespec.tv_nsec == other.st_mtimespec.tv_nsec;
+}
+
+bool isAsChecked(const PinnedFile& file, const PinnedFileFacts& checked) {
+    const auto current = file.facts();
+    return current && current->contentBytes == checked.contentBytes &&
+           current->allocatedBytes == checked.allocatedBytes && current->totalAllocated == checked.totalAllocated &&
+           current->fingerprint.contentModificationDate == checked.fingerprint.contentModificationDate;
+}
+
+// Empty for what has no name. Who may not look into the Trash has to believe the system.
+std::filesystem::path whereabouts(const PinnedFile& file) {
+    std::array<char, MAXPATHLEN> path{};
     struct stat held = {};
-    if (lstat(path.c_str(), &found) == 0)
-        return fstat(item, &held) == 0 && found.st_dev == held.st_dev && found.st_ino == held.st_ino;
-    std::array<char, MAXPATHLEN> where{};
-    return fcntl(item, F_GETPATH, where.data()) == 0 && path == where.data();
+    struct stat found = {};
+    if (fcntl(file.descriptor(), F_GETPATH, path.data()) != 0 || fstat(file.descriptor(), &held) != 0)
+        return {};
+    const bool isThere = lstat(path.data(), &found) == 0 ? isSameItem(found, held) : errno == EPERM || errno == EACCES;
+    return isThere ? path.data() : "";
+}
+
+bool isInTrash(const std::filesystem::path& path, NSURL* origin) {
+    NSURL* trash = [[NSFileManager defaultManager] URLForDirectory:NSTrashDirectory
+                                                          inDomain:NSUserDomainMask
+                                                 appropriateForURL:origin
+                                                            create:NO
+                                                             error:nil];
+    return trash && isSamePlace(path, std::filesystem::path(trash.fileSystemRepresentation) / path.filename());
 }
 
 bool putBack(const std::filesystem::path& arrived, const PinnedFile& file) {
     return renameatx_np(AT_FDCWD, arrived.c_str(), file.folder().descriptor(), file.name().c_str(), RENAME_EXCL) == 0;
+}
+
+// Nothing arrived in the Trash.
+TrashMove leftOrTaken(const PinnedFile& file, std::string reason) {
+    if (file.placeIn(file.folder().descriptor(), file.name()) == PinnedPlace::unchanged)
+        return notMoved(std::move(reason));
+    auto where = whereabouts(file);
+    if (where.empty())
+        reason = "another program removed it from the Trash";
+    return misplaced(std::move(reason), std::move(where));
+}
+
+// Something is in the Trash, or was.
+TrashMove putBackWhatArrived(const std::filesystem::path& arrived, const PinnedFile& file) {
+    struct stat found = {};
+    const int error = lstat(arrived.c_str(), &found) == 0 ? 0 : errno;
+    if (error == ENOENT)
+        return leftOrTaken(file, "another program took it out of the Trash");
+    std::string reason =
+        error == 0 ? "something else was in its place" : "what arrived in the Trash could not be looked at";
+    return putBack(arrived, file) ? notMoved(std::move(reason)) : misplaced(std::move(reason), arrived);
 }
 
 } // namespace
@@ -54,23 +109,29 @@ TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
         NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
         NSURL* result = nil;
         NSError* error = nil;
+        struct stat before = {};
+        struct stat after = {};
         // The system moves what the path leads to.
         if (auto refused = refusalByPlace(file.place()))
             return notMoved(std::move(*refused));
-        const auto current = file.facts();
-        if (!current || current->contentBytes != checked.contentBytes ||
-            current->fingerprint.contentModificationDate != checked.fingerprint.contentModificationDate)
-            return notMoved("it was modified after the scan");
-        if (![[NSFileManager defaultManager] trashItemAtURL:url resultingItemURL:&result error:&error])
-            return notMoved(errorFromFoundation(error).message);
-        const std::filesystem::path arrived = result ? result.fileSystemRepresentation : "";
-        if (isAt(arrived, file.descriptor()))
+        if (fstat(file.descriptor(), &before) != 0 || !isAsChecked(file, checked))
+            return notMoved(modified);
+        const bool isDone = [[NSFileManager defaultManager] trashItemAtURL:url resultingItemURL:&result error:&error];
+
+        // Whatever the system says, the file tells where it is.
+        const auto where = whereabouts(file);
+        const std::filesystem::path arrived = isDone && result ? result.fileSystemRepresentation : "";
+        if (!where.empty() && (arrived.empty() ? isInTrash(where, url) : isSamePlace(where, arrived))) {
+            const bool isUnchanged = fstat(file.descriptor(), &after) == 0 && isSameContent(before, after);
+            if (!isUnchanged && putBack(where, file))
+                return notMoved(modified);
             return {.outcome = TrashMove::Outcome::moved};
-        std::string reason =
-            result ? "something else was in its place" : "what arrived in the Trash could not be looked at";
-        if (!putBack(arrived, file))
-            return {TrashMove::Outcome::misplaced, std::move(reason), arrived};
-        return notMoved(std::move(reason));
+        }
+        if (!arrived.empty())
+            return putBackWhatArrived(arrived, file);
+        std::string reason = isDone ? "the system did not say where it is" : errorFromFoundation(error).message;
+        // An error and no file: somebody was quicker.
+        return !isDone && where.empty() ? notMoved(std::move(reason)) : leftOrTaken(file, std::move(reason));
     }
 }
 
