@@ -1,12 +1,19 @@
 // Moves one file to the Trash and tells what came of it, so that it can be killed, disturbed and deceived from outside:
-//   trash_mover FILE TRASH [replaced OTHER ASIDE | retaken OTHER ASIDE]
+//   trash_mover FILE TRASH [replaced OTHER ASIDE | retaken OTHER ASIDE | meddled DEED NUMBER]
 // "replaced": when FILE is about to be moved it goes to ASIDE and OTHER takes its place; "retaken": and when what was
-// moved is about to be put back, FILE is back first. Exit status 0 means moved; else the reason is printed.
+// moved is about to be put back, FILE is back first; "meddled": before the system call NUMBER of the move, counted from
+// 1, another program does one of the deeds below.
+// Exit status 0: moved; 1: not moved, and the reason is printed; 3: misplaced, and the reason and the path are printed,
+// a line each; 4: the move has fewer calls. A last line of a meddled move, "meddled:", says "unseen" when the move was
+// on the disk and did not look at that again, and "deleted" when the file was deleted.
 
 #include "platform/linux/Trash.h"
 #include "tests/support/InterceptedCall.h"
+#include "tests/support/TracedChild.h"
 
+#include <charconv>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <sys/syscall.h>
 #include <sys/uio.h>
@@ -14,8 +21,12 @@
 
 namespace {
 
-constexpr int refused = 1;
+namespace fs = std::filesystem;
+
+constexpr int notMoved = 1;
 constexpr int unusable = 2;
+constexpr int misplaced = 3;
+constexpr int over = 4;
 
 // Plain renames, which are not the call that is intercepted; none of them takes the place of a file.
 bool deceive(const std::string& how, const std::string& file, const std::string& other, const std::string& aside) {
@@ -39,28 +50,113 @@ void tell(std::string text) {
     static_cast<void>(writev(STDOUT_FILENO, &bytes, 1));
 }
 
+int move(const vantry::PinnedFile& file, const fs::path& trash) {
+    const auto facts = file.facts();
+    if (!facts)
+        return unusable;
+    static_cast<void>(getppid()); // where the move begins, for who counts its system calls
+    const auto move = vantry::moveToTrash(file, *facts, trash);
+    static_cast<void>(getppid());
+    switch (move.outcome) {
+    case vantry::TrashMove::Outcome::moved: return 0;
+    case vantry::TrashMove::Outcome::notMoved: tell(move.reason + '\n'); return notMoved;
+    case vantry::TrashMove::Outcome::misplaced: break;
+    }
+    tell(move.reason + '\n' + move.path.native() + '\n');
+    return misplaced;
+}
+
+/// Another program.
+class Meddler {
+public:
+    Meddler(std::string deed, const fs::path& file, const fs::path& trash)
+        : deed_(std::move(deed)),
+          file_(file, std::ios::app),
+          info_(trash / "info" / (file.filename().native() + ".trashinfo")),
+          moved_(trash / "files" / file.filename()) {}
+
+    /// False for a deed that nobody knows.
+    bool act() {
+        isDone_ = true;
+        if (deed_ == "file grown")
+            return static_cast<bool>(file_ << ", grown" << std::flush);
+        std::error_code isNone;
+        fs::remove(info_, isNone);
+        if (deed_ == "info replaced")
+            std::ofstream(info_) << "[Trash Info]\nPath=/their/report.log\nDeletionDate=2020-01-01T00:00:00\n";
+        else if (deed_ == "Trash emptied")
+            isDeleted_ = fs::remove(moved_, isNone);
+        return deed_ == "info removed" || deed_ == "info replaced" || deed_ == "Trash emptied";
+    }
+
+    // Names are looked at in the Trash, the contents by what the pin tells. A move that is not yet on the disk has to
+    // look again.
+    void watch(const vantry::TracedCall& call) {
+        const bool isOfInfo = call.number == SYS_newfstatat && call.text(1) == info_.filename();
+        const bool isOfItem = call.number == SYS_statx && call.text(1) == moved_.filename();
+        const bool isOfContents = call.number == SYS_statx && call.text(1).empty();
+        const bool isLook = deed_ == "file grown" ? isOfContents : isOfInfo || (deed_ == "Trash emptied" && isOfItem);
+        const bool isUnfinished = call.number == SYS_renameat2 || call.number == SYS_fsync;
+        isSeen_ = isSeen_ || (isDone_ && (isLook || isUnfinished));
+    }
+
+    [[nodiscard]] bool isDone() const { return isDone_; }
+    [[nodiscard]] std::string report() const {
+        return std::string("meddled:") + (isSeen_ ? "" : " unseen") + (isDeleted_ ? " deleted\n" : "\n");
+    }
+
+private:
+    std::string deed_;
+    std::ofstream file_;
+    fs::path info_;
+    fs::path moved_;
+    bool isDone_ = false;
+    bool isSeen_ = false;
+    bool isDeleted_ = false;
+};
+
+int moveMeddledWith(const vantry::PinnedFile& file, const fs::path& trash, Meddler meddler, int number) {
+    bool isInside = false;
+    bool isKnown = true;
+    const int status = vantry::traceCalls([&] { return move(file, trash); },
+                                          [&](const vantry::TracedCall& call) {
+                                              if (call.number == SYS_getppid)
+                                                  isInside = !isInside;
+                                              else if (isInside && --number == 0)
+                                                  isKnown = meddler.act();
+                                              if (isInside)
+                                                  meddler.watch(call);
+                                          });
+    if (status < 0 || !isKnown)
+        return unusable;
+    if (!meddler.isDone())
+        return over;
+    tell(meddler.report());
+    return status;
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
     if (count != 3 && count != 6)
         return unusable;
-    const std::filesystem::path file = arguments[1];
+    const fs::path file = arguments[1];
+    const fs::path trash = arguments[2];
     const auto folder = vantry::PinnedFolder::open(file.parent_path());
     if (!folder)
         return unusable;
     const auto item = vantry::PinnedFile::open(*folder, file.filename().native());
     if (!item)
         return unusable;
-    if (count == 6 && !deceive(arguments[3], file.native(), arguments[4], arguments[5]))
-        return unusable;
-    const auto facts = item->facts();
-    if (!facts)
-        return unusable;
-    static_cast<void>(getppid()); // where the move begins, for who counts its system calls
-    const auto move = vantry::moveToTrash(*item, *facts, arguments[2]);
-    static_cast<void>(getppid());
-    if (move.outcome == vantry::TrashMove::Outcome::moved)
-        return 0;
-    tell(move.reason + (move.outcome == vantry::TrashMove::Outcome::misplaced ? "; misplaced\n" : "\n"));
-    return refused;
+    if (count == 3)
+        return move(*item, trash);
+    const std::string how = arguments[3];
+    if (how == "meddled") {
+        const std::string text = arguments[5];
+        int number = 0;
+        if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc())
+            return unusable;
+        return moveMeddledWith(*item, trash, Meddler(arguments[4], file, trash), number);
+    }
+    return deceive(how, file.native(), arguments[4], arguments[5]) ? move(*item, trash) : unusable;
 }
