@@ -15,6 +15,10 @@ namespace vantry {
 /// somebody else's, a link, or open to others. Any thread.
 [[nodiscard]] Result<std::filesystem::path> userRuntimeFolder();
 
+/// Where files go that live for a moment: `$TMPDIR` when it is absolute, else "/tmp", on macOS the user's temporary
+/// folder. It may be missing. Any thread.
+[[nodiscard]] std::filesystem::path temporaryFolder();
+
 /// Tells the graphical sessions of one user apart: the X11 display, else the Wayland one; empty where a user has one
 /// session only. Any thread.
 [[nodiscard]] std::string graphicalSessionName();

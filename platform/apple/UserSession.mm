@@ -23,6 +23,17 @@ Result<void> checkPrivateFolder(const std::filesystem::path& folder) {
     return {};
 }
 
+Result<std::filesystem::path> usersTemporaryFolder() {
+    std::array<char, PATH_MAX> buffer{};
+    const std::size_t length = confstr(_CS_DARWIN_USER_TEMP_DIR, buffer.data(), buffer.size());
+    if (length == 0 || length > buffer.size())
+        return std::unexpected(errorFromErrno(length == 0 ? errno : ENAMETOOLONG, "temporary folder"));
+    std::string folder = buffer.data();
+    while (folder.size() > 1 && folder.ends_with('/'))
+        folder.pop_back();
+    return folder;
+}
+
 } // namespace
 
 Result<std::filesystem::path> homeFolder() {
@@ -39,16 +50,18 @@ Result<std::filesystem::path> homeFolder() {
 
 // The system's answer and not $TMPDIR, which may differ between two starts that are to find each other.
 Result<std::filesystem::path> userRuntimeFolder() {
-    std::array<char, PATH_MAX> buffer{};
-    const std::size_t length = confstr(_CS_DARWIN_USER_TEMP_DIR, buffer.data(), buffer.size());
-    if (length == 0 || length > buffer.size())
-        return std::unexpected(errorFromErrno(length == 0 ? errno : ENAMETOOLONG, "temporary folder"));
-    std::string folder = buffer.data();
-    while (folder.size() > 1 && folder.ends_with('/'))
-        folder.pop_back();
-    if (const auto checked = checkPrivateFolder(folder); !checked)
+    const auto folder = usersTemporaryFolder();
+    if (!folder)
+        return folder;
+    if (const auto checked = checkPrivateFolder(*folder); !checked)
         return std::unexpected(checked.error());
     return folder;
+}
+
+std::filesystem::path temporaryFolder() {
+    if (const char* folder = std::getenv("TMPDIR"); folder && *folder == '/')
+        return folder;
+    return usersTemporaryFolder().value_or("/tmp");
 }
 
 // A user has one window server session.

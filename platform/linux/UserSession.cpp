@@ -52,6 +52,11 @@ Result<std::filesystem::path> userRuntimeFolder() {
     return folder;
 }
 
+std::filesystem::path temporaryFolder() {
+    const auto folder = environment("TMPDIR");
+    return folder.starts_with('/') ? folder : "/tmp";
+}
+
 std::string graphicalSessionName() {
     auto display = environment("DISPLAY");
     if (display.empty())

@@ -253,4 +253,14 @@ TEST(GraphicalSessionName, IsTheDisplayWithoutItsScreen) {
     }
 }
 
+TEST(TemporaryFolderOfTheUser, IsTheOneOfTheEnvironmentWhenItIsAbsolute) {
+    for (const auto& [variable, folder] :
+         {std::pair("/some/folder", "/some/folder"), {"relative", "/tmp"}, {"", "/tmp"}}) {
+        const ScopedEnvironment environment("TMPDIR", variable);
+        EXPECT_EQ(temporaryFolder(), folder);
+    }
+    const ScopedEnvironment environment("TMPDIR", nullptr);
+    EXPECT_EQ(temporaryFolder(), "/tmp");
+}
+
 } // namespace vantry
