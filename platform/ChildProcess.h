@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace vantry {
@@ -14,13 +15,17 @@ namespace vantry {
 enum class ChildOutput { nullDevice, pipe };
 
 /// A child process. It inherits nothing but its standard descriptors and the environment, and starts with no signal
-/// blocked or ignored. Nothing here waits. Destroying this neither ends nor waits for the child: one that was not seen
-/// to end stays behind as a zombie, so keep it. One thread at a time.
+/// blocked or ignored. Nothing here waits. Destroying this does not end the child; a thread that lives as long as the
+/// child reaps it then, so that it leaves no zombie (it does where no thread can be started). One thread at a time.
 class ChildProcess {
 public:
     /// Starts `program` with `arguments` (its own name not among them).
     [[nodiscard]] static Result<ChildProcess> start(const std::filesystem::path& program,
                                                     const std::vector<std::string>& arguments, ChildOutput output);
+
+    ChildProcess(ChildProcess&& other) noexcept;
+    ChildProcess& operator=(ChildProcess&& other) noexcept;
+    ~ChildProcess();
 
     /// The reading end of the child's standard output, not blocking; -1 without a pipe.
     [[nodiscard]] int output() const { return output_.get(); }
@@ -34,9 +39,9 @@ public:
     void sendSignal(int signal);
 
 private:
-    ChildProcess(int pid, UniqueFd exit, UniqueFd output);
+    ChildProcess(pid_t pid, UniqueFd exit, UniqueFd output);
 
-    int pid_;
+    pid_t pid_;
     UniqueFd exit_;
     UniqueFd output_;
     std::optional<int> status_;

@@ -11,7 +11,7 @@
 namespace vantry {
 
 /// What `program` writes to its standard output. Absent unless it ends with the status 0 before `deadline` and writes
-/// no more than `limit` bytes; it is killed then, and waited for 0.2 seconds at most. Blocking; any thread.
+/// no more than `limit` bytes; otherwise it is ended, which takes a quarter of a second at most. Blocking; any thread.
 [[nodiscard]] std::optional<std::string> programOutput(const std::filesystem::path& program,
                                                        const std::vector<std::string>& arguments, std::size_t limit,
                                                        Deadline deadline);

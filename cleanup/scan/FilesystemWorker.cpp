@@ -57,11 +57,13 @@ void perform(const MeasuringChildrenJob& job) {
     writeAll(STDOUT_FILENO, encoded(payload));
 }
 
-// A new file, or an empty one that was made for the purpose: nothing is ever written over.
+// A new file, or an empty one of this user's that was made for the purpose: nothing is ever written over, and nobody
+// else gets the names.
 UniqueFd openOutput(const std::string& path) {
     UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
     struct stat facts = {};
-    if (file && (fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode) || facts.st_size != 0))
+    if (file &&
+        (fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode) || facts.st_size != 0 || facts.st_uid != geteuid()))
         file.reset();
     return file;
 }

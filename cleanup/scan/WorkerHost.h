@@ -3,34 +3,31 @@
 #include "base/Deadline.h"
 #include "cleanup/scan/ScanWorkers.h"
 #include "platform/ChildProcess.h"
+#include "platform/StopSwitch.h"
 
-#include <chrono>
-#include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace vantry {
 
-/// Starts filesystem workers, one at a time, and never waits for one without a bound: a worker that overruns is asked
-/// to end, then killed, and one that survives even that, stuck in a hung file system, is left behind and reaped when it
-/// ends. Every failure is an answer that is not complete. Blocking; one thread, the scan's own.
+/// Starts filesystem workers, one at a time, and never waits for one without a bound, see platform/SupervisedChild.h.
+/// Every failure is an answer that is not complete. Blocking; one thread, the scan's own.
 class WorkerHost : public ScanWorkers {
 public:
     /// What is started, and where workers leave their lists.
     struct Environment {
         std::filesystem::path executable;
         std::filesystem::path temporaryFolder;
+        std::shared_ptr<StopSwitch> stopSwitch = nullptr; ///< ends workers and keeps more from being started
     };
 
-    /// The running executable, and `$TMPDIR` or "/tmp" (on macOS the user's temporary folder).
+    /// The running executable and the temporary folder, without a switch.
     [[nodiscard]] static Result<Environment> currentEnvironment();
 
     explicit WorkerHost(Environment environment);
-    WorkerHost(const WorkerHost&) = delete;
-    WorkerHost& operator=(const WorkerHost&) = delete;
-    ~WorkerHost() override;
 
     /// Measures `folder` in a worker, for half a second at most. A regular file is measured at once, without a worker.
     [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override;
@@ -41,25 +38,15 @@ public:
     [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
                                                       std::span<const std::string> keys, Deadline deadline) override;
 
-    /// Workers that were left behind and have not ended yet.
-    [[nodiscard]] std::size_t abandonedCount();
-
 private:
-    struct Finished {
-        int exitStatus = 0;
-        std::string output;
-    };
-
     /// The output of a worker that measures `folder`; absent when it did not end well in time.
     [[nodiscard]] std::optional<std::string> measured(const char* flag, const std::filesystem::path& folder,
-                                                      Deadline deadline);
-    [[nodiscard]] std::optional<Finished> run(const std::vector<std::string>& arguments, ChildOutput output,
-                                              Deadline deadline);
-    void stopWorker(ChildProcess worker);
-    void reapAbandoned();
+                                                      Deadline deadline) const;
+    /// The output of a worker; absent when it did not end well in time.
+    [[nodiscard]] std::optional<std::string> run(const std::vector<std::string>& arguments, ChildOutput output,
+                                                 Deadline deadline) const;
 
     Environment environment_;
-    std::vector<ChildProcess> abandoned_;
 };
 
 } // namespace vantry

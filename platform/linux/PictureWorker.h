@@ -3,7 +3,6 @@
 #include "platform/Picture.h"
 
 #include <chrono>
-#include <cstddef>
 #include <filesystem>
 #include <optional>
 
@@ -15,13 +14,9 @@ namespace vantry {
 ///                           with another status than 0 when there is none
 inline constexpr const char* pictureWorkerFlag = "--picture-worker";
 
-/// `readPicture` by `executable` as worker. One that has not ended after `patience` is asked to end, then killed; one
-/// that survives even that is left behind, and reaped when it has ended and a picture is read again.
+/// `readPicture` by `executable` as worker, which is ended when it takes longer than `patience`.
 [[nodiscard]] std::optional<PicturePixels> readPictureInWorker(const std::filesystem::path& executable,
                                                                const std::filesystem::path& file,
                                                                std::chrono::milliseconds patience);
-
-/// Workers that were left behind and have not ended yet.
-[[nodiscard]] std::size_t abandonedPictureWorkers();
 
 } // namespace vantry

@@ -1,14 +1,18 @@
 #pragma once
 
+#include "base/Deadline.h"
 #include "platform/ChildProcess.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <ostream>
 #include <poll.h>
 #include <string>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -57,6 +61,22 @@ inline void PrintTo(const EndedChild& ended, std::ostream* stream) {
 [[nodiscard]] inline bool hasChildren() {
     siginfo_t info = {};
     return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+/// How many of those there are, as far as the calling thread started them. On Linux.
+[[nodiscard]] inline int childCount() {
+    std::ifstream list("/proc/thread-self/children");
+    int count = 0;
+    for (pid_t child = 0; list >> child;)
+        ++count;
+    return count;
+}
+
+/// Waits until no more than `count` are left, for half a minute at most.
+inline void waitUntilChildrenAre(int count) {
+    const auto patience = deadlineIn(std::chrono::seconds(30));
+    while (childCount() > count && !hasPassed(patience))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 } // namespace vantry

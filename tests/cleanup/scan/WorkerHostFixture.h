@@ -27,7 +27,6 @@ protected:
 
     void TearDown() override {
         EXPECT_TRUE(fs::is_empty(temporary));
-        EXPECT_EQ(host.abandonedCount(), 0U);
         EXPECT_FALSE(hasChildren());
         // A thread that was waited for may be seen a moment longer.
         const auto patience = deadlineIn(std::chrono::seconds(10));

@@ -14,6 +14,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <poll.h>
 #include <string>
 #include <sys/resource.h>
@@ -55,6 +56,7 @@ std::string failureAfter(Prepare prepare) {
         const auto child = ChildProcess::start("/bin/true", {}, ChildOutput::pipe);
         if (child)
             return "started";
+        waitUntilChildrenAre(0);
         return child.error().message + (openDescriptorCount() != before ? ", with a descriptor left" : "") +
                (hasChildren() ? ", with a child left" : "");
     });
@@ -122,7 +124,7 @@ TEST_F(AChildProcess, HasNoStatusWhereEndsAreIgnored) {
     for (const char* seconds : {"0.2", "0", "0", "0", "0", "0", "0", "0", "0"}) {
         auto child = ChildProcess::start("/bin/sleep", {seconds}, ChildOutput::nullDevice);
         if (!child) { // it was gone before it could be watched
-            EXPECT_EQ(child.error(), errorFromErrno(ESRCH, "pidfd_open"));
+            EXPECT_EQ(child.error(), errorFromErrno(ESRCH, "child exit"));
             continue;
         }
         // The kernel lets go of it by itself, a moment after its end.
@@ -140,6 +142,48 @@ TEST_F(AChildProcess, CanBeMoved) {
     ChildProcess moved(std::move(*child));
     *child = std::move(moved);
     EXPECT_EQ(endOf(*child), (EndedChild{0, "output\n"}));
+}
+
+TEST_F(AChildProcess, ThatNobodyWatchesIsReapedWhenItEnds) {
+    const TemporaryFolder root;
+    {
+        const auto child = ChildProcess::start(
+            shell, script("while [ ! -e '" + (root / "end").native() + "' ]; do sleep 0.01; done"), ChildOutput::pipe);
+        ASSERT_TRUE(child);
+    }
+    EXPECT_EQ(childCount(), 1);
+    writeFile(root / "end", "");
+    waitUntilChildrenAre(0);
+}
+
+TEST_F(AChildProcess, ThatIsReplacedIsReapedWhenItEnds) {
+    auto child = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
+    auto other = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
+    ASSERT_TRUE(child && other);
+    *child = std::move(*other);
+    EXPECT_EQ(endOf(*child), (EndedChild{0, ""}));
+    waitUntilChildrenAre(0);
+}
+
+TEST_F(AChildProcess, ThatNobodyWatchesLeavesRequestsToEndToOtherThreads) {
+    const TemporaryFolder root;
+    {
+        const auto child = ChildProcess::start(
+            shell, script("while [ ! -e '" + (root / "end").native() + "' ]; do sleep 0.01; done"), ChildOutput::pipe);
+        ASSERT_TRUE(child);
+    }
+    std::vector<std::string> blocked;
+    for (const auto& thread : fs::directory_iterator("/proc/self/task")) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string line; std::getline(status, line);)
+            if (line.starts_with("SigBlk:") && thread.path().filename() != std::to_string(getpid()))
+                blocked.push_back(line.substr(line.size() - 16));
+    }
+    writeFile(root / "end", "");
+    waitUntilChildrenAre(0);
+    ASSERT_FALSE(blocked.empty());
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        EXPECT_NE(std::stoull(blocked.back(), nullptr, 16) >> (signal - 1) & 1U, 0U) << signal;
 }
 
 TEST_F(AChildProcess, GetsItsStreamsAlsoWhereThereAreNone) {
@@ -214,7 +258,7 @@ TEST_F(AChildProcess, CannotBeStartedWithoutDescriptors) {
             if (hasChildren())
                 return "a child is left";
             if (child.error() != errorFromErrno(EMFILE, "pipe") &&
-                child.error() != errorFromErrno(EMFILE, "pidfd_open"))
+                child.error() != errorFromErrno(EMFILE, "child exit"))
                 return child.error().message;
         }
         return "never started";
@@ -234,13 +278,13 @@ TEST_F(AChildProcess, CannotBeStartedByAUserWhoHasTooMany) {
 
 TEST_F(AChildProcess, CannotBeStartedOnAKernelThatCannotShowItsEnd) {
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, ENOSYS); }),
-              errorFromErrno(ENOSYS, "pidfd_open").message);
+              errorFromErrno(ENOSYS, "child exit").message);
 }
 
 TEST_F(AChildProcess, IsKilledAndReapedWhenItsEndCouldNotBeSeen) {
     // Only that of the process itself can be asked for.
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, EMFILE, static_cast<std::uint32_t>(getpid())); }),
-              errorFromErrno(EMFILE, "pidfd_open").message);
+              errorFromErrno(EMFILE, "child exit").message);
 }
 
 TEST_F(AChildProcess, CannotBeStartedWhereProcessesAreForbidden) {

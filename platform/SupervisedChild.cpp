@@ -1,0 +1,120 @@
+#include "platform/SupervisedChild.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+constexpr std::chrono::milliseconds stopPatience{120}; // after SIGTERM, and again after SIGKILL
+
+int millisecondsUntil(Deadline deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+}
+
+} // namespace
+
+Result<SupervisedChild> SupervisedChild::start(const std::filesystem::path& program,
+                                               const std::vector<std::string>& arguments, ChildOutput output,
+                                               std::shared_ptr<StopSwitch> stopSwitch) {
+    auto work = StopSwitch::beginWork(stopSwitch);
+    if (!work)
+        return std::unexpected(work.error());
+    auto child = ChildProcess::start(program, arguments, output);
+    if (!child)
+        return std::unexpected(child.error());
+    return SupervisedChild(std::move(*child), std::move(stopSwitch), std::move(*work));
+}
+
+SupervisedChild::SupervisedChild(ChildProcess child, std::shared_ptr<StopSwitch> stopSwitch, StopSwitch::Work work)
+    : stopSwitch_(std::move(stopSwitch)),
+      work_(std::move(work)),
+      child_(std::move(child)),
+      isReading_(child_.output() >= 0) {}
+
+SupervisedChild::~SupervisedChild() {
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        if (child_.exitStatus())
+            return;
+        child_.sendSignal(signal);
+        if (endsWithin(stopPatience))
+            return;
+    }
+}
+
+std::optional<std::string> SupervisedChild::outputToEnd(std::size_t limit, Deadline deadline) {
+    while (pending_.size() <= limit && mayHaveMore(deadline)) {
+    }
+    if (pending_.size() > limit || child_.exitStatus() != 0)
+        return std::nullopt;
+    return std::exchange(pending_, {});
+}
+
+std::optional<std::string> SupervisedChild::nextLine(std::size_t limit, Deadline deadline) {
+    for (std::size_t searched = 0;;) {
+        if (const auto end = pending_.find('\n', searched); end != std::string::npos) {
+            std::string line = pending_.substr(0, end);
+            pending_.erase(0, end + 1);
+            return line;
+        }
+        searched = pending_.size();
+        if (searched > limit || !mayHaveMore(deadline))
+            return std::nullopt;
+    }
+}
+
+// Reads some output or waits for it. False at the end: of the child, of the time, or by the switch.
+bool SupervisedChild::mayHaveMore(Deadline deadline) {
+    // What the child wrote was in the pipe before it ended.
+    const bool hasEnded = child_.exitStatus().has_value();
+    const bool isLate = hasPassed(deadline) || (stopSwitch_ && stopSwitch_->isStopped());
+    if (isLate && !hasEnded)
+        return false;
+    if (readPiece())
+        return true;
+    if (isLate || hasEnded)
+        return false;
+    wait(deadline);
+    return true;
+}
+
+// Whether there was something to read.
+bool SupervisedChild::readPiece() {
+    if (!isReading_)
+        return false;
+    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): written by the call
+    const ssize_t length = read(child_.output(), buffer.data(), buffer.size());
+    if (length > 0)
+        pending_.append(buffer.data(), static_cast<std::size_t>(length));
+    else
+        isReading_ = length < 0 && (errno == EAGAIN || errno == EINTR);
+    return length > 0;
+}
+
+// An output at its end stays readable, and is not looked at any more.
+void SupervisedChild::wait(Deadline deadline) {
+    std::array<pollfd, 3> events{{{child_.exitDescriptor(), POLLIN, 0},
+                                  {isReading_ ? child_.output() : -1, POLLIN, 0},
+                                  {stopSwitch_ ? stopSwitch_->descriptor() : -1, POLLIN, 0}}};
+    poll(events.data(), events.size(), millisecondsUntil(deadline));
+}
+
+bool SupervisedChild::endsWithin(std::chrono::milliseconds patience) {
+    const auto deadline = deadlineIn(patience);
+    while (!child_.exitStatus() && !hasPassed(deadline)) {
+        pollfd ended{child_.exitDescriptor(), POLLIN, 0};
+        poll(&ended, 1, millisecondsUntil(deadline));
+    }
+    return child_.exitStatus().has_value();
+}
+
+} // namespace vantry
