@@ -20,13 +20,14 @@ Result<ScanEnvironment> ScanEnvironment::currentWithoutWorkers() {
         .home = std::move(resolved), .workers = {}, .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
 }
 
-Result<ScanEnvironment> ScanEnvironment::current() {
+Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> stopSwitch) {
     auto environment = currentWithoutWorkers();
     if (!environment)
         return environment;
     auto workers = WorkerHost::currentEnvironment();
     if (!workers)
         return std::unexpected(workers.error());
+    workers->stopSwitch = std::move(stopSwitch);
     environment->workers = std::move(*workers);
     return environment;
 }

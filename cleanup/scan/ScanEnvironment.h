@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 
 namespace vantry {
 
@@ -18,8 +19,8 @@ struct ScanEnvironment {
     std::function<SystemTime()> now;
 
     /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
-    /// executable cannot be started again. Blocking; any thread.
-    [[nodiscard]] static Result<ScanEnvironment> current();
+    /// executable cannot be started again. `stopSwitch` ends the scans that use it. Blocking; any thread.
+    [[nodiscard]] static Result<ScanEnvironment> current(std::shared_ptr<StopSwitch> stopSwitch = nullptr);
     /// The same for validation, which starts no workers: fails only when there is no home folder.
     [[nodiscard]] static Result<ScanEnvironment> currentWithoutWorkers();
 };
