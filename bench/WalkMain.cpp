@@ -2,11 +2,13 @@
 
 #include "platform/DirectoryWalk.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fmt/format.h>
 #include <fstream>
+#include <memory>
 #include <string>
 
 namespace {
@@ -35,9 +37,9 @@ int main(int count, char** arguments) {
     using Seconds = std::chrono::duration<double>;
     const Seconds limit(count > 3 ? std::atof(arguments[3]) : 3600.0);
     const auto begin = std::chrono::steady_clock::now();
-    const auto totals =
-        vantry::walkTree(arguments[1], begin + std::chrono::duration_cast<std::chrono::nanoseconds>(limit),
-                         static_cast<unsigned>(std::atoi(arguments[2])));
+    const auto totals = vantry::walkTree(
+        arguments[1], begin + std::chrono::duration_cast<std::chrono::nanoseconds>(limit),
+        std::make_shared<vantry::SpareThreads>(static_cast<unsigned>(std::max(std::atoi(arguments[2]), 1) - 1)));
     const Seconds took = std::chrono::steady_clock::now() - begin;
     fmt::print("{:.6f} {} {} {} {}\n", took.count(), totals.regularFiles, totals.allocatedBytes,
                totals.complete ? "complete" : "cut-short", peakMemory());

@@ -3,9 +3,11 @@
 #include "base/Deadline.h"
 #include "base/Result.h"
 #include "base/Time.h"
+#include "platform/SpareThreads.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,11 +27,12 @@ struct TreeTotals {
 
 /// Measures the item at `path`: a regular file by itself, a folder with everything below it, other file systems mounted
 /// there included. What cannot be read is passed over; a link, and a folder that cannot be opened, give nothing and are
-/// not complete. Works at any depth and width in bounded memory. Uses up to `threads` threads (at least the calling
-/// one), more than one only once the tree has shown to be large. Blocking until the tree is walked or `deadline` has
+/// not complete. Works at any depth and width in bounded memory. Once the tree has shown to be large, `helpers` beside
+/// the calling thread take part, also those that become free later. Blocking until the tree is walked or `deadline` has
 /// passed, and as long as a file system does not answer; any thread. Never fails: what keeps this process from seeing
 /// everything makes the answer not complete.
-[[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsigned threads);
+[[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
+                                  const std::shared_ptr<SpareThreads>& helpers);
 
 /// The names directly inside a folder, as bytes, in the order of the file system. A link to a folder is refused.
 /// Blocking; any thread.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <limits>
+#include <memory>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -17,7 +18,15 @@ namespace {
 constexpr std::chrono::milliseconds longestMeasurement{500};
 constexpr unsigned mostThreads = 4; // the kernel's locks leave little to more
 
-unsigned threadCount() { return std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads); }
+std::shared_ptr<SpareThreads> allHelpers() {
+    return std::make_shared<SpareThreads>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads) - 1);
+}
+
+DirectoryMetrics measured(const std::filesystem::path& path, Deadline deadline,
+                          const std::shared_ptr<SpareThreads>& helpers) {
+    const TreeTotals totals = walkTree(path, deadline, helpers);
+    return {totals.allocatedBytes, totals.newestModification, totals.complete};
+}
 
 // What stands in a folder.
 struct Child {
@@ -26,30 +35,35 @@ struct Child {
     DirectoryMetrics metrics;
 };
 
-void measure(Child& child, const std::filesystem::path& folder, Deadline deadline) {
+void measure(Child& child, const std::filesystem::path& folder, Deadline deadline,
+             const std::shared_ptr<SpareThreads>& helpers) {
     const auto path = folder / child.name;
     child.kind = quickItemKind(path);
     if (child.kind == ItemKind::regularFile || child.kind == ItemKind::folder)
-        child.metrics = directoryMetricsInProcess(path, deadline);
+        child.metrics = measured(path, deadline, helpers);
 }
 
-// Each thread takes the next child that none has taken yet.
+// Each thread takes the next child that none has taken yet. Once there is none left, it helps to walk the others.
 void measureAll(std::vector<Child>& children, const std::filesystem::path& folder, Deadline deadline) {
+    const auto helpers = allHelpers();
     std::atomic<std::size_t> next = 0;
     const auto takeSome = [&] {
         for (std::size_t i = next++; i < children.size(); i = next++)
-            measure(children[i], folder, deadline);
+            measure(children[i], folder, deadline, helpers);
     };
-    std::vector<std::thread> helpers;
+    std::vector<std::thread> threads;
     try {
-        for (std::size_t count = 1; count < std::min<std::size_t>(threadCount(), children.size()); ++count)
-            helpers.emplace_back(takeSome);
+        while (threads.size() + 1 < children.size() && helpers->take())
+            threads.emplace_back([&] {
+                takeSome();
+                helpers->giveBack();
+            });
     } catch (const std::system_error&) {
-        // Fewer threads do it all.
+        helpers->giveBack(); // fewer threads do it all
     }
     takeSome();
-    for (auto& helper : helpers)
-        helper.join();
+    for (auto& thread : threads)
+        thread.join();
 }
 
 void add(DirectoryMetrics& whole, const DirectoryMetrics& part) {
@@ -64,8 +78,7 @@ void add(DirectoryMetrics& whole, const DirectoryMetrics& part) {
 } // namespace
 
 DirectoryMetrics directoryMetricsInProcess(const std::filesystem::path& folder, Deadline deadline) {
-    const TreeTotals totals = walkTree(folder, std::min(deadline, deadlineIn(longestMeasurement)), threadCount());
-    return {totals.allocatedBytes, totals.newestModification, totals.complete};
+    return measured(folder, std::min(deadline, deadlineIn(longestMeasurement)), allHelpers());
 }
 
 ChildrenMetrics childrenMetricsInProcess(const std::filesystem::path& folder, Deadline deadline) {

@@ -204,7 +204,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostOpen = 96; // of 256 that a process has, unless it asks for more
+    // A process has 256 descriptors, unless it asks for more; four threads walk at once.
+    static constexpr std::size_t mostOpen = 48;
     static constexpr std::size_t mostFarApart = mostOpen / 4;
     static constexpr std::size_t foldersAhead = 512;
 
@@ -371,7 +372,8 @@ Result<std::vector<std::string>> namesIn(const std::filesystem::path& folder, Wa
 } // namespace
 
 // One thread walks it all.
-TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsigned /*threads*/) {
+TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
+                    const std::shared_ptr<SpareThreads>& /*helpers*/) {
     struct stat facts = {};
     if (lstat(path.c_str(), &facts) != 0)
         return {};

@@ -85,9 +85,13 @@ private:
 
 // What the threads of a walk have in common.
 struct Exchange {
-    explicit Exchange(Deadline limit, unsigned count) : deadline(limit), tallies(count) {}
+    Exchange(Deadline limit, std::shared_ptr<SpareThreads> spareThreads)
+        : deadline(limit),
+          helpers(std::move(spareThreads)),
+          tallies(helpers->most() + 1) {}
 
     const Deadline deadline;
+    const std::shared_ptr<SpareThreads> helpers;
     std::vector<TreeTally> tallies; ///< one a thread
 
     std::mutex mutex;
@@ -121,7 +125,7 @@ public:
         runTasks();
     }
 
-    // Called once, when the tree has shown to be large.
+    // Called again and again, once the tree has shown to be large.
     std::function<void()> whenLarge;
 
 private:
@@ -185,7 +189,7 @@ private:
                 return;
             if (whenLarge && seen_ >= entriesBeforeMoreThreads &&
                 (tasks_.size() > 1 || entries.size() - i > fewestEntriesToShare))
-                std::exchange(whenLarge, nullptr)();
+                whenLarge();
             entries = withoutSharedHalf(*folder, entries, i + 1);
         }
     }
@@ -289,15 +293,21 @@ void takePart(Walker& walker, Exchange& exchange, UniqueFd root) {
     }
 }
 
-// A thread that is stuck in a file system keeps its share of the state alive; nobody waits for it.
-void startHelper(const std::shared_ptr<Exchange>& exchange, std::size_t index) {
+// Whether it could be started. A thread that is stuck in a file system keeps its share of the state alive, and its
+// place; nobody waits for it.
+bool startHelper(const std::shared_ptr<Exchange>& exchange, std::size_t index) {
     try {
         std::thread([exchange, index] {
-            Walker walker(exchange, index);
-            takePart(walker, *exchange, {});
+            {
+                Walker walker(exchange, index);
+                takePart(walker, *exchange, {});
+            }
+            exchange->helpers->giveBack();
         }).detach();
+        return true;
     } catch (const std::system_error&) {
-        // One thread does it all.
+        exchange->helpers->giveBack();
+        return false;
     }
 }
 
@@ -306,14 +316,13 @@ Deadline shortlyAfter(Deadline deadline) {
     return deadline > Deadline::max() - patienceWithOtherThreads ? deadline : deadline + patienceWithOtherThreads;
 }
 
-TreeTotals walkFolder(UniqueFd root, Deadline deadline, unsigned threads) {
-    const auto exchange = std::make_shared<Exchange>(deadline, std::max(threads, 1U));
+TreeTotals walkFolder(UniqueFd root, Deadline deadline, const std::shared_ptr<SpareThreads>& helpers) {
+    const auto exchange = std::make_shared<Exchange>(deadline, helpers);
     Walker walker(exchange, 0);
-    if (threads > 1)
-        walker.whenLarge = [&] {
-            for (std::size_t index = 1; index < threads; ++index)
-                startHelper(exchange, index);
-        };
+    walker.whenLarge = [&exchange, index = std::size_t{1}]() mutable {
+        while (index < exchange->tallies.size() && exchange->helpers->take())
+            index = startHelper(exchange, index) ? index + 1 : exchange->tallies.size(); // else those there are do it
+    };
     exchange->working = 1;
     takePart(walker, *exchange, std::move(root));
 
@@ -325,7 +334,8 @@ TreeTotals walkFolder(UniqueFd root, Deadline deadline, unsigned threads) {
 
 } // namespace
 
-TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsigned threads) {
+TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
+                    const std::shared_ptr<SpareThreads>& helpers) {
     struct statx facts;
     if (statx(AT_FDCWD, path.c_str(), statxFlags, statxMask, &facts) != 0)
         return {};
@@ -337,7 +347,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline, unsign
     if (hasPassed(deadline) || !S_ISDIR(facts.stx_mode))
         return {};
     UniqueFd root(open(path.c_str(), folderOpenFlags));
-    return root ? walkFolder(std::move(root), deadline, threads) : TreeTotals{};
+    return root ? walkFolder(std::move(root), deadline, helpers) : TreeTotals{};
 }
 
 Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {

@@ -81,7 +81,8 @@ public:
     }
 
 private:
-    // Four threads are far from the 256 descriptors that the most modest systems allow, and few trees are deeper.
+    // Four threads walk at once: far from the 256 descriptors that the most modest systems allow, and few trees are
+    // deeper.
     static constexpr std::size_t mostOpen = 48;
 
     static std::optional<WalkedFolder::Identity> identityOf(const UniqueFd& fd) {

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <sys/stat.h>
@@ -29,7 +30,7 @@ public:
             return given->second;
         if (hasPassed(deadline))
             return {};
-        const auto totals = walkTree(folder, deadlineIn(std::chrono::seconds(60)), 1);
+        const auto totals = walkTree(folder, deadlineIn(std::chrono::seconds(60)), std::make_shared<SpareThreads>(0));
         return {totals.allocatedBytes, totals.newestModification, totals.complete};
     }
     [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override {

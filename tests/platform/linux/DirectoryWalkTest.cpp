@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
@@ -34,6 +35,10 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 Deadline farAway() { return deadlineIn(2min); }
+
+TreeTotals walkTree(const fs::path& path, Deadline deadline, unsigned threads) {
+    return vantry::walkTree(path, deadline, std::make_shared<SpareThreads>(std::max(threads, 1U) - 1));
+}
 
 /// The same, in the plainest way.
 TreeTotals naiveTotals(const fs::path& root) {

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <functional>
 #include <linux/landlock.h>
+#include <memory>
 #include <string>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -144,7 +145,8 @@ TEST_F(WriteProtection, LetsEverythingBeRead) {
                   if (!giveUpChangingFiles())
                       return "did not";
                   const auto names = visibleNames(root.path());
-                  const auto totals = walkTree(root.path(), deadlineIn(std::chrono::minutes(1)), 4);
+                  const auto totals =
+                      walkTree(root.path(), deadlineIn(std::chrono::minutes(1)), std::make_shared<SpareThreads>(3));
                   return readFile(path("link")) + " " + std::to_string(names ? names->size() : 0) + " " +
                          std::to_string(totals.regularFiles) + (totals.complete ? " complete" : "");
               }),
