@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace vantry::CleanupScanner {
 namespace {
@@ -76,7 +77,37 @@ TEST_F(ScanReport, OfAnEmptyHomeHasNothingAndSaysNotPresent) {
         EXPECT_EQ(state, CleanupScanState::notPresent) << rawValue(category);
     EXPECT_EQ(report.metrics.size(), allCleanupCategories.size());
     EXPECT_TRUE(report.storageSnapshot);
-    EXPECT_GT(report.duration.count(), 0);
+}
+
+TEST_F(ScanReport, SaysHowLongItTook) {
+    const auto pause = std::chrono::milliseconds(20);
+    directory("Downloads");
+    workers.afterListing = [&](const auto&) { std::this_thread::sleep_for(pause); };
+    const auto begin = std::chrono::steady_clock::now();
+    const auto report = scan(environment, workers, {});
+    EXPECT_LE(report.duration, std::chrono::steady_clock::now() - begin);
+    EXPECT_GE(report.duration, pause);
+}
+
+TEST_F(ScanReport, FindingHasTenSecondsAndEachOfTheTwoMeasurementsEight) {
+    for (const auto& row : allCleanupCategories)
+        for (const auto& place : approvedRoots(row.value, environment)) {
+            std::filesystem::create_directories(place);
+            workers.hung.insert(place); // so that each pass asks for itself
+        }
+    const auto begin = std::chrono::steady_clock::now();
+    static_cast<void>(scan(environment, workers, {}));
+    const auto end = std::chrono::steady_clock::now();
+    using namespace std::chrono_literals;
+    std::vector<Deadline> passes;
+    for (const auto deadline : workers.deadlines)
+        if (passes.empty() || passes.back() != deadline)
+            passes.push_back(deadline);
+    ASSERT_EQ(passes.size(), 3U);
+    for (const auto& [deadline, time] : {std::pair(passes[0], 10s), {passes[1], 8s}, {passes[2], 8s}}) {
+        EXPECT_GE(deadline, begin + time);
+        EXPECT_LE(deadline, end + time);
+    }
 }
 
 TEST_F(ScanReport, TheFindersUseTheirRules) {

@@ -1,5 +1,6 @@
 #include "cleanup/scan/DirectoryMetrics.h"
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -117,6 +118,31 @@ TEST(ChildrenMetricsInProcess, OfManyFoldersMissNone) {
     ASSERT_EQ(metrics.children.size(), 300U);
     for (int i = 0; i < 300; ++i)
         EXPECT_EQ(metrics.children.at(std::to_string(i)).size, (1 + i % 3) * allocated(root / "0/0")) << i;
+}
+
+TEST(ChildrenMetricsInProcess, AreNotCompleteWithAChildThatCannotBeMeasured) {
+    const TemporaryFolder root;
+    for (const char* name : {"closed", "open"}) {
+        std::filesystem::create_directory(root / name);
+        writeFile(root / name / "file", "1");
+    }
+    std::filesystem::permissions(root.path(), std::filesystem::perms::all);
+    std::filesystem::permissions(root / "open", std::filesystem::perms::all);
+    std::filesystem::permissions(root / "closed", std::filesystem::perms::none);
+    const std::string said = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()))
+            return "no other user";
+        // It may be late on a machine that is busy.
+        ChildrenMetrics metrics;
+        for (int attempt = 0; attempt < 20 && !metrics.children.contains("open"); ++attempt)
+            metrics = childrenMetricsInProcess(root.path(), deadlineIn(1min));
+        return std::to_string(metrics.children.size()) + (metrics.whole.complete ? " complete" : " not complete") +
+               (metrics.whole.size > 0 ? ", some" : ", none");
+    });
+    std::filesystem::permissions(root / "closed", std::filesystem::perms::owner_all);
+    if (said == "no other user")
+        GTEST_SKIP() << "no right to become another user";
+    EXPECT_EQ(said, "1 not complete, some");
 }
 
 TEST(ChildrenMetricsInProcess, LeaveOutWhatThereWasNoTimeFor) {

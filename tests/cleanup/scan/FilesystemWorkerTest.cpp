@@ -8,10 +8,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 #include <vector>
 
@@ -191,8 +194,40 @@ TEST_F(FilesystemWorker, WritesIntoNoFolderAndNoDevice) {
     fs::create_directory(output);
     EXPECT_EQ(list(output), silent);
     EXPECT_TRUE(fs::is_empty(output));
-    EXPECT_EQ(list("/dev/null"), silent);
-    EXPECT_EQ(permissions("/dev/null") & 0600U, 0600U);
+    const fs::path device = root / "null";
+    if (mknod(device.c_str(), S_IFCHR | 0644, makedev(1, 3)) != 0)
+        GTEST_SKIP() << "no right to make a device";
+    const auto before = permissions(device);
+    EXPECT_EQ(list(device), silent);
+    EXPECT_EQ(permissions(device), before);
+}
+
+TEST_F(FilesystemWorker, WritesIntoNoFileOfAnotherUser) {
+    writeFile(output, "");
+    fs::permissions(output, fs::perms(0666));
+    if (chown(output.c_str(), unknownUser(), unknownUser()) != 0)
+        GTEST_SKIP() << "no right to give a file away";
+    EXPECT_EQ(list(output), silent);
+    EXPECT_EQ(readFile(output), "");
+    EXPECT_EQ(permissions(output), 0666U);
+}
+
+TEST_F(FilesystemWorker, GivesUpAListThatDoesNotFit) {
+    constexpr rlim_t room = 4096;
+    for (int i = 0; i < 100; ++i)
+        writeFile(folder / (std::to_string(i) + std::string(100, 'n')), "");
+    const std::string said = inChildProcess([&] {
+        constexpr unsigned patience = 60; // seconds
+        alarm(patience);
+        std::signal(SIGXFSZ, SIG_IGN); // as with a full disk, writing fails then
+        const rlimit limit = {room, room};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return std::string("no limit");
+        const bool asked = runFilesystemWorkerIfRequested(Arguments{"--shallow-children-worker", folder, output});
+        return std::string(asked ? "asked" : "not asked");
+    });
+    EXPECT_EQ(said, "asked");
+    EXPECT_EQ(fs::file_size(output), 0U);
 }
 
 TEST_F(FilesystemWorker, ListsNothingOfWhatIsNoFolder) {

@@ -2,6 +2,7 @@
 #include "cleanup/scan/CleanupScanner.h"
 #include "platform/ChildProcess.h"
 #include "tests/cleanup/scan/ScanFixture.h"
+#include "tests/support/RecordedPolls.h"
 
 #include <atomic>
 #include <gmock/gmock.h>
@@ -127,19 +128,40 @@ TEST_F(MadeUpHome, ThatHoldsEveryCategoryIsReportedWhollyAndNotChanged) {
     EXPECT_TRUE(std::filesystem::is_empty(environment.workers.temporaryFolder));
 }
 
-TEST_F(MadeUpHome, WithLinksAtEveryLevelOffersNothingThatIsReachedThroughOne) {
-    const auto elsewhere = home().parent_path() / "elsewhere";
-    file(elsewhere / "old.log", 524'288, days(90));
-    file(elsewhere / "old.dmg", 26'214'400, days(90));
-    folderWithFile(elsewhere / "app", 26'214'400, days(90));
-    link("Downloads", elsewhere);
-    link("Library/Caches/app", elsewhere / "app");
-    link("Library/Logs/old.log", elsewhere / "old.log");
-    link("Library/Logs/DiagnosticReports", elsewhere);
-    link("Library/Application Support/MobileSync/Backup", elsewhere);
-    link("Library/Developer/Xcode/DerivedData", elsewhere);
-    link(".npm", home());
-    link("Library/Saved Application State", home() / "Library");
+TEST_F(MadeUpHome, ThatIsEmptyIsScannedWithoutAWorker) {
+    RecordedPolls::forget();
+    EXPECT_THAT(scanned().candidates, IsEmpty());
+    EXPECT_EQ(RecordedPolls::count(), 0) << "the end of each worker would be waited for";
+}
+
+TEST_F(MadeUpHome, WithLinksInThePlacesOfItsItemsOffersNone) {
+    file("Downloads/old.dmg", 26'214'400, days(90));
+    folderWithFile("Library/Caches/app", 26'214'400, days(90));
+    file("Library/Logs/old.log", 524'288, days(90));
+    file("Library/Logs/DiagnosticReports/old.ips", 524'288, days(90));
+    const std::filesystem::path backups = "Library/Application Support/MobileSync/Backup";
+    for (const char* name : {"first", "second"}) {
+        list(backups / name / "Info.plist", "GUID", "00008030-1");
+        setAge(backups / name, days(name[0] == 'f' ? 100 : 90));
+    }
+    folderWithFile("Library/Developer/Xcode/DerivedData", 4096, days(90));
+    folderWithFile(".npm/_cacache", 4096, days(90));
+    folderWithFile("Library/Saved Application State/com.example.gone.savedState", 4096, days(90));
+    EXPECT_THAT(namesOf(scanned().candidates),
+                testing::UnorderedElementsAre("old.dmg", "app", "old.log", "old.ips", "first", "DerivedData",
+                                              "_cacache", "com.example.gone.savedState"));
+
+    // The same behind links that are as old.
+    const auto elsewhere = directory(home().parent_path() / "elsewhere");
+    for (const char* place :
+         {"Downloads", "Library/Caches/app", "Library/Logs/old.log", "Library/Logs/DiagnosticReports",
+          "Library/Application Support/MobileSync/Backup", "Library/Developer/Xcode/DerivedData", ".npm/_cacache",
+          "Library/Saved Application State"}) {
+        const auto target = elsewhere / std::filesystem::path(place).filename();
+        std::filesystem::rename(at(place), target);
+        link(place, target);
+        setAge(place, days(100));
+    }
     link("Library/Logs/loop", home() / "Library/Logs/loop");
     const auto report = scanned();
     EXPECT_THAT(report.candidates, IsEmpty());

@@ -74,6 +74,21 @@ TEST_F(OrphanedData, IdentifiersComeFromEveryPlaceOfApplicationsAndBundles) {
                                               "com.example.web", "com.example.share")));
 }
 
+TEST_F(OrphanedData, ApplicationsAreLookedForTwoFoldersDeepAndBundlesOne) {
+    bundle(applications() / "Vendor/Suite/Deep.app", "com.example.deep");
+    bundle(applications() / "Vendor/Suite/More/Deeper.app", "com.example.deeper");
+    bundle(applications() / "One.app/Contents/Library/LoginItems/Helper.app", "com.example.helper");
+    bundle(applications() / "One.app/Contents/Library/LoginItems/More/Hidden.app", "com.example.hidden");
+    bundle(applications() / "One.app/Contents/Frameworks/Kit.framework/Inner.app", "com.example.inner");
+    EXPECT_THAT(installedAndEmbeddedBundleIdentifiers(context),
+                Optional(UnorderedElementsAre("com.example.deep", "com.example.helper")));
+    EXPECT_TRUE(workers.wasAsked("list " + (applications() / "Vendor/Suite").native()));
+    EXPECT_FALSE(workers.wasAsked("list " + (applications() / "Vendor/Suite/More").native()));
+    EXPECT_TRUE(workers.wasAsked("list " + (applications() / "One.app/Contents/Library/LoginItems").native()));
+    EXPECT_FALSE(workers.wasAsked("list " + (applications() / "One.app/Contents/Library/LoginItems/More").native()));
+    EXPECT_FALSE(workers.wasAsked("list " + (applications() / "One.app/Contents/Frameworks/Kit.framework").native()));
+}
+
 TEST_F(OrphanedData, AnApplicationThatIsALinkClaimsItsData) {
     state("com.example.linked.savedState");
     const auto plist = file("elsewhere/Linked.app/Contents/Info.plist", 4096, days(1));

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -26,6 +27,7 @@ class FakeWorkers : public ScanWorkers {
 public:
     [[nodiscard]] DirectoryMetrics directoryMetrics(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("measure " + folder.native());
+        deadlines.push_back(deadline);
         if (const auto given = metrics.find(folder); given != metrics.end())
             return given->second;
         if (hasPassed(deadline))
@@ -39,6 +41,7 @@ public:
     }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("list " + folder.native());
+        deadlines.push_back(deadline);
         if (whileListing)
             whileListing(folder);
         if (hung.contains(folder) || hasPassed(deadline))
@@ -50,6 +53,8 @@ public:
         ShallowChildren children{.urls = {}, .complete = true};
         for (const auto& name : *names)
             children.urls.push_back(folder / name);
+        std::ranges::copy_if(alsoListed, std::back_inserter(children.urls),
+                             [&](const auto& url) { return url.parent_path() == folder; });
         if (afterListing)
             afterListing(folder);
         return children;
@@ -76,12 +81,14 @@ public:
 
     std::map<std::filesystem::path, DirectoryMetrics> metrics; ///< instead of what is there
     std::set<std::filesystem::path> hung;                      ///< folders whose listing is not complete
+    std::vector<std::filesystem::path> alsoListed;             ///< with what is in their folders
     std::map<std::filesystem::path, std::map<std::string, std::string>> lists;
     bool listsAreComplete = true;
     bool measuresAhead = false; ///< what is in a folder at once, when asked to
     std::function<void(const std::filesystem::path&)> whileListing;
     std::function<void(const std::filesystem::path&)> afterListing;
     std::vector<std::string> asked;
+    std::vector<Deadline> deadlines; ///< of what was asked, property lists left out
 };
 
 /// A made-up home folder at a made-up time, and what a finder needs to look through it.

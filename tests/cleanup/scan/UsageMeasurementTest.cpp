@@ -127,6 +127,16 @@ TEST_F(Usage, OfDownloadsIsALowerBoundWhenNotAllOfThemWereSeen) {
         EXPECT_EQ(amount, Amount::atLeast(0)) << rawValue(category);
 }
 
+TEST_F(Usage, OfDownloadsIsALowerBoundWhenOneOfThemCannotBeLookedAt) {
+    file("Downloads/a.zip", 4096, {});
+    EXPECT_EQ(downloads().at(CleanupCategory::archive), Amount::exact(4096));
+    workers.alsoListed = {home() / "Downloads/gone.zip"};
+    EXPECT_EQ(downloads().at(CleanupCategory::archive), Amount::exact(4096)) << "it was removed in between";
+    workers.alsoListed = {home() / "Downloads" / std::string(300, 'n')};
+    EXPECT_EQ(downloads().at(CleanupCategory::archive), Amount::atLeast(4096));
+    EXPECT_EQ(downloads().at(CleanupCategory::installer), Amount::atLeast(0));
+}
+
 TEST_F(Usage, OfACodingToolsCacheIsThatOfWhateverStandsThere) {
     file(".npm/_cacache", 4096, {});
     workers.metrics[home() / ".npm/_cacache"] = {4096, now, true};
