@@ -97,7 +97,7 @@ struct Exchange {
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Share> shares; ///< waiting for a thread
-    unsigned working = 0;     ///< threads that may still leave something to others
+    unsigned working = 1;     ///< threads that may still leave something to others, at first the calling one
     unsigned waiting = 0;     ///< threads that have nothing to do
     std::atomic<bool> sharesWanted{false};
 
@@ -323,7 +323,6 @@ TreeTotals walkFolder(UniqueFd root, Deadline deadline, const std::shared_ptr<Sp
         while (index < exchange->tallies.size() && exchange->helpers->take())
             index = startHelper(exchange, index) ? index + 1 : exchange->tallies.size(); // else those there are do it
     };
-    exchange->working = 1;
     takePart(walker, *exchange, std::move(root));
 
     std::unique_lock lock(exchange->mutex);

@@ -2,6 +2,7 @@
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeepTree.h"
+#include "tests/support/InterceptedCall.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -21,9 +22,11 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/sysmacros.h>
 #include <sys/un.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -471,6 +474,35 @@ TEST_F(DirectoryWalkOfALargeTree, WithSeveralThreadsFindsWhatOneFinds) {
     for (int round = 0; round < 6; ++round)
         for (const unsigned threads : {1U, 2U, 4U, 8U})
             ASSERT_EQ(walk(threads), expected) << threads;
+}
+
+TEST_F(DirectoryWalkOfALargeTree, SharesItsFoldersAndTheFilesOfOneFolderWithOtherThreads) {
+    const fs::path wide = tree / "wide";
+    const fs::path branched = tree / "branched";
+    for (int i = 0; i < 6'000; ++i) {
+        const fs::path folder = i < 3'000 ? wide : branched / std::to_string(i % 100);
+        fs::create_directories(folder);
+        writeFile(folder / std::to_string(i), "");
+    }
+    for (const auto& folder : {wide, branched}) {
+        const std::string said = inChildProcess([&]() -> std::string {
+            std::atomic<int> byHelpers = 0;
+            // The first thread takes its time until another one has looked at a file.
+            const bool isIntercepted = interceptCall(SYS_statx, [&](int count) {
+                if (gettid() != getpid())
+                    ++byHelpers;
+                else if (count > 1'000 && byHelpers == 0)
+                    usleep(2'000);
+            });
+            if (!isIntercepted)
+                return "not possible";
+            const TreeTotals totals = walkTree(folder, farAway(), 2);
+            return totals.regularFiles != 3'000 ? "not all" : byHelpers > 0 ? "shared" : "alone";
+        });
+        if (said == "not possible")
+            GTEST_SKIP() << "system calls cannot be intercepted here";
+        EXPECT_EQ(said, "shared") << folder;
+    }
 }
 
 TEST_F(DirectoryWalk, IsDoneByOneThreadWhereNoMoreCanBeStarted) {
