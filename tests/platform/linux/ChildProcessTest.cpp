@@ -172,13 +172,19 @@ TEST_F(AChildProcess, ThatNobodyWatchesLeavesRequestsToEndToOtherThreads) {
             shell, script("while [ ! -e '" + (root / "end").native() + "' ]; do sleep 0.01; done"), ChildOutput::pipe);
         ASSERT_TRUE(child);
     }
+    // What the threads beside this one block, once they wait: a thread starts with all signals blocked.
     std::vector<std::string> blocked;
-    for (const auto& thread : fs::directory_iterator("/proc/self/task")) {
-        std::ifstream status(thread.path() / "status");
-        for (std::string line; std::getline(status, line);)
-            if (line.starts_with("SigBlk:") && thread.path().filename() != std::to_string(getpid()))
-                blocked.push_back(line.substr(line.size() - 16));
-    }
+    const auto patience = deadlineIn(std::chrono::seconds(30));
+    while (blocked.empty() && !hasPassed(patience))
+        for (const auto& thread : fs::directory_iterator("/proc/self/task")) {
+            std::ifstream status(thread.path() / "status");
+            bool isWaiting = false;
+            for (std::string line; std::getline(status, line);) {
+                isWaiting = isWaiting || line.starts_with("State:\tS");
+                if (line.starts_with("SigBlk:") && isWaiting && thread.path().filename() != std::to_string(getpid()))
+                    blocked.push_back(line.substr(line.size() - 16));
+            }
+        }
     writeFile(root / "end", "");
     waitUntilChildrenAre(0);
     ASSERT_FALSE(blocked.empty());
