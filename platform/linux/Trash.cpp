@@ -113,7 +113,7 @@ public:
                 continue;
             if (!info)
                 return notMoved(trashError(cannotWrite, info.error()));
-            // Again, for to write takes a while, and what is not moved need not be put back.
+            // Writing takes a while, and what was not moved need not be put back.
             auto refused = refusalByPlace(file_.place());
             if (!refused)
                 refused = objection(*info);
@@ -186,7 +186,7 @@ private:
         return std::nullopt;
     }
 
-    /// Why what the info file tells of may not stay in the Trash.
+    /// Why the item of the info file may not stay in the Trash.
     [[nodiscard]] std::optional<std::string> objectionToArrived(const TrashInfoFile& info) const {
         switch (file_.placeIn(trash_.files(), info.itemName())) {
         case PinnedPlace::unchanged: return objection(info);
@@ -217,11 +217,11 @@ private:
         int error = syncToDisk(source_.get());
         if (error == 0)
             error = syncToDisk(trash_.files());
-        // Nobody knows whether it will be in the Trash after a power cut. It goes back, as after each other failure;
-        // either way the disk holds it once.
+        // Nobody knows whether the file would be in the Trash after a power cut, so it goes back. Either way the disk
+        // holds it once.
         if (error != 0)
             return putBack(info, trashError(cannotConfirm, error));
-        // The disk takes its time, in which others may have acted.
+        // Writing to the disk takes a while, in which another program may have acted.
         if (auto reason = objectionToArrived(info))
             return putBack(info, std::move(*reason));
         return {.outcome = TrashMove::Outcome::moved};
@@ -241,7 +241,7 @@ private:
         if (isInTrash(info) && trash_.areInPlace() &&
             (info.isInPlace() || TrashInfoFile::write(trash_.info(), info.itemName(), infoText())) && isInTrash(info))
             return {.outcome = TrashMove::Outcome::moved};
-        // Without its origin, in a Trash that was moved away, or not the file that was meant.
+        // It lacks its origin, is in a Trash that was moved away, or is not the file that was meant.
         if (!isFree(trash_.files(), info.itemName()))
             return {TrashMove::Outcome::misplaced, std::move(reason), trash_.itemPath(info.itemName())};
         if (file_.placeIn(source_.get(), file_.name()) == PinnedPlace::unchanged)
