@@ -5,9 +5,13 @@
 #include "cleanup/scan/ScanEnvironment.h"
 #include "cleanup/window/CleanupHistory.h"
 #include "platform/FileCoordinator.h"
+#include "platform/StopSwitch.h"
 #include "platform/Trash.h"
 #include "platform/UserSession.h"
 #include "storage/StorageReader.h"
+
+#include <tuple>
+#include <utility>
 
 namespace vantry {
 
@@ -25,8 +29,8 @@ CleanupScanReport nothingChecked() {
     return report;
 }
 
-CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers) {
-    const auto environment = ScanEnvironment::current();
+CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers, std::shared_ptr<StopSwitch> stopSwitch) {
+    const auto environment = ScanEnvironment::current(std::move(stopSwitch));
     return environment ? CleanupScanner::scan(*environment, runningBundleIdentifiers) : nothingChecked();
 }
 
@@ -49,9 +53,15 @@ TrashMove moveValidated(const CleanupCandidate& candidate) {
 
 CleanupServices systemCleanupServices() {
     const auto home = homeFolder().value_or(std::filesystem::path());
+    const auto stopSwitch = StopSwitch::create().value_or(nullptr); // without one, scans end by themselves
     return {.home = home,
             .applications = "/Applications",
-            .scan = scan,
+            .scan = [stopSwitch](std::span<const std::string> running) { return scan(running, stopSwitch); },
+            .stopScanning =
+                [stopSwitch] {
+                    if (stopSwitch)
+                        std::ignore = stopSwitch->stop();
+                },
             .validationFailure = validationFailure,
             .coordinateMoving = coordinateMoving,
             .moveToTrash = moveValidated,

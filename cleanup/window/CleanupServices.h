@@ -21,6 +21,9 @@ struct CleanupServices {
     std::filesystem::path applications; ///< the folder of applications that the avenues open
 
     std::function<CleanupScanReport(std::span<const std::string> runningBundleIdentifiers)> scan;
+    /// Ends a scan that runs, and keeps one from starting: its worker processes end and their files are removed. Any
+    /// thread; takes half a second at most.
+    std::function<void()> stopScanning;
     /// Why the candidate may not be moved, a lower-case phrase; absent when it may.
     std::function<std::optional<std::string>(const CleanupCandidate&)> validationFailure;
     /// Calls the function with the path to act on, unless other processes cannot be brought to leave the file alone.

@@ -247,6 +247,7 @@ void CleanupWindowController::forget(const CleanupCandidate& gone) {
 }
 
 void CleanupWindowController::applicationWillTerminate() {
+    services_.stopScanning();
     if (move_)
         move_->stop(services_.longestEnding);
 }

@@ -50,8 +50,8 @@ public:
     void cancelPressed();
     /// The user has closed the window: as `cancelPressed`.
     void windowClosed();
-    /// The process is about to end. A move that is under way stops after the file in hand and writes its record; this
-    /// waits for that, at most `CleanupServices::longestEnding`.
+    /// The process is about to end. A scan that is under way ends with its worker processes. A move stops after the
+    /// file in hand and writes its record; this waits for that, at most `CleanupServices::longestEnding`.
     void applicationWillTerminate();
 
     /// The candidate whose controls carry `identifier`; null when there is none.

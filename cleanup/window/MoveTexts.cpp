@@ -51,9 +51,11 @@ AlertContent confirmationAlert(const CandidateTotal& selected) {
 AlertContent misplacedAlert(std::span<const MisplacedItem> items) {
     std::string text;
     for (const auto& item : items)
-        text += singleLine(item.candidate.title) + ": it is at " + singleLine(item.path.native()) + "\n";
+        text += failureLine(item.candidate,
+                            item.move.path.empty() ? item.move.reason : "it is at " + item.move.path.native()) +
+                "\n";
     return {"Some items could not be put back",
-            text + "\nThey were changed while they were being moved. Nothing was deleted.",
+            text + "\nAnother program interfered while they were being moved. Ombrel deleted nothing.",
             {"OK"}};
 }
 

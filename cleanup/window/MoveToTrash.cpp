@@ -55,7 +55,7 @@ MoveOutcome moveToTrash(const CleanupServices& services, std::span<const Cleanup
             static_cast<void>(services.saveHistory(outcome.moved, *record, RecordVersion::interim));
             break;
         case TrashMove::Outcome::notMoved: outcome.failureLines.push_back(failureLine(candidate, move.reason)); break;
-        case TrashMove::Outcome::misplaced: outcome.misplaced.push_back({candidate, move.path}); break;
+        case TrashMove::Outcome::misplaced: outcome.misplaced.push_back({candidate, move}); break;
         }
     }
     outcome.recordWritten = record && services.saveHistory(outcome.moved, *record, RecordVersion::last);

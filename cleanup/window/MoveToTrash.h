@@ -18,7 +18,7 @@ namespace vantry {
 /// An item that is neither in its place nor in the Trash with its origin.
 struct MisplacedItem {
     CleanupCandidate candidate;
-    std::filesystem::path path; ///< where it lies
+    TrashMove move; ///< why, and where it lies
 
     bool operator==(const MisplacedItem&) const = default;
 };

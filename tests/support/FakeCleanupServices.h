@@ -46,6 +46,7 @@ struct FakeCleanupServices {
                         log->add(call);
                         return report;
                     },
+                .stopScanning = [this] { log->add("cleanup.stopScanning"); },
                 .validationFailure = [this](const CleanupCandidate& candidate) -> std::optional<std::string> {
                     log->add("cleanup.validate " + candidate.url.native());
                     const auto failure = failures.find(candidate.url.native());

@@ -406,8 +406,8 @@ TEST_F(CleanupMove, AFileThatLiesElsewhereIsNamedAndInNeitherCount) {
     EXPECT_THAT(rows(), ElementsAre("b selected", "cache")) << "it is not where it was found";
     ASSERT_TRUE(shell.alert);
     EXPECT_EQ(shell.alert->message, "Some items could not be put back");
-    EXPECT_EQ(shell.alert->informativeText,
-              "a: it is at /trash/files/a\n\nThey were changed while they were being moved. Nothing was deleted.");
+    EXPECT_EQ(shell.alert->informativeText, "a: it is at /trash/files/a\n\nAnother program interfered while they were "
+                                            "being moved. Ombrel deleted nothing.");
     EXPECT_THAT(shell.alert->buttons, ElementsAre("OK"));
     EXPECT_EQ(enabledButtons(), "");
     answer(AlertAnswer::last);

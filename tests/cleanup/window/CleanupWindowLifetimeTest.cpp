@@ -25,6 +25,13 @@ TEST_F(CleanupWindowLifetime, AScanThatHasNotBegunDoesNotBegin) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
+TEST_F(CleanupWindowLifetime, TheEndOfTheProcessEndsAScan) {
+    controller->showAndScan();
+    log.clear();
+    controller->applicationWillTerminate();
+    EXPECT_THAT(log.calls(), testing::ElementsAre("cleanup.stopScanning"));
+}
+
 TEST_F(CleanupWindowLifetime, AScanThatHasEndedShowsNothing) {
     controller->showAndScan();
     backgroundQueue->runNext();

@@ -45,13 +45,21 @@ TEST(MoveTexts, TheAlertAboutMisplacedItemsNamesEachAndWhereItIs) {
     std::vector<MisplacedItem> items;
     std::string expected;
     for (const char* name : {"a", "b", "c", "d", "e"}) {
-        items.push_back({logAt(std::string("/l/") + name), std::string("/trash/") + name + "\n2"});
+        items.push_back({logAt(std::string("/l/") + name),
+                         {.outcome = TrashMove::Outcome::misplaced,
+                          .reason = "something else was in its place",
+                          .path = std::string("/trash/") + name + "\n2"}});
         expected += std::string(name) + ": it is at /trash/" + name + "\xef\xbf\xbd" + "2\n";
     }
-    EXPECT_EQ(misplacedAlert(items),
-              (AlertContent{"Some items could not be put back",
-                            expected + "\nThey were changed while they were being moved. Nothing was deleted.",
-                            {"OK"}}));
+    items.push_back(
+        {logAt("/l/f"),
+         {.outcome = TrashMove::Outcome::misplaced, .reason = "another program removed it from the Trash"}});
+    expected += "f: another program removed it from the Trash\n";
+    EXPECT_EQ(
+        misplacedAlert(items),
+        (AlertContent{"Some items could not be put back",
+                      expected + "\nAnother program interfered while they were being moved. Ombrel deleted nothing.",
+                      {"OK"}}));
 }
 
 TEST(MoveTexts, AFailureIsOneLineWhateverTheNameHolds) {

@@ -136,7 +136,7 @@ TEST_F(MoveToTrash, AMisplacedItemIsNeitherMovedNorInItsPlace) {
     outcome = moveToTrash(disk.services(), candidates, control);
     EXPECT_THAT(movedNames(), ElementsAre("a", "c"));
     EXPECT_THAT(outcome.failureLines, IsEmpty());
-    EXPECT_THAT(outcome.misplaced, ElementsAre(MisplacedItem{candidates[1], "/trash/files/b"}));
+    EXPECT_THAT(outcome.misplaced, ElementsAre(MisplacedItem{candidates[1], disk.moves["/l/b"]}));
     EXPECT_EQ(disk.recorded(), outcome.moved);
 }
 
