@@ -1,5 +1,6 @@
 #include "shell/qt/OmbrelStyle.h"
 
+#include <QCheckBox>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr double buttonRadius = 6;
 constexpr double checkBoxRadius = 4;
+constexpr int ringGap = 1; // between the title of a check box and the ring around it
 constexpr int checkBoxSide = 15;
 constexpr int controlHeight = 26;
 constexpr int buttonPadding = 14;
@@ -229,7 +231,10 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         ring.setAlpha(170);
         painter->setPen(QPen(ring, 2));
         painter->setBrush(Qt::NoBrush);
-        painter->drawRoundedRect(QRectF(option->rect).adjusted(1, 1, -1, -1), buttonRadius - 1, buttonRadius - 1);
+        QRectF rect = QRectF(option->rect).adjusted(1, 1, -1, -1);
+        if (const auto* box = qobject_cast<const QCheckBox*>(widget); box && !box->text().isEmpty())
+            rect.adjust(-ringGap, 0, ringGap, 0);
+        painter->drawRoundedRect(rect, buttonRadius - 1, buttonRadius - 1);
         return;
     }
     case PE_PanelMenu: // of a menu and of a pop-up button's list, which has no frame of its own
@@ -328,12 +333,6 @@ QRect OmbrelStyle::subControlRect(ComplexControl control, const QStyleOptionComp
         if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option))
             return partOfScrollBar(*bar, part);
     return QProxyStyle::subControlRect(control, option, part, widget);
-}
-
-QRect OmbrelStyle::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const {
-    if (element == SE_CheckBoxFocusRect) // around the box, not across its title
-        return QProxyStyle::subElementRect(SE_CheckBoxIndicator, option, widget).adjusted(-3, -3, 3, 3);
-    return QProxyStyle::subElementRect(element, option, widget);
 }
 
 QSize OmbrelStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
