@@ -22,11 +22,14 @@ public:
     [[nodiscard]] std::size_t waitingCount() const { return blocks_.size(); }
 
     /// Runs one block; false when none waits.
-    bool runNext() {
-        if (blocks_.empty())
+    bool runNext() { return run(0); }
+
+    /// The same for the block that came after `index` others that still wait.
+    bool run(std::size_t index) {
+        if (index >= blocks_.size())
             return false;
-        const auto block = std::move(blocks_.front());
-        blocks_.pop_front();
+        const auto block = std::move(blocks_[index]);
+        blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(index));
         block();
         return true;
     }
