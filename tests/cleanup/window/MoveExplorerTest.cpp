@@ -37,8 +37,8 @@ void fail(const Outcome& outcome, unsigned number) {
 TEST(MoveExplorer, InNoOrderOfEventsIsAFileMovedOrLeftOtherwiseThanTheWindowSays) {
     const auto seed = numberFrom("OMBREL_EXPLORER_SEED", std::random_device()());
     const auto wanted = std::max(numberFrom("OMBREL_EXPLORER_SEQUENCES", usualNumberOfSequences), 1U);
-    std::cout << "OMBREL_EXPLORER_SEED=" << seed << std::endl; // also when what follows crashes
-    const ScopedEnvironment locale("LC_ALL", "C"); // in which no text has to be looked up
+    std::cout << "OMBREL_EXPLORER_SEED=" << seed << std::endl; // also if it crashes
+    const ScopedEnvironment locale("LC_ALL", "C");             // in which no text has to be looked up
     std::mt19937 random(seed);
     Meetings meetings{};
     for (unsigned number = 1; number <= wanted; ++number)
