@@ -62,6 +62,7 @@ public:
         return {.home = "/home/ada",
                 .applications = "/Applications",
                 .scan = [this](std::span<const std::string>) { return scan(); },
+                .stopScanning = [] {},
                 .validationFailure =
                     [this](const CleanupCandidate& candidate) {
                         pause();
