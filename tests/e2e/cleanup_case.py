@@ -2,6 +2,7 @@
 
 import configparser
 import os
+import subprocess
 import time
 from datetime import datetime
 from urllib.parse import unquote_to_bytes
@@ -130,3 +131,18 @@ class CleanupCase(DesktopCase):
         self.press(window, "Select Low-Risk Files")
         wait_until(lambda: self.button(window, "Move to Trash…").has("enabled"), "the button to move")
         self.press(window, "Move to Trash…")
+
+    # ---- what happens in between
+
+    def inject(self, application, call, when, action):
+        """Lets something happen at a system call: the one of that number in the life of whatever thread makes it. Returns
+        the log of these calls."""
+        log = self.desktop.folder / "strace.log"
+        log.unlink(missing_ok=True)
+        tracer = subprocess.Popen(["strace", "-f", "-o", log, "-e", f"trace={call},exit_group",
+                                   f"--inject={call}:{action}:when={when}", "-p", str(application.pid)],
+                                  stderr=subprocess.PIPE, text=True)
+        self.addCleanup(tracer.communicate)
+        self.addCleanup(tracer.kill)  # it may wait for what it holds up itself
+        self.assertIn("attached", tracer.stderr.readline())
+        return log

@@ -4,7 +4,6 @@ import json
 import os
 import shutil
 import signal
-import subprocess
 import unittest
 
 from cleanup_case import CleanupCase, MIB
@@ -36,20 +35,6 @@ class EndingInAMove(CleanupCase):
         self.sheet(application, QUESTION)
         return home, application
 
-    def inject(self, application, what, *actions):
-        """Lets something happen at a system call; returns what is logged of it."""
-        call, when = CALLS[what]
-        log = self.desktop.folder / "strace.log"
-        log.unlink(missing_ok=True)
-        tracer = subprocess.Popen(
-            ["strace", "-f", "-y", "-o", log, "-e", f"trace={call},exit_group",
-             *(f"--inject={call}:{action}:when={when}" for action in actions), "-p", str(application.pid)],
-            stderr=subprocess.PIPE, text=True)
-        self.addCleanup(tracer.communicate)
-        self.addCleanup(tracer.kill)  # it may wait for what it holds up itself
-        self.assertIn("attached", tracer.stderr.readline())
-        return log
-
     def check(self, home, lacks_at_most=0, announced_at_most=0):
         """Every file is whole in one place, and the record tells of those in the Trash."""
         trashed = self.trash(home) / "files"
@@ -73,7 +58,7 @@ class EndingInAMove(CleanupCase):
 
     def end_at(self, what, number):
         home, application = self.begin()
-        log = self.inject(application, what, f"signal={signal.Signals(number).name.removeprefix('SIG')}")
+        log = self.inject(application, *CALLS[what], f"signal={signal.Signals(number).name.removeprefix('SIG')}")
         self.desktop.screen.key("Return")
         status = application.wait_for_end()
         self.assertRegex(log.read_text(), "SIG(TERM|INT|HUP|KILL)")
@@ -97,7 +82,7 @@ class EndingInAMove(CleanupCase):
     def hold_up(self, what, seconds, in_trash):
         """An application that is held up in its move, once so many files are in the Trash."""
         home, application = self.begin()
-        log = self.inject(application, what, f"delay_enter={seconds}s")
+        log = self.inject(application, *CALLS[what], f"delay_enter={seconds}s")
         self.desktop.screen.key("Return")
         files = self.trash(home) / "files"
         wait_until(lambda: files.exists() and len(os.listdir(files)) == in_trash, "a file in hand")
