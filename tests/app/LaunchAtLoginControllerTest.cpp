@@ -1,12 +1,16 @@
 #include "app/LaunchAtLoginController.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/RefusedCall.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <set>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 namespace vantry {
 namespace {
@@ -32,6 +36,15 @@ protected:
             for (const auto& entry : std::filesystem::directory_iterator(agents()))
                 names.insert(entry.path().filename().native());
         return names;
+    }
+    /// What the system says about switching the login item, as an ordinary user, since root may do everything.
+    [[nodiscard]] std::string errorForOrdinaryUser(bool enabled) const {
+        return inChildProcess([&]() -> std::string {
+            if (!becomeUser(unknownUser()))
+                return "no other user";
+            const auto answer = Controller::setEnabled(environment(), enabled);
+            return answer ? "no error" : answer.error().message;
+        });
     }
     void enableOrFail() const {
         const auto enabled = Controller::setEnabled(environment(), true);
@@ -195,20 +208,41 @@ TEST_F(LaunchAtLogin, WhenTheAutostartEntryCannotBeWrittenTheAgentIsPutBackToIts
     EXPECT_EQ(readFile(agent()), "what stood there before");
 }
 
-// As an ordinary user, since root may write everywhere.
 TEST_F(LaunchAtLogin, AReadOnlyFolderIsAnErrorWithTheSystemsTextAndNothingChanges) {
     std::filesystem::create_directories(agents());
     std::filesystem::permissions(home_.path(), std::filesystem::perms::all);
     std::filesystem::permissions(agents(), std::filesystem::perms(0555));
-    const auto answer = inChildProcess([&]() -> std::string {
-        if (!becomeUser(unknownUser()))
-            return "no other user";
-        const auto refused = Controller::setEnabled(environment(), true);
-        return refused ? "enabled" : refused.error().message;
-    });
-    EXPECT_EQ(answer, agent().native() + ": Permission denied");
+    EXPECT_EQ(errorForOrdinaryUser(true), agent().native() + ": Permission denied");
     EXPECT_FALSE(Controller::isEnabled(environment()));
     EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+// It could not be put back if the autostart entry failed.
+TEST_F(LaunchAtLogin, AnAgentThatCannotBeReadIsNotReplaced) {
+    std::filesystem::create_directories(agents());
+    writeFile(agent(), "unreadable");
+    std::filesystem::permissions(agent(), std::filesystem::perms::none);
+    for (const auto& folder : {home_.path(), agents()})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(true), agent().native() + ": Permission denied");
+    std::filesystem::permissions(agent(), std::filesystem::perms(0644));
+    EXPECT_EQ(readFile(agent()), "unreadable");
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLogin, AnAgentOfMoreThanAMebibyteIsNotReplaced) {
+    std::filesystem::create_directories(agents());
+    const std::string largest(1 << 20, 'x');
+    writeFile(agent(), largest + 'x');
+    const auto refused = Controller::setEnabled(environment(), true);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().message, agent().native() + ": too large");
+    EXPECT_TRUE(readFile(agent()) == largest + 'x') << "too long to be printed";
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+
+    writeFile(agent(), largest);
+    enableOrFail();
+    EXPECT_LT(readFile(agent()).size(), largest.size());
 }
 
 TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
@@ -217,15 +251,21 @@ TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
     std::filesystem::permissions(agents(), std::filesystem::perms(0555));
     for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
         std::filesystem::permissions(folder, std::filesystem::perms::all);
-    const auto answer = inChildProcess([&]() -> std::string {
-        if (!becomeUser(unknownUser()))
-            return "no other user";
-        const auto refused = Controller::setEnabled(environment(), false);
-        return refused ? "disabled" : refused.error().message;
-    });
-    EXPECT_EQ(answer, agent().native() + ": Permission denied");
+    EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
     EXPECT_TRUE(Controller::isEnabled(environment()));
     EXPECT_EQ(readFile(autostart()), entry);
+}
+
+TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatItDidNotHave) {
+    std::filesystem::create_directories(agents());
+    writeFile(agent(), "without an entry");
+    std::filesystem::create_directories(autostart().parent_path());
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
 }
 
 TEST_F(LaunchAtLogin, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
@@ -244,6 +284,38 @@ TEST_F(LaunchAtLogin, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
     if (answer == "cannot mount")
         GTEST_SKIP() << "SKIPPED: this user may not mount a small disk";
     EXPECT_EQ(answer, agent().native() + ": No space left on device, old");
+}
+
+TEST_F(LaunchAtLogin, TheCurrentEnvironmentIsTheUsersHomeAndTheRunningApplication) {
+    const auto current = Controller::currentEnvironment();
+    ASSERT_TRUE(current) << current.error().message;
+    EXPECT_EQ(current->home, home_.path());
+    EXPECT_EQ(current->runningApplication, std::filesystem::read_symlink("/proc/self/exe"));
+    EXPECT_EQ(current->installedApplication, "/Applications/Ombrel.app");
+}
+
+TEST_F(LaunchAtLogin, ThereIsNoCurrentEnvironmentForAUserWithoutAHome) {
+    EXPECT_EQ(inChildProcess([]() -> std::string {
+                  if (unsetenv("HOME") != 0 || !becomeUser(unknownUser()))
+                      return "no other user";
+                  const auto current = Controller::currentEnvironment();
+                  return current ? current->home.native() : current.error().message;
+              }),
+              "home folder: No such file or directory");
+}
+
+TEST_F(LaunchAtLogin, ThereIsNoCurrentEnvironmentWhereTheRunningApplicationIsUnknown) {
+    const auto answer = inChildProcess([]() -> std::string {
+#ifdef SYS_readlink
+        if (!refuseCall(SYS_readlink, EACCES))
+            return "not refused";
+#endif
+        if (!refuseCall(SYS_readlinkat, EACCES))
+            return "not refused";
+        const auto current = Controller::currentEnvironment();
+        return current ? current->runningApplication.native() : current.error().message;
+    });
+    EXPECT_EQ(answer, "/proc/self/exe: Permission denied");
 }
 
 } // namespace
