@@ -24,8 +24,6 @@ LoginItemServices loginItemServices() {
             .refreshIfEnabled = [environment = *environment] { return Controller::refreshIfEnabled(environment); }};
 }
 
-} // namespace
-
 WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows) {
     return {.currentWallpaperURL =
                 [sources = WallpaperThemeReader::systemSources(std::move(windows))](const Screen& screen) {
@@ -35,13 +33,21 @@ WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows) {
             .palette = WallpaperThemeReader::palette};
 }
 
-AppServices systemServices() {
-    return {.backgroundQueue = makeBackgroundQueue(),
+} // namespace
+
+AppServices makeAppServices(std::shared_ptr<MainQueue> mainQueue, std::shared_ptr<PreferencesStore> preferences,
+                            std::shared_ptr<Workspace> workspace, std::shared_ptr<const WindowList> windows,
+                            std::vector<std::string> arguments) {
+    return {.mainQueue = std::move(mainQueue),
+            .backgroundQueue = makeBackgroundQueue(),
+            .preferences = std::move(preferences),
+            .workspace = std::move(workspace),
             .now = [] { return SystemTime(std::chrono::system_clock::now()); },
             .readSystemVolume = StorageReader::readSystemVolume,
-            .wallpaper = wallpaperServices(nullptr),
+            .wallpaper = wallpaperServices(std::move(windows)),
             .loginItem = loginItemServices(),
-            .makeCleanupServices = systemCleanupServices};
+            .makeCleanupServices = systemCleanupServices,
+            .arguments = std::move(arguments)};
 }
 
 } // namespace vantry

@@ -51,11 +51,12 @@ struct AppServices {
     std::vector<std::string> arguments;                   ///< of the process, without its name
 };
 
-/// The real wallpaper, found with the help of `windows`, which may be null.
-[[nodiscard]] WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows);
-
-/// The services that need no toolkit, filled in with the real ones; a front end adds what lives in its event loop, and
-/// the wallpaper.
-[[nodiscard]] AppServices systemServices();
+/// The application's services: what only a front end has, and the real ones for all the rest. There are no defaults, so
+/// that no front end forgets one; only `windows` may be null, where the system does not list windows.
+[[nodiscard]] AppServices makeAppServices(std::shared_ptr<MainQueue> mainQueue,
+                                          std::shared_ptr<PreferencesStore> preferences,
+                                          std::shared_ptr<Workspace> workspace,
+                                          std::shared_ptr<const WindowList> windows,
+                                          std::vector<std::string> arguments);
 
 } // namespace vantry

@@ -4,6 +4,7 @@
 #include "app/TerminationSignals.h"
 #include "platform/apple/AppleMainQueue.h"
 #include "platform/apple/PreferencesStore.h"
+#include "platform/apple/WindowList.h"
 #include "platform/apple/Workspace.h"
 #include "shell/appkit/AppKitShell.h"
 
@@ -24,15 +25,6 @@ bool windowServerAnswers() {
         return false;
     CFRelease(session);
     return true;
-}
-
-AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::string> arguments) {
-    AppServices services = systemServices();
-    services.mainQueue = std::move(mainQueue);
-    services.preferences = makePreferencesStore();
-    services.workspace = makeWorkspace();
-    services.arguments = std::move(arguments);
-    return services;
 }
 
 /// The running user interface.
@@ -60,7 +52,9 @@ struct Interface {
         _interface.mainQueue = vantry::makeMainQueue();
         _interface.shell = std::make_unique<vantry::AppKitShell>();
         _interface.delegate = std::make_shared<vantry::AppDelegate>(
-            *_interface.shell, vantry::makeServices(_interface.mainQueue, std::move(launch.arguments)));
+            *_interface.shell,
+            vantry::makeAppServices(_interface.mainQueue, vantry::makePreferencesStore(), vantry::makeWorkspace(),
+                                    vantry::makeWindowList(), std::move(launch.arguments)));
         _interface.shell->setDelegate(_interface.delegate);
         _interface.events = std::make_unique<vantry::ProcessEvents>(*_interface.mainQueue, *_interface.shell,
                                                                     _interface.delegate, std::move(launch.instance),

@@ -46,15 +46,11 @@ bool choosePlatform() {
     return waylandCanBeUsed() && qputenv("QT_QPA_PLATFORM", "wayland");
 }
 
-AppServices makeServices(std::shared_ptr<MainQueue> mainQueue, std::vector<std::string> arguments) {
-    AppServices services = systemServices();
-    services.mainQueue = std::move(mainQueue);
-    services.preferences = std::make_shared<QtPreferencesStore>();
-    services.workspace = std::make_shared<QtWorkspace>();
-    if (QGuiApplication::platformName() == QStringLiteral("xcb"))
-        services.wallpaper = wallpaperServices(std::make_shared<X11WindowList>(qApp->devicePixelRatio()));
-    services.arguments = std::move(arguments);
-    return services;
+// Only X11 lists the windows of other programs.
+std::shared_ptr<const WindowList> windowList() {
+    if (QGuiApplication::platformName() != QStringLiteral("xcb"))
+        return nullptr;
+    return std::make_shared<X11WindowList>(qApp->devicePixelRatio());
 }
 
 // Qt ends the process with exit() when it loses the display. A move in progress has to stop in good order then, too.
@@ -84,7 +80,9 @@ int runShell(ShellLaunch launch) {
 
     const auto mainQueue = std::make_shared<QtMainQueue>();
     QtShell shell;
-    const auto delegate = std::make_shared<AppDelegate>(shell, makeServices(mainQueue, std::move(launch.arguments)));
+    const auto delegate = std::make_shared<AppDelegate>(
+        shell, makeAppServices(mainQueue, std::make_shared<QtPreferencesStore>(), std::make_shared<QtWorkspace>(),
+                               windowList(), std::move(launch.arguments)));
     shell.setDelegate(delegate);
     terminateAtExit(delegate);
     const ProcessEvents events(*mainQueue, shell, delegate, std::move(launch.instance),

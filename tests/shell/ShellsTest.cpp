@@ -234,6 +234,32 @@ std::string appkitNameOf(const std::string& stem) {
     return stem.starts_with("Qt") ? "AppKit" + stem.substr(2) : stem;
 }
 
+std::string entryOf(Front front) {
+    return withoutComments(
+        textOf(root() / folderOf(front) / (front == Front::qt ? "ShellEntry.cpp" : "ShellEntry.mm")));
+}
+
+std::ptrdiff_t occurrences(const std::string& text, std::string_view what) {
+    std::ptrdiff_t count = 0;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        ++count;
+    return count;
+}
+
+/// How a front end makes the services that live in its event loop, read from the headers that offer them.
+std::set<std::string> servicesOf(Front front) {
+    const bool qt = front == Front::qt;
+    const std::regex offer(qt ? "class (\\w+) : public (?:MainQueue|PreferencesStore|Workspace|WindowList)\\b"
+                              : "std::shared_ptr<(?:const )?\\w+> (make\\w+)\\(\\)");
+    std::set<std::string> services;
+    for (const auto& file : std::filesystem::directory_iterator(root() / (qt ? folderOf(front) : "platform/apple"))) {
+        const std::string text = file.path().extension() == ".h" ? withoutComments(textOf(file.path())) : "";
+        for (std::sregex_iterator found(text.begin(), text.end(), offer), end; found != end; ++found)
+            services.insert(qt ? "make_shared<" + (*found)[1].str() + ">(" : (*found)[1].str() + "()");
+    }
+    return services;
+}
+
 } // namespace
 
 TEST(Shells, TheFieldsOfAContentAreFound) {
@@ -314,6 +340,18 @@ TEST(Shells, AFieldWhoseNameIsTakenOutOfTheRealSourcesIsReportedAndNoOther) {
                     << folderOf(front) << ": " << content.name << "::" << field;
             }
         }
+}
+
+// What else a front end hands to the application, the compiler asks for.
+TEST(Shells, EachMakesTheApplicationsServicesOnceWithAllThatItsSystemOffers) {
+    for (const Front front : fronts) {
+        const std::string entry = entryOf(front);
+        EXPECT_EQ(occurrences(entry, "makeAppServices("), 1) << folderOf(front);
+        const auto services = servicesOf(front);
+        EXPECT_EQ(services.size(), 4U) << "of the main queue, the preferences, the workspace and the list of windows";
+        for (const std::string& service : services)
+            EXPECT_EQ(occurrences(entry, service), 1) << folderOf(front) << ": " << service;
+    }
 }
 
 TEST(Shells, TheExceptionsAreAboutFieldsThatThereAre) {
