@@ -23,11 +23,9 @@ const auto& rowOf(const Rows& rows, Case value) {
 } // namespace
 
 std::string_view rawValue(BarStyle style) { return rowOf(allBarStyles, style).rawValue; }
-std::string_view displayName(BarStyle style) { return rowOf(allBarStyles, style).displayName; }
 std::optional<BarStyle> barStyleFromRawValue(std::string_view rawValue) { return valueOf(allBarStyles, rawValue); }
 
 std::string_view rawValue(SegmentSizing sizing) { return rowOf(allSegmentSizings, sizing).rawValue; }
-std::string_view displayName(SegmentSizing sizing) { return rowOf(allSegmentSizings, sizing).displayName; }
 std::optional<SegmentSizing> segmentSizingFromRawValue(std::string_view rawValue) {
     return valueOf(allSegmentSizings, rawValue);
 }

@@ -35,11 +35,9 @@ inline constexpr std::array<ChoiceRow<SegmentSizing>, 2> allSegmentSizings{{
 }};
 
 [[nodiscard]] std::string_view rawValue(BarStyle style);
-[[nodiscard]] std::string_view displayName(BarStyle style);
 [[nodiscard]] std::optional<BarStyle> barStyleFromRawValue(std::string_view rawValue);
 
 [[nodiscard]] std::string_view rawValue(SegmentSizing sizing);
-[[nodiscard]] std::string_view displayName(SegmentSizing sizing);
 [[nodiscard]] std::optional<SegmentSizing> segmentSizingFromRawValue(std::string_view rawValue);
 
 } // namespace vantry
