@@ -18,7 +18,7 @@ struct Rgba {
     bool operator==(const Rgba&) const = default;
 };
 
-/// The colours that the system defines by role and that follow its appearance (`platform/SystemColors.h` resolves
+/// The colours that the system defines by role and that follow its appearance (`platform/linux/SystemColors.h` resolves
 /// them).
 enum class SystemColor {
     red,

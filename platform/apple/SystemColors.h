@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/SystemColors.h"
+#include "base/Color.h"
 
 #include <AppKit/AppKit.h>
 

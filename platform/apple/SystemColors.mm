@@ -25,22 +25,4 @@ NSColor* nsColor(SystemColor role) {
     return [NSColor labelColor];
 }
 
-Rgba resolvedSystemColor(SystemColor role, Appearance appearance) {
-    @autoreleasepool {
-        NSAppearance* drawn = [NSAppearance
-            appearanceNamed:appearance == Appearance::dark ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua];
-        // The conversion is what resolves a dynamic colour, so it has to happen under the appearance.
-        __block NSColor* resolved = nil;
-        [drawn performAsCurrentDrawingAppearance:^{
-            resolved = [nsColor(role) colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
-        }];
-        CGFloat red = 0;
-        CGFloat green = 0;
-        CGFloat blue = 0;
-        CGFloat alpha = 1;
-        [resolved getRed:&red green:&green blue:&blue alpha:&alpha];
-        return {red, green, blue, alpha};
-    }
-}
-
 } // namespace vantry

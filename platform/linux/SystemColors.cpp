@@ -1,4 +1,4 @@
-#include "platform/SystemColors.h"
+#include "platform/linux/SystemColors.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "shell/qt/QtCanvas.h"
 
-#include "platform/SystemColors.h"
+#include "platform/linux/SystemColors.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QFontDatabase>
