@@ -76,7 +76,8 @@ std::string fittedInformativeText(const AlertContent& alert, double width, const
         lines.resize(mostLines);
         lines.back() = ellipsis;
     }
-    const double longest = width * static_cast<double>(mostLines / lines.size());
+    const std::size_t linesEach = mostLines / lines.size();
+    const double longest = width * static_cast<double>(linesEach);
     std::string result;
     for (const std::string& line : lines)
         result +=
