@@ -84,7 +84,7 @@ int measure() {
     QApplication::setStyle(new OmbrelStyle(appearance));
     installCleanupAccessibility();
     const CleanupWindowActions nobody{
-        [] {}, [](auto) {}, [] {}, [] {}, {[](auto&, auto) {}, [](auto&) {}, [](auto) {}}};
+        [] {}, [](auto) {}, [] {}, [] {}, [] {}, [] {}, {[](auto&, auto) {}, [](auto&) {}, [](auto) {}}};
     CleanupWindow window(appearance, nobody);
     const CleanupWindowContent scan = cannedScan();
     const CleanupWindowContent files = cannedFiles(rowCount);
