@@ -19,14 +19,16 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr const char* name = "ombrel-test";
+constexpr const char* testName = "ombrel-test";
 
 class TheOneInstance : public testing::Test {
 protected:
-    Result<std::unique_ptr<SingleInstance>> claim() { return SingleInstance::claim(folder.path(), name); }
-    Result<void> ask(InstanceRequest request) { return SingleInstance::ask(folder.path(), name, request); }
+    Result<std::unique_ptr<SingleInstance>> claim() { return SingleInstance::claim(folder.path(), testName); }
+    Result<void> ask(InstanceRequest request) { return SingleInstance::ask(folder.path(), testName, request); }
 
-    [[nodiscard]] std::filesystem::path socketFile() const { return folder.path() / (std::string(name) + ".socket"); }
+    [[nodiscard]] std::filesystem::path socketFile() const {
+        return folder.path() / (std::string(testName) + ".socket");
+    }
 
     /// Binds a socket to the instance's address, and leaves the file behind as a killed process does.
     void leaveSocketBehind() const {
@@ -151,7 +153,7 @@ TEST_F(TheOneInstance, KeepsItsFilesFromOthers) {
 TEST_F(TheOneInstance, DoesNotFollowALinkInThePlaceOfItsLock) {
     const auto target = folder.path() / "somebody's file";
     writeFile(target, "untouched");
-    std::filesystem::create_symlink(target, folder.path() / (std::string(name) + ".lock"));
+    std::filesystem::create_symlink(target, folder.path() / (std::string(testName) + ".lock"));
     EXPECT_FALSE(claim());
     EXPECT_EQ(readFile(target), "untouched");
 }
@@ -160,14 +162,14 @@ TEST_F(TheOneInstance, IsAnErrorWhereItCannotBeTold) {
     struct Case {
         std::string what;
         std::filesystem::path folder;
-        std::string name;
+        std::string testName;
         ErrorKind kind;
     };
     const auto file = folder.path() / "file";
     writeFile(file, "no folder");
     const std::vector<Case> cases{
-        {"the folder is missing", folder.path() / "missing", name, ErrorKind::notFound},
-        {"the folder is a file", file, name, ErrorKind::notFound},
+        {"the folder is missing", folder.path() / "missing", testName, ErrorKind::notFound},
+        {"the folder is a file", file, testName, ErrorKind::notFound},
         {"too long for a socket", folder.path(), std::string(110, 'n'), ErrorKind::invalid},
         {"too long for a file", folder.path(), std::string(300, 'n'), ErrorKind::invalid},
     };
@@ -193,7 +195,7 @@ TEST_F(TheOneInstance, IsNotAskedWhereItsAddressCannotBe) {
     writeFile(file, "no folder");
     const auto start = std::chrono::steady_clock::now();
     const auto tooLong = SingleInstance::ask(folder.path(), std::string(110, 'n'), InstanceRequest::showPopover);
-    const auto inAFile = SingleInstance::ask(file, name, InstanceRequest::showPopover);
+    const auto inAFile = SingleInstance::ask(file, testName, InstanceRequest::showPopover);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "nothing to wait for";
     ASSERT_FALSE(tooLong);
     EXPECT_EQ(tooLong.error().kind, ErrorKind::invalid);
@@ -210,7 +212,7 @@ TEST_F(TheOneInstance, AskingNobodyFailsAfterTwoSeconds) {
         return std::pair(result, std::chrono::steady_clock::now() - start);
     };
     auto toNoSocket = std::async(std::launch::async, timed, "ombrel-missing");
-    auto toDeadSocket = std::async(std::launch::async, timed, name);
+    auto toDeadSocket = std::async(std::launch::async, timed, testName);
     for (auto* answer : {&toNoSocket, &toDeadSocket}) {
         const auto [result, elapsed] = answer->get();
         ASSERT_FALSE(result);

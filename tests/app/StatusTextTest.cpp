@@ -12,8 +12,8 @@ namespace vantry {
 
 namespace {
 
-const SystemTime moment{std::chrono::seconds(1'700'000'000)}; // 2023-11-14 22:13:20 UTC
-const StorageSnapshot snapshot{"Data", 500'000'000'000, 200'000'000'000, moment};
+const SystemTime statusTime{std::chrono::seconds(1'700'000'000)}; // 2023-11-14 22:13:20 UTC
+const StorageSnapshot snapshot{"Data", 500'000'000'000, 200'000'000'000, statusTime};
 
 nlohmann::ordered_json parsed(const StorageSnapshot& given) { return nlohmann::ordered_json::parse(statusJson(given)); }
 
@@ -23,21 +23,21 @@ TEST(StatusText, ListsTheFiguresInColumns) {
                                     "Used           300 GB          300000000000 bytes  60%\n"
                                     "Available      200 GB          200000000000 bytes\n"
                                     "Read       " +
-                                        dateTimeText(moment) + "\n");
+                                        dateTimeText(statusTime) + "\n");
 }
 
 TEST(StatusText, UsesEveryUnit) {
-    EXPECT_EQ(statusText({"tiny", 1000, 999, moment}), "tiny\n"
-                                                       "Total            1 KB                  1000 bytes\n"
-                                                       "Used           1 byte                     1 bytes  0.1%\n"
-                                                       "Available   999 bytes                   999 bytes\n"
-                                                       "Read       " +
-                                                           dateTimeText(moment) + "\n");
+    EXPECT_EQ(statusText({"tiny", 1000, 999, statusTime}), "tiny\n"
+                                                           "Total            1 KB                  1000 bytes\n"
+                                                           "Used           1 byte                     1 bytes  0.1%\n"
+                                                           "Available   999 bytes                   999 bytes\n"
+                                                           "Read       " +
+                                                               dateTimeText(statusTime) + "\n");
 }
 
 TEST(StatusText, KeepsTheNameAsItIs) {
     for (const std::string name : {"", "Müller’s “Disk”", "Disk\xff", "\"quoted\"", "a{}b%s"})
-        EXPECT_TRUE(statusText({name, 10, 5, moment}).starts_with(name + "\nTotal "));
+        EXPECT_TRUE(statusText({name, 10, 5, statusTime}).starts_with(name + "\nTotal "));
 }
 
 TEST(StatusJson, IsOneLineWithTheseFieldsInThisOrder) {
@@ -51,7 +51,7 @@ TEST(StatusJson, IsOneLineWithTheseFieldsInThisOrder) {
 
 TEST(StatusJson, GivesBytesExactly) {
     constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-    const auto object = parsed({"Large", largest, 1, moment});
+    const auto object = parsed({"Large", largest, 1, statusTime});
     EXPECT_EQ(object["totalBytes"].get<std::int64_t>(), largest);
     EXPECT_EQ(object["usedBytes"].get<std::int64_t>(), largest - 1);
     EXPECT_EQ(object["availableBytes"].get<std::int64_t>(), 1);
@@ -66,7 +66,7 @@ TEST(StatusJson, TheUsedFractionIsANumberWhateverTheTotal) {
     };
     for (const auto& [total, available, fraction] :
          {Case{0, 0, 0}, Case{-1, -5, 0}, Case{100, 100, 0}, Case{100, 150, 0}, Case{100, 0, 1}, Case{8, 7, 0.125}}) {
-        const auto object = parsed({"Data", total, available, moment});
+        const auto object = parsed({"Data", total, available, statusTime});
         ASSERT_TRUE(object["usedFraction"].is_number());
         EXPECT_EQ(object["usedFraction"].get<double>(), fraction);
     }
@@ -86,7 +86,7 @@ TEST(StatusJson, EveryNameComesThroughOnOneLine) {
         {"\xc3", "\uFFFD"},
     };
     for (const auto& [stored, read] : cases) {
-        const StorageSnapshot named{stored, 100, 50, moment};
+        const StorageSnapshot named{stored, 100, 50, statusTime};
         const std::string text = statusJson(named);
         SCOPED_TRACE(text);
         EXPECT_EQ(std::ranges::count(text, '\n'), 1);
@@ -96,7 +96,7 @@ TEST(StatusJson, EveryNameComesThroughOnOneLine) {
 }
 
 TEST(StatusJson, TheTimeIsUtcToTheSecond) {
-    EXPECT_EQ(parsed({"Data", 1, 1, moment + std::chrono::milliseconds(999)})["updatedAt"], "2023-11-14T22:13:20Z");
+    EXPECT_EQ(parsed({"Data", 1, 1, statusTime + std::chrono::milliseconds(999)})["updatedAt"], "2023-11-14T22:13:20Z");
     EXPECT_EQ(parsed({"Data", 1, 1, SystemTime{}})["updatedAt"], "1970-01-01T00:00:00Z");
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 using testing::ElementsAre;
 
-const SystemTime moment{std::chrono::seconds(1'700'000'000)};
+const SystemTime refreshTime{std::chrono::seconds(1'700'000'000)};
 
 /// Writes down what the controls report.
 class ReportedCalls : public StoragePopoverDelegate {
@@ -111,7 +111,7 @@ TEST(StoragePopover, ShowsTheFiguresOfASnapshot) {
     };
     for (const auto& [total, available, summary, used, availableText] : cases) {
         SCOPED_TRACE(summary);
-        const StorageSnapshot snapshot{"Work \"1\"", total, available, moment};
+        const StorageSnapshot snapshot{"Work \"1\"", total, available, refreshTime};
         StoragePopoverViewController controller;
         PopoverContent expected = controller.content();
         expected.barView.snapshot = snapshot;
@@ -119,7 +119,7 @@ TEST(StoragePopover, ShowsTheFiguresOfASnapshot) {
         expected.summaryLabel.text = summary;
         expected.usedValueLabel.text = used;
         expected.availableValueLabel.text = availableText;
-        expected.updateLabel.text = "Updated " + shortTimeText(moment);
+        expected.updateLabel.text = "Updated " + shortTimeText(refreshTime);
         controller.update(snapshot);
         EXPECT_EQ(controller.content(), expected);
         EXPECT_EQ(controller.content().summaryLabel.text, summary);
@@ -130,7 +130,7 @@ TEST(StoragePopover, ShowsTheFiguresOfASnapshot) {
 
 TEST(StoragePopover, UsesGigabytesAndTerabytesOnly) {
     StoragePopoverViewController controller;
-    controller.update(StorageSnapshot{"Small", 900'000'000, 400'000'000, moment});
+    controller.update(StorageSnapshot{"Small", 900'000'000, 400'000'000, refreshTime});
     EXPECT_EQ(controller.content().summaryLabel.text, "0.5 GB of 0.9 GB used");
     EXPECT_EQ(controller.content().availableValueLabel.text, "0.4 GB");
 }
@@ -138,14 +138,14 @@ TEST(StoragePopover, UsesGigabytesAndTerabytesOnly) {
 TEST(StoragePopover, SaysWhenTheFiguresWereReadAndNotWhenTheyAreShown) {
     StoragePopoverViewController controller;
     for (const auto age : {std::chrono::hours(0), std::chrono::hours(7), std::chrono::hours(24 * 365)}) {
-        controller.update(StorageSnapshot{"Data", 10, 5, moment - age});
-        EXPECT_EQ(controller.content().updateLabel.text, "Updated " + shortTimeText(moment - age));
+        controller.update(StorageSnapshot{"Data", 10, 5, refreshTime - age});
+        EXPECT_EQ(controller.content().updateLabel.text, "Updated " + shortTimeText(refreshTime - age));
     }
 }
 
 TEST(StoragePopover, WithoutASnapshotItWaitsButKeepsTitleAndError) {
     StoragePopoverViewController controller;
-    controller.update(StorageSnapshot{"Data", 1000, 500, moment});
+    controller.update(StorageSnapshot{"Data", 1000, 500, refreshTime});
     controller.showError("Disk on fire");
     PopoverContent expected = controller.content();
     expected.barView.snapshot = std::nullopt;
@@ -162,7 +162,7 @@ TEST(StoragePopover, WithoutASnapshotItWaitsButKeepsTitleAndError) {
 TEST(StoragePopover, ASnapshotClearsTheError) {
     StoragePopoverViewController controller;
     controller.showError("Disk on fire");
-    controller.update(StorageSnapshot{"Data", 1000, 500, moment});
+    controller.update(StorageSnapshot{"Data", 1000, 500, refreshTime});
     EXPECT_EQ(controller.content().errorLabel, (LabelContent{"", SystemColor::red, true}));
 }
 

@@ -20,7 +20,7 @@ namespace vantry {
 
 namespace {
 
-void require(bool condition, const char* what) {
+void requireThat(bool condition, const char* what) {
     if (condition)
         return;
     std::fprintf(stderr, "not so: %s\n", what);
@@ -45,24 +45,24 @@ void readMetrics(std::string_view bytes) {
     const auto payload = decodedDirectoryMetrics(bytes);
     if (!payload)
         return;
-    require(nlohmann::json::accept(bytes), "what is read is JSON");
-    require(payload->size >= 0, "a size is not negative");
-    require(!payload->newestModificationTime || timeFromSecondsSince1970(*payload->newestModificationTime),
-            "a time is one that can be told");
-    require(decodedDirectoryMetrics(encoded(*payload)) == payload, "measures are read as they are written");
+    requireThat(nlohmann::json::accept(bytes), "what is read is JSON");
+    requireThat(payload->size >= 0, "a size is not negative");
+    requireThat(!payload->newestModificationTime || timeFromSecondsSince1970(*payload->newestModificationTime),
+                "a time is one that can be told");
+    requireThat(decodedDirectoryMetrics(encoded(*payload)) == payload, "measures are read as they are written");
 }
 
 void readChildren(std::string_view bytes) {
     const auto writtenAndRead = [](ShallowChildrenPayload payload) {
         auto read = decodedShallowChildren(encoded(payload));
-        require(read.has_value(), "a list that is written can be read");
+        requireThat(read.has_value(), "a list that is written can be read");
         std::ranges::sort(payload.names); // those that are no UTF-8 go behind the others
         std::ranges::sort(read->names);
-        require(*read == payload, "a list is read as it is written");
+        requireThat(*read == payload, "a list is read as it is written");
     };
     if (const auto payload = decodedShallowChildren(bytes)) {
-        require(nlohmann::json::accept(bytes), "what is read is JSON");
-        require(std::ranges::all_of(payload->names, canBeInAFolder), "a name stays in its folder");
+        requireThat(nlohmann::json::accept(bytes), "what is read is JSON");
+        requireThat(std::ranges::all_of(payload->names, canBeInAFolder), "a name stays in its folder");
         writtenAndRead(*payload);
     }
     ShallowChildrenPayload named{.names = pieces(bytes, '\n'), .complete = true};
@@ -75,18 +75,19 @@ void readChildrenMetrics(std::string_view bytes) {
     if (!payload)
         return;
     for (const auto& [name, metrics] : payload->children)
-        require(canBeInAFolder(name) && metrics.size >= 0, "a child is one that a folder can hold");
-    require(decodedChildrenMetrics(encoded(*payload)) == payload, "measures of children are read as they are written");
+        requireThat(canBeInAFolder(name) && metrics.size >= 0, "a child is one that a folder can hold");
+    requireThat(decodedChildrenMetrics(encoded(*payload)) == payload,
+                "measures of children are read as they are written");
 }
 
 void readLsofOutput(std::string_view bytes) {
     std::size_t length = 0;
     for (const auto& path : pathsInLsofOutput(bytes)) {
-        require(!path.empty(), "a path is not empty");
-        require(bytes.find("n" + path.native()) != std::string_view::npos, "a path stands in the output");
+        requireThat(!path.empty(), "a path is not empty");
+        requireThat(bytes.find("n" + path.native()) != std::string_view::npos, "a path stands in the output");
         length += path.native().size() + 1;
     }
-    require(length <= bytes.size(), "nothing is told twice");
+    requireThat(length <= bytes.size(), "nothing is told twice");
 }
 
 // The first line is the name of a screen.
@@ -97,9 +98,9 @@ void readWallpaperSettings(std::string_view bytes) {
          {pathOfUrl(settings), plasmaPicture(settings), xfcePicture(settings, screen), lxqtPicture(settings),
           swayPicture(settings, screen, "/home"), hyprlandPicture(settings, screen, "/home"), fehPicture(settings),
           nitrogenPicture(settings)})
-        require(!picture || picture->is_absolute(), "a picture has an absolute path");
+        requireThat(!picture || picture->is_absolute(), "a picture has an absolute path");
     const auto text = textOfGVariant(settings);
-    require(!text || text->size() + 2 <= settings.size(), "a text is no longer than what is printed of it");
+    requireThat(!text || text->size() + 2 <= settings.size(), "a text is no longer than what is printed of it");
 }
 
 // An argument a line.
@@ -108,25 +109,26 @@ void readArguments(std::string_view bytes) {
     const auto arguments = pieces(bytes, '\n');
     const auto job = workerJob(arguments);
     const std::string flag = arguments.empty() ? "" : arguments[0];
-    require(!job || (flag.starts_with("--") && flag.ends_with("-worker")), "a worker is what has a flag in front");
-    require(job || (flag != directoryMetricsFlag && flag != childrenMetricsFlag && flag != shallowChildrenFlag),
-            "what has a flag in front is a worker");
+    requireThat(!job || (flag.starts_with("--") && flag.ends_with("-worker")), "a worker is what has a flag in front");
+    requireThat(job || (flag != directoryMetricsFlag && flag != childrenMetricsFlag && flag != shallowChildrenFlag),
+                "what has a flag in front is a worker");
     if (!job)
         return;
-    require(std::holds_alternative<std::monostate>(*job) ||
-                std::holds_alternative<MeasuringJob>(*job) == (flag == directoryMetricsFlag),
-            "the flag says what is to be measured");
+    requireThat(std::holds_alternative<std::monostate>(*job) ||
+                    std::holds_alternative<MeasuringJob>(*job) == (flag == directoryMetricsFlag),
+                "the flag says what is to be measured");
     if (const auto* measuring = std::get_if<MeasuringJob>(&*job)) {
-        require(arguments.size() == 3, "measuring takes a folder and a budget");
-        require(measuring->folder == arguments[1], "the folder is taken as it is");
-        require(measuring->budget >= std::chrono::nanoseconds(0) && measuring->budget <= std::chrono::seconds(3),
-                "a budget is no longer than three seconds");
-        require(arguments[2].find_first_not_of("0123456789.eE+-") == std::string::npos, "a budget is a plain number");
-        require(arguments[2].find_first_of("123456789") != std::string::npos, "a budget is not zero");
+        requireThat(arguments.size() == 3, "measuring takes a folder and a budget");
+        requireThat(measuring->folder == arguments[1], "the folder is taken as it is");
+        requireThat(measuring->budget >= std::chrono::nanoseconds(0) && measuring->budget <= std::chrono::seconds(3),
+                    "a budget is no longer than three seconds");
+        requireThat(arguments[2].find_first_not_of("0123456789.eE+-") == std::string::npos,
+                    "a budget is a plain number");
+        requireThat(arguments[2].find_first_of("123456789") != std::string::npos, "a budget is not zero");
     } else if (const auto* listing = std::get_if<ListingJob>(&*job)) {
-        require(flag == shallowChildrenFlag, "the flag says what is to be listed");
-        require(arguments.size() == 3, "listing takes a folder and a file");
-        require(*listing == ListingJob{arguments[1], arguments[2]}, "the paths are taken as they are");
+        requireThat(flag == shallowChildrenFlag, "the flag says what is to be listed");
+        requireThat(arguments.size() == 3, "listing takes a folder and a file");
+        requireThat(*listing == ListingJob{arguments[1], arguments[2]}, "the paths are taken as they are");
     }
 }
 

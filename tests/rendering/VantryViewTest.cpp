@@ -57,7 +57,7 @@ Rect usedRect(const VantryView& view, Size bounds) {
     return fill && fill->size() == 1 ? std::get<drawn::FillGradient>(fill->front()).rect : Rect{};
 }
 
-std::optional<Rect> endMark(const VantryView& view, Size bounds) {
+std::optional<Rect> paintedEndMark(const VantryView& view, Size bounds) {
     for (const auto& fill : drawnBy(view, bounds).all<drawn::Fill>())
         if (fill.color == Color(DynamicColor{SystemColor::windowBackground, 0.4}))
             return std::get<Rect>(fill.shape);
@@ -220,7 +220,7 @@ TEST(VantryView, AnEndMarkFollowsTheUsedPartUntilLessThanOnePointIsLeft) {
         {64, std::nullopt}, // nothing used
     };
     for (const auto& [available, x] : cases) {
-        const auto mark = endMark(viewOf(snapshot(64, available)), {38, 22});
+        const auto mark = paintedEndMark(viewOf(snapshot(64, available)), {38, 22});
         ASSERT_EQ(mark.has_value(), x.has_value()) << available;
         if (mark) {
             EXPECT_EQ(*mark, (Rect{*x, 7, 1, 7})) << available;
@@ -229,20 +229,20 @@ TEST(VantryView, AnEndMarkFollowsTheUsedPartUntilLessThanOnePointIsLeft) {
 }
 
 TEST(VantryView, TheEndMarkFollowsTheMinimumOnABarOfFortyPoints) {
-    EXPECT_EQ(endMark(viewOf(snapshot(1000, 999)), {46, 22}), (Rect{4, 7, 1, 7}));
+    EXPECT_EQ(paintedEndMark(viewOf(snapshot(1000, 999)), {46, 22}), (Rect{4, 7, 1, 7}));
 }
 
 TEST(VantryView, TheEndMarkIsRoundedDownWithTheInset) {
     VantryView view = viewOf(snapshot(64, 32));
     view.horizontalInset = 2.75;
     // 2.75 + 16.25 = 19
-    EXPECT_EQ(endMark(view, {38, 22}), (Rect{19, 7, 1, 7}));
+    EXPECT_EQ(paintedEndMark(view, {38, 22}), (Rect{19, 7, 1, 7}));
     view.horizontalInset = 2.5;
     // 2.5 + 16.5 = 19
-    EXPECT_EQ(endMark(view, {38, 22}), (Rect{19, 7, 1, 7}));
+    EXPECT_EQ(paintedEndMark(view, {38, 22}), (Rect{19, 7, 1, 7}));
     view.horizontalInset = 0.25;
     // 0.25 + 18.5 = 18.75 of a bar of 37 points
-    EXPECT_EQ(endMark(view, {37.5, 22}), (Rect{18, 7, 1, 7}));
+    EXPECT_EQ(paintedEndMark(view, {37.5, 22}), (Rect{18, 7, 1, 7}));
 }
 
 TEST(VantryView, AFullDiskPaintsTheWholeTrackWithoutAnEndMark) {

@@ -8,8 +8,8 @@ namespace vantry {
 
 namespace {
 
-constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto leastBytes = std::numeric_limits<std::int64_t>::min();
+constexpr auto mostBytes = std::numeric_limits<std::int64_t>::max();
 
 StorageSnapshot snapshot(std::int64_t total, std::int64_t available) { return {"Disk", total, available, {}}; }
 
@@ -38,8 +38,8 @@ TEST(StorageSnapshot, UsedIsWhatIsNotAvailable) {
         {1, 0, 1, 1.0},
         {1, 1, 0, 0.0},
         {499'963'174'912, 249'981'587'456, 249'981'587'456, 0.5},
-        {largest, 0, largest, 1.0},
-        {largest, largest, 0, 0.0},
+        {mostBytes, 0, mostBytes, 1.0},
+        {mostBytes, mostBytes, 0, 0.0},
     };
     for (const auto& [total, available, used, fraction] : cases) {
         EXPECT_EQ(snapshot(total, available).usedBytes(), used) << total << " " << available;
@@ -51,7 +51,8 @@ TEST(StorageSnapshot, UsedBytesNeverGoBelowZero) {
     const struct {
         std::int64_t total;
         std::int64_t available;
-    } cases[] = {{100, 101}, {100, largest}, {0, 1}, {-5, 0}, {-5, -5}, {smallest, 0}, {smallest, largest}, {0, 0}};
+    } cases[] = {{100, 101},      {100, mostBytes},        {0, 1}, {-5, 0}, {-5, -5},
+                 {leastBytes, 0}, {leastBytes, mostBytes}, {0, 0}};
     for (const auto& [total, available] : cases) {
         EXPECT_EQ(snapshot(total, available).usedBytes(), 0) << total << " " << available;
         EXPECT_EQ(snapshot(total, available).usedFraction(), 0.0) << total << " " << available;
@@ -59,8 +60,8 @@ TEST(StorageSnapshot, UsedBytesNeverGoBelowZero) {
 }
 
 TEST(StorageSnapshot, TheFractionIsZeroWithoutATotal) {
-    for (const std::int64_t total : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{-5}, smallest + 1})
-        EXPECT_EQ(snapshot(total, smallest).usedFraction(), 0.0) << total;
+    for (const std::int64_t total : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{-5}, leastBytes + 1})
+        EXPECT_EQ(snapshot(total, leastBytes).usedFraction(), 0.0) << total;
 }
 
 TEST(StorageSnapshot, TheFractionIsHeldAtOneWhenMoreIsUsedThanThereIs) {
@@ -69,8 +70,11 @@ TEST(StorageSnapshot, TheFractionIsHeldAtOneWhenMoreIsUsedThanThereIs) {
         std::int64_t available;
         std::int64_t used;
     } cases[] = {
-        {100, -1, 101},         {1, -largest, largest},       {100, smallest, largest},
-        {largest, -1, largest}, {largest, smallest, largest},
+        {100, -1, 101},
+        {1, -mostBytes, mostBytes},
+        {100, leastBytes, mostBytes},
+        {mostBytes, -1, mostBytes},
+        {mostBytes, leastBytes, mostBytes},
     };
     for (const auto& [total, available, used] : cases) {
         EXPECT_EQ(snapshot(total, available).usedBytes(), used) << total << " " << available;

@@ -10,24 +10,24 @@ namespace {
 
 using std::chrono::days;
 using std::chrono::nanoseconds;
-using Texts = std::vector<std::string>;
+using TextList = std::vector<std::string>;
 
 const SystemTime now = std::chrono::sys_days(std::chrono::year(2026) / 6 / 1);
-const ScanEnvironment environment{.home = "/home/ada",
-                                  .applications = "/Applications",
-                                  .systemApplications = "/System/Applications",
-                                  .workers = {},
-                                  .now = [] { return now; }};
+const ScanEnvironment adasEnvironment{.home = "/home/ada",
+                                      .applications = "/Applications",
+                                      .systemApplications = "/System/Applications",
+                                      .workers = {},
+                                      .now = [] { return now; }};
 
 std::vector<OldItemsRule> allRules() {
-    std::vector<OldItemsRule> rules{oldCachesRule(environment)};
+    std::vector<OldItemsRule> rules{oldCachesRule(adasEnvironment)};
     for (const auto& more :
-         {oldFilesRules(environment), developerArchiveRules(environment), deviceSoftwareRules(environment)})
+         {oldFilesRules(adasEnvironment), developerArchiveRules(adasEnvironment), deviceSoftwareRules(adasEnvironment)})
         rules.insert(rules.end(), more.begin(), more.end());
     return rules;
 }
 
-Texts texts(std::span<const std::string_view> views) { return {views.begin(), views.end()}; }
+TextList texts(std::span<const std::string_view> views) { return {views.begin(), views.end()}; }
 
 struct Expected {
     const char* folder;
@@ -35,13 +35,13 @@ struct Expected {
     int days;
     std::int64_t minimumSize;
     std::size_t maximumCount;
-    Texts extensions;
+    TextList extensions;
     const char* reason;
 };
 
 const std::vector<Expected>& expectedRules() {
     using Category = CleanupCategory;
-    static const Texts updates{"ipsw", "ipcc", "dmg"};
+    static const TextList updates{"ipsw", "ipcc", "dmg"};
     static const char* const updateReason = "Downloaded Apple-device update file not modified for at least 90 days.";
     static const std::vector<Expected> expected{
         {"Library/Caches",
@@ -130,7 +130,7 @@ TEST(OldItemsRules, AreTheseInThisOrder) {
         EXPECT_EQ(texts(rules[i].extensions), expected[i].extensions);
         EXPECT_EQ(rules[i].reason, expected[i].reason);
         EXPECT_EQ(texts(rules[i].excludedNames),
-                  i == 0 ? (Texts{"Homebrew", "CocoaPods", "org.swift.swiftpm"}) : Texts());
+                  i == 0 ? (TextList{"Homebrew", "CocoaPods", "org.swift.swiftpm"}) : TextList());
     }
 }
 
@@ -156,7 +156,7 @@ TEST(OldItemsRules, OfferFromTheByteAndTheNanosecondOnThatTheyName) {
 }
 
 TEST(OldItemsRules, LargeDownloadsLeaveOutWhatTheOtherDownloadFindersMatch) {
-    const auto rule = largeDownloadsRule(environment);
+    const auto rule = largeDownloadsRule(adasEnvironment);
     for (const auto category :
          {CleanupCategory::installer, CleanupCategory::archive, CleanupCategory::interruptedDownload})
         for (const auto extension : matchedExtensions(category))

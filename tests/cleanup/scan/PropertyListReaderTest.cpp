@@ -37,7 +37,7 @@ using namespace std::string_literals;
 using Texts = std::map<std::string, std::string>;
 using Files = std::vector<fs::path>;
 
-const std::vector<std::string> keys{"Name"};
+const std::vector<std::string> nameOnly{"Name"};
 /// Far more than any bound, for machines that are busy, and far less than any of the doubles' lives.
 constexpr std::chrono::seconds patience{20};
 /// What it may take to end a worker, and what was rounded up.
@@ -80,7 +80,7 @@ protected:
 
     /// Asks again when a worker was late, on a machine that is busy.
     [[nodiscard]] PropertyListTexts read(const Files& files) {
-        return completeAnswer([&] { return host.propertyListTexts(files, keys, farAway()); });
+        return completeAnswer([&] { return host.propertyListTexts(files, nameOnly, farAway()); });
     }
 };
 
@@ -136,7 +136,7 @@ TEST_F(PropertyListReader, ReadsListsOfBothFormatsInTheOrderOfTheQuestion) {
     EXPECT_EQ(answer, (PropertyListTexts{.texts = {named("com.example.App"), std::nullopt, named("Größe 😀"), Texts{},
                                                    named("Größe 😀"), std::nullopt},
                                          .complete = true}));
-    EXPECT_EQ(host.propertyListTexts(Files(), keys, farAway()), (PropertyListTexts{.texts = {}, .complete = true}));
+    EXPECT_EQ(host.propertyListTexts(Files(), nameOnly, farAway()), (PropertyListTexts{.texts = {}, .complete = true}));
     const auto noKeys = completeAnswer([&] { return host.propertyListTexts(Files{root / "xml"}, {}, farAway()); });
     EXPECT_EQ(noKeys, (PropertyListTexts{.texts = {Texts{}}, .complete = true}));
 }
@@ -244,7 +244,7 @@ TEST_F(PropertyListReader, FindsNothingInWhatItMayNotRead) {
             return "no other user";
         WorkerHost other({copy, temporary});
         const auto answer = completeAnswer([&] {
-            return other.propertyListTexts(Files{root / "secret", root / "closed/list", root / "good"}, keys,
+            return other.propertyListTexts(Files{root / "secret", root / "closed/list", root / "good"}, nameOnly,
                                            farAway());
         });
         const PropertyListTexts expected{.texts = {std::nullopt, std::nullopt, named("good")}, .complete = true};
@@ -347,7 +347,7 @@ TEST_F(PropertyListReaderWithADouble, BelievesWhatCouldBeWritten) {
         read(files({"answers", "is-no-list", "answers-bit-by-bit", "answers-at-length", "answers"})),
         (PropertyListTexts{.texts = {named("a"), std::nullopt, named("b"), named("c"), named("a")}, .complete = true}));
     forgetStarts();
-    if (host.propertyListTexts(files({"answers", "is-no-list"}), keys, farAway()).complete) {
+    if (host.propertyListTexts(files({"answers", "is-no-list"}), nameOnly, farAway()).complete) {
         EXPECT_EQ(starts(), std::vector<std::string>{"answers is-no-list "});
     }
 }
@@ -362,7 +362,7 @@ TEST_F(PropertyListReaderWithADouble, GoesOnBehindAFileForWhichThereIsNoAnswer) 
         for (int attempt = 0; attempt < 5 && answer != expected; ++attempt) { // another file's worker may be late
             forgetStarts();
             RecordedPolls::forget();
-            answer = host.propertyListTexts(files({"answers", behaviour, "answers-bit-by-bit"}), keys, farAway());
+            answer = host.propertyListTexts(files({"answers", behaviour, "answers-bit-by-bit"}), nameOnly, farAway());
         }
         EXPECT_LE(RecordedPolls::waitedInVain(), 1s + 2 * ending) << behaviour;
         EXPECT_EQ(answer, expected) << behaviour;
@@ -384,7 +384,7 @@ TEST_F(PropertyListReaderWithADouble, NoticesAWorkerThatIsKilled) {
         if (!process.empty())
             kill(std::stoi(process), SIGKILL);
     });
-    const auto answer = host.propertyListTexts(files({"waits-to-be-killed", "answers"}), keys, farAway());
+    const auto answer = host.propertyListTexts(files({"waits-to-be-killed", "answers"}), nameOnly, farAway());
     killer.join();
     EXPECT_FALSE(answer.complete);
     EXPECT_EQ(answer.texts[0], std::nullopt);
@@ -393,14 +393,14 @@ TEST_F(PropertyListReaderWithADouble, NoticesAWorkerThatIsKilled) {
 TEST_F(PropertyListReaderWithADouble, WaitsASecondForAFileAndNoLongerThanTheDeadline) {
     const auto begin = std::chrono::steady_clock::now();
     RecordedPolls::forget();
-    EXPECT_EQ(host.propertyListTexts(files({"hangs"}), keys, farAway()),
+    EXPECT_EQ(host.propertyListTexts(files({"hangs"}), nameOnly, farAway()),
               (PropertyListTexts{.texts = {std::nullopt}, .complete = false}));
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 1s);
     EXPECT_LE(RecordedPolls::waitedInVain(), 1s + ending);
     forgetStarts();
     RecordedPolls::forget();
     const Files many(100, root / "hangs");
-    const auto answer = host.propertyListTexts(many, keys, deadlineIn(1500ms));
+    const auto answer = host.propertyListTexts(many, nameOnly, deadlineIn(1500ms));
     EXPECT_LE(RecordedPolls::waitedInVain(), 1500ms + 2 * ending); // a hundred seconds without the deadline
     EXPECT_FALSE(answer.complete);
     EXPECT_EQ(answer.texts.size(), many.size());
@@ -409,13 +409,13 @@ TEST_F(PropertyListReaderWithADouble, WaitsASecondForAFileAndNoLongerThanTheDead
 
 TEST_F(PropertyListReaderWithADouble, StartsNoWorkerWhenTimeIsUp) {
     for (const auto deadline : {std::chrono::steady_clock::now(), Deadline::min()})
-        EXPECT_EQ(host.propertyListTexts(files({"answers", "answers"}), keys, deadline),
+        EXPECT_EQ(host.propertyListTexts(files({"answers", "answers"}), nameOnly, deadline),
                   (PropertyListTexts{.texts = {std::nullopt, std::nullopt}, .complete = false}));
     EXPECT_EQ(starts(), std::vector<std::string>());
 }
 
 TEST_F(PropertyListReaderWithoutWorkers, IsNotComplete) {
-    EXPECT_EQ(host.propertyListTexts(Files{root / "a", root / "b"}, keys, farAway()),
+    EXPECT_EQ(host.propertyListTexts(Files{root / "a", root / "b"}, nameOnly, farAway()),
               (PropertyListTexts{.texts = {std::nullopt, std::nullopt}, .complete = false}));
 }
 

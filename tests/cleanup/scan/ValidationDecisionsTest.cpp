@@ -34,7 +34,7 @@ constexpr auto notOwned = "it is not owned by the current user"sv;
 constexpr auto resized = "its allocated size changed after the scan"sv;
 constexpr auto tooYoung = "it is no longer old enough for low-risk cleanup"sv;
 
-constexpr SystemTime now{std::chrono::nanoseconds(1'800'000'000'123'456'789)};
+constexpr SystemTime checkTime{std::chrono::nanoseconds(1'800'000'000'123'456'789)};
 constexpr uid_t user = 501;
 constexpr std::int64_t size = 8192;
 
@@ -45,8 +45,10 @@ const std::vector<CleanupCategory> approved{CleanupCategory::log, CleanupCategor
 struct Item {
     CleanupCandidate candidate = CleanupCandidate::withFingerprint(
         "/home/Library/Logs/old.log", "old.log", CleanupCategory::log, "", size, CleanupConfidence::suggested,
-        {.contentModificationDate = now - 365 * 24h, .resourceIdentifier = "file 1", .volumeIdentifier = "volume 1"},
-        now);
+        {.contentModificationDate = checkTime - 365 * 24h,
+         .resourceIdentifier = "file 1",
+         .volumeIdentifier = "volume 1"},
+        checkTime);
     PinnedFileFacts facts{.isRegularFile = true,
                           .isSymbolicLink = false,
                           .isPackage = false,
@@ -54,13 +56,13 @@ struct Item {
                           .allocatedBytes = size,
                           .totalAllocated = size,
                           .owner = user,
-                          .fingerprint = {.contentModificationDate = now - 365 * 24h,
+                          .fingerprint = {.contentModificationDate = checkTime - 365 * 24h,
                                           .resourceIdentifier = "file 1",
                                           .volumeIdentifier = "volume 1"}};
     PinnedFolderFacts root{.isDirectory = true, .isSymbolicLink = false, .volumeIdentifier = "volume 1"};
 
     [[nodiscard]] Refusal byIdentity() const { return refusalByIdentity(candidate, facts, root); }
-    [[nodiscard]] Refusal byRules() const { return refusalByRules(candidate, facts, user, now); }
+    [[nodiscard]] Refusal byRules() const { return refusalByRules(candidate, facts, user, checkTime); }
 };
 
 struct Case {
@@ -83,32 +85,33 @@ TEST(ValidationDecisions, ProtectedIsEveryCategoryThatMayNotGoToTheTrash) {
     for (const auto& row : allCleanupCategories) {
         const bool passes = row.removalDisposition == CleanupRemovalDisposition::directTrash;
         // A protected one is called that however long ago it was found.
-        for (const SystemTime scannedAt : {now, now - 1h, now + 1h, SystemTime::min(), SystemTime::max()}) {
-            const Refusal refusal = refusalByScan(row.value, scannedAt, now);
+        for (const SystemTime scannedAt :
+             {checkTime, checkTime - 1h, checkTime + 1h, SystemTime::min(), SystemTime::max()}) {
+            const Refusal refusal = refusalByScan(row.value, scannedAt, checkTime);
             EXPECT_EQ(refusal != "this type of item is protected from direct cleanup", passes) << row.rawValue;
         }
-        EXPECT_EQ(refusalByScan(row.value, now, now) == std::nullopt, passes) << row.rawValue;
+        EXPECT_EQ(refusalByScan(row.value, checkTime, checkTime) == std::nullopt, passes) << row.rawValue;
     }
 }
 
 TEST(ValidationDecisions, ACategoryThatNobodyKnowsIsNotApproved) {
     const auto unknown = static_cast<CleanupCategory>(99);
-    EXPECT_EQ(refusalByScan(unknown, now, now), "this type of item is not approved for direct cleanup");
-    EXPECT_EQ(refusalByScan(unknown, now - 301s, now), "the scan is more than five minutes old");
+    EXPECT_EQ(refusalByScan(unknown, checkTime, checkTime), "this type of item is not approved for direct cleanup");
+    EXPECT_EQ(refusalByScan(unknown, checkTime - 301s, checkTime), "the scan is more than five minutes old");
 }
 
 TEST(ValidationDecisions, AScanIsGoodForFiveMinutesAndNotFromTheFuture) {
     constexpr auto stale = "the scan is more than five minutes old"sv;
     const std::vector<std::tuple<const char*, SystemTime, SystemTime, Refusal>> cases{
-        {"at once", now, now, std::nullopt},
-        {"a nanosecond ago", now - 1ns, now, std::nullopt},
-        {"299 s ago", now - 299s, now, std::nullopt},
-        {"300 s ago", now - 300s, now, std::nullopt},
-        {"300 s and 1 ns ago", now - 300s - 1ns, now, stale},
-        {"301 s ago", now - 301s, now, stale},
-        {"1 ns ahead", now + 1ns, now, stale},
-        {"ten years ahead", now + 3650 * 24h, now, stale},
-        {"ten years ago", now - 3650 * 24h, now, stale},
+        {"at once", checkTime, checkTime, std::nullopt},
+        {"a nanosecond ago", checkTime - 1ns, checkTime, std::nullopt},
+        {"299 s ago", checkTime - 299s, checkTime, std::nullopt},
+        {"300 s ago", checkTime - 300s, checkTime, std::nullopt},
+        {"300 s and 1 ns ago", checkTime - 300s - 1ns, checkTime, stale},
+        {"301 s ago", checkTime - 301s, checkTime, stale},
+        {"1 ns ahead", checkTime + 1ns, checkTime, stale},
+        {"ten years ahead", checkTime + 3650 * 24h, checkTime, stale},
+        {"ten years ago", checkTime - 3650 * 24h, checkTime, stale},
         {"as long ago as can be", SystemTime::min(), SystemTime::max(), stale},
         {"as far ahead as can be", SystemTime::max(), SystemTime::min(), stale},
         {"just after the signed difference overflows", SystemTime(-1ns), SystemTime::max(), stale},
@@ -193,7 +196,7 @@ TEST(ValidationDecisions, TheFolderIsKnownToBeAFolderOnAVolume) {
 }
 
 TEST(ValidationDecisions, AnItemIsTheOneThatTheScanFound) {
-    const auto all = [](Item& item) { item.facts.fingerprint = {now, "file 2", "volume 2"}; };
+    const auto all = [](Item& item) { item.facts.fingerprint = {checkTime, "file 2", "volume 2"}; };
     expectAll(
         {
             {"nothing", [](Item&) {}, std::nullopt},
@@ -361,14 +364,14 @@ TEST(ValidationDecisions, AnItemIsAsOldAsItsCategoryDemands) {
             item.facts.fingerprint.contentModificationDate = date;
             return refusalByRules(item.candidate, item.facts, user, clock);
         };
-        EXPECT_EQ(refusalAt(now - minimum, now), std::nullopt) << name;
-        EXPECT_EQ(refusalAt(now - minimum - 1ns, now), std::nullopt) << name;
-        EXPECT_EQ(refusalAt(now - minimum + 1ns, now), tooYoung) << name;
-        EXPECT_EQ(refusalAt(now, now), tooYoung) << name;
-        EXPECT_EQ(refusalAt(now + 1ns, now), tooYoung) << name;
-        EXPECT_EQ(refusalAt(SystemTime(-1s), now), std::nullopt) << "before 1970";
-        EXPECT_EQ(refusalAt(SystemTime::min(), now), std::nullopt);
-        EXPECT_EQ(refusalAt(SystemTime::max(), now), tooYoung);
+        EXPECT_EQ(refusalAt(checkTime - minimum, checkTime), std::nullopt) << name;
+        EXPECT_EQ(refusalAt(checkTime - minimum - 1ns, checkTime), std::nullopt) << name;
+        EXPECT_EQ(refusalAt(checkTime - minimum + 1ns, checkTime), tooYoung) << name;
+        EXPECT_EQ(refusalAt(checkTime, checkTime), tooYoung) << name;
+        EXPECT_EQ(refusalAt(checkTime + 1ns, checkTime), tooYoung) << name;
+        EXPECT_EQ(refusalAt(SystemTime(-1s), checkTime), std::nullopt) << "before 1970";
+        EXPECT_EQ(refusalAt(SystemTime::min(), checkTime), std::nullopt);
+        EXPECT_EQ(refusalAt(SystemTime::max(), checkTime), tooYoung);
         // Differences that no signed count of nanoseconds holds.
         EXPECT_EQ(refusalAt(SystemTime::min(), SystemTime::max()), std::nullopt);
         EXPECT_EQ(refusalAt(SystemTime::max(), SystemTime::min()), tooYoung);

@@ -40,9 +40,9 @@ protected:
 };
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isSanitized = true;
+constexpr bool sanitized = true;
 #else
-constexpr bool isSanitized = false;
+constexpr bool sanitized = false;
 #endif
 
 std::vector<std::string> lines(const fs::path& file) {
@@ -147,7 +147,7 @@ TEST_F(RealWorkers, ListVisibleNamesOfEveryKindInTheirFolder) {
 TEST_F(RealWorkers, AnswerTenThousandTimesAndLeaveNothing) {
     // A quarter of a minute; sanitizers, and a machine that is busy, get through fewer in the time that there is.
     constexpr int rounds = 5'000; // of two answers each
-    const auto limit = deadlineIn(isSanitized ? 4s : 20s);
+    const auto limit = deadlineIn(sanitized ? 4s : 20s);
     fs::create_directory(root / "folder");
     writeFile(root / "folder/file", "1");
     EXPECT_TRUE(completeAnswer([&] { return host.directoryMetrics(root / "folder", farAway()); }).complete);

@@ -7,34 +7,36 @@ namespace vantry {
 
 namespace {
 
-using Kind = CandidateRowContent::Kind;
+using RowKind = CandidateRowContent::Kind;
 
 TEST(CandidateRow, SaysByCategoryWhatMayBeDone) {
     struct Case {
         CleanupCategory category;
-        Kind kind;
+        RowKind kind;
     };
     using enum CleanupCategory;
     for (const auto& [category, kind] :
-         {Case{cache, Kind::review}, Case{log, Kind::lowRisk}, Case{crashReport, Kind::lowRisk},
-          Case{installer, Kind::lowRisk}, Case{archive, Kind::review}, Case{interruptedDownload, Kind::lowRisk},
-          Case{largeDownload, Kind::review}, Case{macOSInstaller, Kind::review}, Case{orphan, Kind::review},
-          Case{developerBuild, Kind::review}, Case{developerCache, Kind::review},
-          Case{developerArchive, Kind::protectedItem}, Case{deviceBackup, Kind::protectedItem},
-          Case{deviceSoftware, Kind::review}}) {
+         {Case{cache, RowKind::review}, Case{log, RowKind::lowRisk}, Case{crashReport, RowKind::lowRisk},
+          Case{installer, RowKind::lowRisk}, Case{archive, RowKind::review},
+          Case{interruptedDownload, RowKind::lowRisk}, Case{largeDownload, RowKind::review},
+          Case{macOSInstaller, RowKind::review}, Case{orphan, RowKind::review}, Case{developerBuild, RowKind::review},
+          Case{developerCache, RowKind::review}, Case{developerArchive, RowKind::protectedItem},
+          Case{deviceBackup, RowKind::protectedItem}, Case{deviceSoftware, RowKind::review}}) {
         SCOPED_TRACE(rawValue(category));
         const auto row = candidateRow(candidateAt("/x/y", category), true);
         EXPECT_EQ(row.kind, kind);
-        EXPECT_EQ(row.selected, kind == Kind::lowRisk) << "nothing else can be selected";
-        EXPECT_EQ(row.symbolName, kind == Kind::lowRisk ? "" : kind == Kind::review ? "eye.fill" : "lock.shield.fill");
-        EXPECT_EQ(row.badge, kind == Kind::lowRisk  ? "Low Risk"
-                             : kind == Kind::review ? "Review in Finder"
-                                                    : "Protected");
-        EXPECT_EQ(row.badgeColor, kind == Kind::lowRisk  ? SystemColor::green
-                                  : kind == Kind::review ? SystemColor::orange
-                                                         : SystemColor::blue);
-        EXPECT_EQ(row.note, kind == Kind::lowRisk ? "" : "Review in Finder. This item cannot be selected here.");
-        EXPECT_EQ(row.selectionAccessibilityLabel, kind == Kind::lowRisk ? "Select low-risk file y" : "");
+        EXPECT_EQ(row.selected, kind == RowKind::lowRisk) << "nothing else can be selected";
+        EXPECT_EQ(row.symbolName, kind == RowKind::lowRisk  ? ""
+                                  : kind == RowKind::review ? "eye.fill"
+                                                            : "lock.shield.fill");
+        EXPECT_EQ(row.badge, kind == RowKind::lowRisk  ? "Low Risk"
+                             : kind == RowKind::review ? "Review in Finder"
+                                                       : "Protected");
+        EXPECT_EQ(row.badgeColor, kind == RowKind::lowRisk  ? SystemColor::green
+                                  : kind == RowKind::review ? SystemColor::orange
+                                                            : SystemColor::blue);
+        EXPECT_EQ(row.note, kind == RowKind::lowRisk ? "" : "Review in Finder. This item cannot be selected here.");
+        EXPECT_EQ(row.selectionAccessibilityLabel, kind == RowKind::lowRisk ? "Select low-risk file y" : "");
     }
 }
 

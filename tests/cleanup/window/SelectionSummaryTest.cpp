@@ -8,7 +8,7 @@ namespace vantry {
 
 namespace {
 
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto mostBytes = std::numeric_limits<std::int64_t>::max();
 
 TEST(SelectionSummary, CountsWhatIsSelectedAndMayBeMoved) {
     const std::vector candidates{logAt("/l/a", 1000), logAt("/l/b", 20), candidateAt("/c/z", CleanupCategory::cache, 5),
@@ -27,9 +27,9 @@ TEST(SelectionSummary, CountsWhatIsSelectedAndMayBeMoved) {
 }
 
 TEST(SelectionSummary, ATotalStaysAtTheLargestValue) {
-    const std::vector candidates{logAt("/a", largest), logAt("/b", 1), logAt("/c", largest)};
-    EXPECT_EQ(totalOf(candidates), (CandidateTotal{3, largest}));
-    EXPECT_EQ(selectedTotal(candidates, {"/a", "/b"}), (CandidateTotal{2, largest}));
+    const std::vector candidates{logAt("/a", mostBytes), logAt("/b", 1), logAt("/c", mostBytes)};
+    EXPECT_EQ(totalOf(candidates), (CandidateTotal{3, mostBytes}));
+    EXPECT_EQ(selectedTotal(candidates, {"/a", "/b"}), (CandidateTotal{2, mostBytes}));
     EXPECT_EQ(totalOf({}), CandidateTotal());
 }
 

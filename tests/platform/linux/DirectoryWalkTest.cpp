@@ -345,7 +345,7 @@ TEST_F(DirectoryWalkOfALargeTree, GoesTenThousandLevelsDeepWithFewDescriptors) {
             folder = makeFolderIn(folder, "d");
         }
     }
-    for (const rlim_t descriptors : {1024, 80}) {
+    for (const rlim_t descriptors : {1024U, 80U}) {
         const std::string said = inChildProcess([&] {
             const rlimit limit = {descriptors, descriptors};
             if (setrlimit(RLIMIT_NOFILE, &limit) != 0)

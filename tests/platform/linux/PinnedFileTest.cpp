@@ -45,7 +45,7 @@ struct stat statOf(int fd) {
     return facts;
 }
 
-void makeSocket(const fs::path& path) {
+void makeUnixSocket(const fs::path& path) {
     const UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -184,7 +184,7 @@ TEST_F(PinnedFileTest, RefusesWhatIsNeitherFileNorFolder) {
     fs::create_symlink("nowhere", folder / "broken");
     fs::create_directory(folder / "directory");
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    makeSocket(folder / "socket");
+    makeUnixSocket(folder / "socket");
     EXPECT_EQ(fileFailure("file"), std::nullopt);
     EXPECT_EQ(fileFailure("directory"), std::nullopt);
     EXPECT_EQ(fileFailure("link"), PinFailure::link);

@@ -41,7 +41,7 @@ std::string xml(const std::string& entries) { return "<plist version=\"1.0\"><di
 
 std::optional<Texts> textsOfEntries(const std::string& entries) { return textsOf(xml(entries)); }
 
-std::string repeated(const std::string& text, std::size_t count) {
+std::string repeatedText(const std::string& text, std::size_t count) {
     std::string all;
     for (std::size_t i = 0; i < count; ++i)
         all += text;
@@ -475,8 +475,8 @@ TEST(PropertyListTexts, AreReadFromAListOfTheLargestSizeAndNoLarger) {
 
 TEST(PropertyListTexts, AreReadFromADeepListAndNoDeeper) {
     const auto deepXml = [](std::size_t levels, const std::string& open, const std::string& close) {
-        return xml("<key>Name</key><string>a</string><key>x</key>" + repeated(open, levels - 1) +
-                   repeated(close, levels - 1));
+        return xml("<key>Name</key><string>a</string><key>x</key>" + repeatedText(open, levels - 1) +
+                   repeatedText(close, levels - 1));
     };
     const auto deepBinary = [](std::size_t levels, bool dictionaries) {
         auto list = plainList;
@@ -494,11 +494,11 @@ TEST(PropertyListTexts, AreReadFromADeepListAndNoDeeper) {
         EXPECT_EQ(textsOf(deepBinary(levels, false)), binaryTexts) << levels;
         EXPECT_EQ(textsOf(deepBinary(levels, true)), binaryTexts) << levels;
     }
-    const std::string nested =
-        xml(repeated("<key>x</key><dict>", deepestPropertyList - 1) + repeated("</dict>", deepestPropertyList - 1));
+    const std::string nested = xml(repeatedText("<key>x</key><dict>", deepestPropertyList - 1) +
+                                   repeatedText("</dict>", deepestPropertyList - 1));
     EXPECT_EQ(textsOf(nested), Texts{});
-    const std::string tooDeep = xml(repeated("<key>x</key><dict>", deepestPropertyList - 1) + "<key>x</key><dict/>" +
-                                    repeated("</dict>", deepestPropertyList - 1));
+    const std::string tooDeep = xml(repeatedText("<key>x</key><dict>", deepestPropertyList - 1) +
+                                    "<key>x</key><dict/>" + repeatedText("</dict>", deepestPropertyList - 1));
     EXPECT_EQ(textsOf(tooDeep), std::nullopt);
     for (const std::size_t levels : {deepestPropertyList + 1, std::size_t{1000}, std::size_t{500'000}})
         expectQuick(deepXml(levels, "<array>", "</array>"), std::nullopt);
@@ -506,13 +506,13 @@ TEST(PropertyListTexts, AreReadFromADeepListAndNoDeeper) {
         expectQuick(deepBinary(levels, false), std::nullopt);
         expectQuick(deepBinary(levels, true), std::nullopt);
     }
-    expectQuick(xml("<key>x</key>" + repeated("<array>", 1'000'000)), std::nullopt);
+    expectQuick(xml("<key>x</key>" + repeatedText("<array>", 1'000'000)), std::nullopt);
 }
 
 TEST(PropertyListTexts, AreReadFromAListOfManyValuesAndNoMore) {
     // The dictionary, its two keys and values are five of them.
     const auto wideXml = [](std::size_t values) {
-        return xml("<key>Name</key><string>a</string><key>x</key><array>" + repeated("<true/>", values - 5) +
+        return xml("<key>Name</key><string>a</string><key>x</key><array>" + repeatedText("<true/>", values - 5) +
                    "</array>");
     };
     const auto wideBinary = [](std::size_t values) {
@@ -528,7 +528,7 @@ TEST(PropertyListTexts, AreReadFromAListOfManyValuesAndNoMore) {
     }
     expectQuick(wideXml(mostPropertyListValues + 1), std::nullopt);
     expectQuick(wideBinary(mostPropertyListValues + 1), std::nullopt);
-    expectQuick(xml(repeated("<key/><true/>", 600'000)), std::nullopt);
+    expectQuick(xml(repeatedText("<key/><true/>", 600'000)), std::nullopt);
 }
 
 TEST(PropertyListTexts, AreReadToALengthAndNoLonger) {
@@ -552,7 +552,8 @@ TEST(PropertyListTexts, AreReadToALengthAndNoLonger) {
     };
     EXPECT_EQ(utf16(std::u16string(longest.size(), u'a')), (Texts{{"Name", longest}}));
     EXPECT_EQ(utf16(std::u16string(longest.size() + 1, u'a')), Texts{});
-    EXPECT_EQ(utf16(std::u16string(longest.size() / 2, u'é')), (Texts{{"Name", repeated("é", longest.size() / 2)}}));
+    EXPECT_EQ(utf16(std::u16string(longest.size() / 2, u'é')),
+              (Texts{{"Name", repeatedText("é", longest.size() / 2)}}));
     EXPECT_EQ(utf16(std::u16string(longest.size() / 2 + 1, u'é')), Texts{});
     EXPECT_EQ(utf16(std::u16string(longest.size(), u'é')), Texts{});
 }
@@ -594,7 +595,7 @@ TEST(PropertyListTexts, ThatAreNamedManyTimesAreReadOnce) {
 TEST(PropertyListTexts, OfXmlThatIsOneLongBeginningAreRefusedAtOnce) {
     for (const std::string& piece :
          {"<!--"s, "<?"s, "<key>"s, "&"s, "&amp;"s, "<![CDATA["s, "<a "s, "\""s, "<!DOCTYPE"s}) {
-        const std::string much = repeated(piece, 6'000'000 / piece.size());
+        const std::string much = repeatedText(piece, 6'000'000 / piece.size());
         expectQuick(much, std::nullopt);
         expectQuick("<plist><dict><key>Name</key><string>" + much, std::nullopt);
         expectQuick("<plist><dict>" + much, std::nullopt);

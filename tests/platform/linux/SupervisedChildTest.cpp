@@ -23,7 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t enough = 1 << 20;
+constexpr std::size_t plenty = 1 << 20;
 
 /// No test leaves a child or a descriptor behind.
 class ASupervisedChild : public testing::Test {
@@ -51,8 +51,8 @@ private:
 TEST_F(ASupervisedChild, IsReadLineByLine) {
     auto child = started("echo one; printf 'two\\nthree'; echo; echo; printf four");
     for (const char* line : {"one", "two", "three", ""})
-        EXPECT_EQ(child.nextLine(enough, farAway()), line);
-    EXPECT_EQ(child.nextLine(enough, farAway()), std::nullopt) << "a line has an end";
+        EXPECT_EQ(child.nextLine(plenty, farAway()), line);
+    EXPECT_EQ(child.nextLine(plenty, farAway()), std::nullopt) << "a line has an end";
 }
 
 TEST_F(ASupervisedChild, IsReadNoFurtherThanTheLimit) {
@@ -67,7 +67,7 @@ TEST_F(ASupervisedChild, LosesNoAnswerToAnOldError) {
         siginfo_t ended = {};
         ASSERT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
         errno = old;
-        EXPECT_EQ(child.outputToEnd(enough, farAway()), "answer\n") << old;
+        EXPECT_EQ(child.outputToEnd(plenty, farAway()), "answer\n") << old;
     }
 }
 
@@ -75,14 +75,14 @@ TEST_F(ASupervisedChild, IsWaitedForWithoutLookingAtAnOutputThatIsClosed) {
     auto child = started("exec >&-; sleep 0.3");
     errno = EAGAIN;
     RecordedPolls::forget();
-    EXPECT_EQ(child.outputToEnd(enough, farAway()), "");
+    EXPECT_EQ(child.outputToEnd(plenty, farAway()), "");
     EXPECT_LE(RecordedPolls::count(), 4);
 }
 
 TEST_F(ASupervisedChild, IsEndedInBoundedTimeWhateverItDoes) {
     for (const char* script : {"exec sleep 600", "trap '' TERM; while :; do sleep 600; done", "kill -STOP $$"}) {
         RecordedPolls::forget();
-        EXPECT_EQ(started(script).outputToEnd(enough, deadlineIn(100ms)), std::nullopt) << script;
+        EXPECT_EQ(started(script).outputToEnd(plenty, deadlineIn(100ms)), std::nullopt) << script;
         EXPECT_LE(RecordedPolls::waitedInVain(), 100ms + 2 * 120ms + 5ms) << script;
         EXPECT_FALSE(hasChildren()) << script;
     }
@@ -93,7 +93,7 @@ TEST_F(ASupervisedChild, IsAskedToEndBeforeItIsKilled) {
     // It may be too slow on a machine that is busy.
     for (int attempt = 0; attempt < 20 && !std::filesystem::exists(file); ++attempt) {
         auto child = started("trap ': > " + file + "' TERM; echo ready; while :; do :; done");
-        EXPECT_EQ(child.nextLine(enough, farAway()), "ready");
+        EXPECT_EQ(child.nextLine(plenty, farAway()), "ready");
     }
     EXPECT_TRUE(std::filesystem::exists(file));
 }
@@ -105,7 +105,7 @@ TEST_F(ASupervisedChild, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
             return "no refusal";
         RecordedPolls::forget();
         static_cast<void>(
-            started("while [ ! -e " + end + " ]; do sleep 0.01; done").outputToEnd(enough, deadlineIn(10ms)));
+            started("while [ ! -e " + end + " ]; do sleep 0.01; done").outputToEnd(plenty, deadlineIn(10ms)));
         if (RecordedPolls::waitedInVain() > 10ms + 2 * 120ms + 5ms)
             return "waited too long";
         if (childCount() != 1)
@@ -123,9 +123,9 @@ TEST_F(ASupervisedChild, IsEndedByTheSwitch) {
     std::optional<std::string> output = "not read";
     std::thread reader([&] {
         auto child = started("echo first; exec sleep 600", stopSwitch);
-        EXPECT_EQ(child.nextLine(enough, farAway()), "first");
+        EXPECT_EQ(child.nextLine(plenty, farAway()), "first");
         runs = true;
-        output = child.outputToEnd(enough, farAway());
+        output = child.outputToEnd(plenty, farAway());
     });
     while (!runs)
         std::this_thread::yield();
@@ -138,7 +138,7 @@ TEST_F(ASupervisedChild, IsEndedByTheSwitch) {
 
 TEST_F(ASupervisedChild, IsNotStartedAfterTheSwitchWasStopped) {
     const auto stopSwitch = StopSwitch::create().value();
-    EXPECT_EQ(started("echo one", stopSwitch).outputToEnd(enough, farAway()), "one\n");
+    EXPECT_EQ(started("echo one", stopSwitch).outputToEnd(plenty, farAway()), "one\n");
     EXPECT_FALSE(stopSwitch->isStopped());
     EXPECT_TRUE(stopSwitch->stop());
     EXPECT_TRUE(stopSwitch->stop());

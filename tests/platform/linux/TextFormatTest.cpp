@@ -23,9 +23,9 @@ namespace vantry {
 namespace {
 
 constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto mostBytes = std::numeric_limits<std::int64_t>::max();
 
-constexpr SystemTime at(std::int64_t secondsSince1970, std::int64_t nanoseconds = 0) {
+constexpr SystemTime momentAt(std::int64_t secondsSince1970, std::int64_t nanoseconds = 0) {
     return SystemTime(std::chrono::seconds(secondsSince1970) + std::chrono::nanoseconds(nanoseconds));
 }
 
@@ -112,7 +112,7 @@ TEST_F(TextFormat, AByteCountTakesTheLargestUnitThatItFills) {
         {999'995'000'000'000'000, "1 EB"},
         {1'000'000'000'000'000'000, "1 EB"},
         {1'050'000'000'000'000'000, "1.05 EB"},
-        {largest, "9.22 EB"},
+        {mostBytes, "9.22 EB"},
         {-1, "-1 byte"},
         {-2, "-2 bytes"},
         {-999, "-999 bytes"},
@@ -120,7 +120,7 @@ TEST_F(TextFormat, AByteCountTakesTheLargestUnitThatItFills) {
         {-1'500, "-2 KB"}, // away from zero on this side too
         {-999'950'000, "-1 GB"},
         {-1'234'567'890'123, "-1.23 TB"},
-        {-largest, "-9.22 EB"},
+        {-mostBytes, "-9.22 EB"},
         {smallest, "-9.22 EB"},
     };
     for (const auto& [bytes, text] : cases) {
@@ -159,7 +159,7 @@ TEST_F(TextFormat, AByteCountInGigabytesAndTerabytesTakesNoOtherUnit) {
         {999'995'000'000'000, "1000 TB"},
         {1'000'000'000'000'000, "1000 TB"},
         {1'000'000'000'000'000'000, "1000000 TB"},
-        {largest, "9223372.04 TB"},
+        {mostBytes, "9223372.04 TB"},
         {-1'500'000'000, "-1.5 GB"},
         {-999'995'000'000, "-1 TB"},
         {smallest, "-9223372.04 TB"},
@@ -197,15 +197,15 @@ TEST_F(TextFormat, TheTimeOfDayHasNoSeconds) {
         {0, "00:00"},       {12 * 3600, "12:00"},    {86'399, "23:59"},       {-1, "23:59"},
     };
     for (const auto& [seconds, text] : cases)
-        EXPECT_EQ(shortTimeText(at(seconds)), text) << seconds;
-    EXPECT_EQ(shortTimeText(at(0, -1)), "23:59");
-    EXPECT_EQ(shortTimeText(at(59, 999'999'999)), "00:00");
+        EXPECT_EQ(shortTimeText(momentAt(seconds)), text) << seconds;
+    EXPECT_EQ(shortTimeText(momentAt(0, -1)), "23:59");
+    EXPECT_EQ(shortTimeText(momentAt(59, 999'999'999)), "00:00");
 }
 
 TEST_F(TextFormat, DateAndTimeGoToTheSecond) {
-    EXPECT_EQ(dateTimeText(at(morning)), "Sat Jan 31 08:15:42 2026");
-    EXPECT_EQ(dateTimeText(at(morning, 999'999'999)), "Sat Jan 31 08:15:42 2026");
-    EXPECT_EQ(dateTimeText(at(0, -1)), "Wed Dec 31 23:59:59 1969");
+    EXPECT_EQ(dateTimeText(momentAt(morning)), "Sat Jan 31 08:15:42 2026");
+    EXPECT_EQ(dateTimeText(momentAt(morning, 999'999'999)), "Sat Jan 31 08:15:42 2026");
+    EXPECT_EQ(dateTimeText(momentAt(0, -1)), "Wed Dec 31 23:59:59 1969");
 }
 
 TEST_F(TextFormat, LocalTimesAreThoseOfTheUsersTimeZone) {
@@ -221,8 +221,8 @@ TEST_F(TextFormat, LocalTimesAreThoseOfTheUsersTimeZone) {
     };
     for (const auto& [zone, time, dateAndTime] : cases) {
         const ScopedEnvironment there("TZ", zone);
-        EXPECT_EQ(shortTimeText(at(morning)), time) << zone;
-        EXPECT_EQ(dateTimeText(at(morning)), dateAndTime) << zone;
+        EXPECT_EQ(shortTimeText(momentAt(morning)), time) << zone;
+        EXPECT_EQ(dateTimeText(momentAt(morning)), dateAndTime) << zone;
     }
 }
 
@@ -231,14 +231,10 @@ TEST_F(TextFormat, IsoTimesAreUtcWhateverTheTimeZone) {
         SystemTime time;
         const char* text;
     } cases[] = {
-        {at(morning), "2026-01-31T08:15:42Z"},
-        {at(morning, 999'999'999), "2026-01-31T08:15:42Z"},
-        {at(0), "1970-01-01T00:00:00Z"},
-        {at(0, -1), "1969-12-31T23:59:59Z"},
-        {at(951'782'399), "2000-02-28T23:59:59Z"},
-        {at(951'782'400), "2000-02-29T00:00:00Z"},
-        {SystemTime::min(), "1677-09-21T00:12:43Z"},
-        {SystemTime::max(), "2262-04-11T23:47:16Z"},
+        {momentAt(morning), "2026-01-31T08:15:42Z"},     {momentAt(morning, 999'999'999), "2026-01-31T08:15:42Z"},
+        {momentAt(0), "1970-01-01T00:00:00Z"},           {momentAt(0, -1), "1969-12-31T23:59:59Z"},
+        {momentAt(951'782'399), "2000-02-28T23:59:59Z"}, {momentAt(951'782'400), "2000-02-29T00:00:00Z"},
+        {SystemTime::min(), "1677-09-21T00:12:43Z"},     {SystemTime::max(), "2262-04-11T23:47:16Z"},
     };
     for (const char* zone : {"UTC0", "HERE-5:30", "THERE+9"}) {
         const ScopedEnvironment there("TZ", zone);
@@ -251,9 +247,9 @@ TEST_F(TextFormat, AnUnknownLocaleIsWrittenAsTheCLibrarysOwn) {
     const ScopedEnvironment unknown("LC_ALL", "xx_YY.UTF-8");
     EXPECT_EQ(byteCountText(1'500'000), "1.5 MB");
     EXPECT_EQ(percentText(0.123), "12.3%");
-    EXPECT_EQ(shortTimeText(at(morning)), "08:15");
-    EXPECT_EQ(dateTimeText(at(morning)), "Sat Jan 31 08:15:42 2026");
-    EXPECT_EQ(iso8601Text(at(morning)), "2026-01-31T08:15:42Z");
+    EXPECT_EQ(shortTimeText(momentAt(morning)), "08:15");
+    EXPECT_EQ(dateTimeText(momentAt(morning)), "Sat Jan 31 08:15:42 2026");
+    EXPECT_EQ(iso8601Text(momentAt(morning)), "2026-01-31T08:15:42Z");
 }
 
 TEST_F(TextFormatOfLocale, WithADecimalCommaAndAClockOfTwentyFourHours) {
@@ -265,12 +261,12 @@ TEST_F(TextFormatOfLocale, WithADecimalCommaAndAClockOfTwentyFourHours) {
     EXPECT_EQ(byteCountText(1'000'000), "1 MB");
     EXPECT_EQ(percentText(0.123), "12,3%");
     EXPECT_EQ(percentText(0.12), "12%");
-    EXPECT_EQ(shortTimeText(at(morning)), "08:15");
-    EXPECT_EQ(shortTimeText(at(morning + 12 * 3600)), "20:15");
-    const std::string dateAndTime = dateTimeText(at(morning));
+    EXPECT_EQ(shortTimeText(momentAt(morning)), "08:15");
+    EXPECT_EQ(shortTimeText(momentAt(morning + 12 * 3600)), "20:15");
+    const std::string dateAndTime = dateTimeText(momentAt(morning));
     EXPECT_TRUE(dateAndTime.starts_with("Sa")) << dateAndTime;
     EXPECT_NE(dateAndTime.find("08:15:42"), dateAndTime.npos) << dateAndTime;
-    EXPECT_EQ(iso8601Text(at(morning)), "2026-01-31T08:15:42Z");
+    EXPECT_EQ(iso8601Text(momentAt(morning)), "2026-01-31T08:15:42Z");
 }
 
 TEST_F(TextFormatOfLocale, WithADecimalPointAndAClockOfTwelveHours) {
@@ -286,8 +282,8 @@ TEST_F(TextFormatOfLocale, WithADecimalPointAndAClockOfTwelveHours) {
         {-60, "11:59 PM"},
     };
     for (const auto& [seconds, text] : cases)
-        EXPECT_EQ(shortTimeText(at(seconds)), text) << seconds;
-    EXPECT_EQ(iso8601Text(at(morning)), "2026-01-31T08:15:42Z");
+        EXPECT_EQ(shortTimeText(momentAt(seconds)), text) << seconds;
+    EXPECT_EQ(iso8601Text(momentAt(morning)), "2026-01-31T08:15:42Z");
 }
 
 TEST_F(TextFormatOfLocale, EachCategoryFollowsItsOwnVariable) {
@@ -297,11 +293,11 @@ TEST_F(TextFormatOfLocale, EachCategoryFollowsItsOwnVariable) {
     const ScopedEnvironment language("LANG", "xx_YY.UTF-8"); // unknown
     const ScopedEnvironment numbers("LC_NUMERIC", "de_DE.UTF-8");
     EXPECT_EQ(byteCountText(1'500'000), "1,5 MB");
-    EXPECT_EQ(dateTimeText(at(morning)), "Sat Jan 31 08:15:42 2026");
+    EXPECT_EQ(dateTimeText(momentAt(morning)), "Sat Jan 31 08:15:42 2026");
     const ScopedEnvironment times("LC_TIME", "de_DE.UTF-8");
     const ScopedEnvironment otherNumbers("LC_NUMERIC", "xx_YY.UTF-8");
     EXPECT_EQ(byteCountText(1'500'000), "1.5 MB");
-    EXPECT_TRUE(dateTimeText(at(morning)).starts_with("Sa 31")) << dateTimeText(at(morning));
+    EXPECT_TRUE(dateTimeText(momentAt(morning)).starts_with("Sa 31")) << dateTimeText(momentAt(morning));
 }
 
 } // namespace vantry

@@ -29,7 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr auto modified = "it was modified after the scan";
+constexpr auto wasModified = "it was modified after the scan";
 constexpr auto replaced = "something else was in its place";
 constexpr auto movedFolder = "its folder is not to be found in its place";
 constexpr auto movedTrash = "the Trash was moved meanwhile";
@@ -84,9 +84,9 @@ private:
 
 /// Does one thing over and over in a thread of its own, while it is let: with pauses of every length that a move may
 /// take, the first of them before the first time.
-class Attacker {
+class RacingAttacker {
 public:
-    explicit Attacker(std::function<void()> attack)
+    explicit RacingAttacker(std::function<void()> attack)
         : thread_([this, attack = std::move(attack)] {
               constexpr std::uint64_t lengths = 18;
               std::minstd_rand random;
@@ -107,9 +107,9 @@ public:
                   }
               }
           }) {}
-    Attacker(const Attacker&) = delete;
-    Attacker& operator=(const Attacker&) = delete;
-    ~Attacker() {
+    RacingAttacker(const RacingAttacker&) = delete;
+    RacingAttacker& operator=(const RacingAttacker&) = delete;
+    ~RacingAttacker() {
         want(State::over);
         thread_.join();
     }
@@ -206,7 +206,7 @@ protected:
         const std::uint64_t atMost = std::max<std::uint64_t>(enough, 200'000);
         std::uint64_t done = 0;
         std::map<std::string, std::uint64_t> answers;
-        Attacker attacker(attack);
+        RacingAttacker attacker(attack);
         for (; done < enough || ((answers["moved"] == 0 || answers[hit] == 0) && done < atMost); ++done) {
             const PinnedFile item = pinned(file);
             attacker.attack();
@@ -331,7 +331,7 @@ TEST_F(TrashRace, WhileAnotherProgramWritesToTheFile) {
             size = (size + 1) % 4096;
             EXPECT_EQ(ftruncate(written.get(), size), 0);
         },
-        modified);
+        wasModified);
 }
 
 // What was moved then finds its name taken when it is put back.

@@ -247,7 +247,7 @@ TEST_F(TrashTest, TellsWhatAUserMayNotDo) {
     };
     for (const auto& [folder, rights, reason] : cases) {
         makeTrash();
-        const std::string answer = inChildProcess([&, &folder = folder, &rights = rights]() -> std::string {
+        const std::string answer = inChildProcess([&]() -> std::string {
             const uid_t user = geteuid() == 0 ? unknownUser() : geteuid();
             if (geteuid() == 0) {
                 for (const fs::path& path :
@@ -278,7 +278,7 @@ TEST_F(TrashTest, TellsWhatAUserMayNotDo) {
 }
 
 TEST_F(TrashTest, TellsThatTooManyFilesAreOpen) {
-    for (const rlim_t more : {0, 1, 2, 3, 4}) {
+    for (const rlim_t more : {0U, 1U, 2U, 3U, 4U}) {
         const std::string answer = inChildProcess([&]() -> std::string {
             makeTrash();
             const PinnedFile item = pinned(file);

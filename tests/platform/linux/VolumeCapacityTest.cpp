@@ -19,9 +19,9 @@ namespace vantry {
 
 namespace {
 
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto largestAmount = std::numeric_limits<std::int64_t>::max();
 constexpr auto largestCount = std::numeric_limits<std::uint64_t>::max();
-constexpr std::uint64_t one = 1;
+constexpr std::uint64_t singleBit = 1;
 
 constexpr const char* notMounted = "may not mount a file system";
 
@@ -59,14 +59,15 @@ TEST(CapacityFromStatvfs, MultipliesBlocksWithTheFragmentSizeAndHoldsWhatOverflo
         {0, 0, 1000, 250, 0, 0},                   // or both
         {4096, 4096, 0, 0, 0, 0},                  // a virtual file system without blocks
         {4096, 4096, 10, 20, 40'960, 81'920},      // nothing is judged here
-        {1, 1, one << 62, 1, std::int64_t{1} << 62, 1},
-        {1, 1, largest, largest, largest, largest}, // the largest that fits
-        {1, 1, one << 63, 1, largest, 1},           // too large for a signed number
-        {1, 1, largestCount, largestCount, largest, largest},
-        {2, 2, one << 62, 5, largest, 10},
-        {4096, 4096, one << 52, one << 51, largest, largest}, // 2^64: its low 64 bits are all zero
-        {4096, 4096, (one << 52) + 1, 1, largest, 4096},
-        {largestCount, 512, largestCount, 1, largest, largest},
+        {1, 1, singleBit << 62, 1, std::int64_t{1} << 62, 1},
+        {1, 1, largestAmount, largestAmount, largestAmount, largestAmount}, // the largest that fits
+        {1, 1, singleBit << 63, 1, largestAmount, 1},                       // too large for a signed number
+        {1, 1, largestCount, largestCount, largestAmount, largestAmount},
+        {2, 2, singleBit << 62, 5, largestAmount, 10},
+        {4096, 4096, singleBit << 52, singleBit << 51, largestAmount,
+         largestAmount}, // 2^64: its low 64 bits are all zero
+        {4096, 4096, (singleBit << 52) + 1, 1, largestAmount, 4096},
+        {largestCount, 512, largestCount, 1, largestAmount, largestAmount},
     };
     for (const auto& [fragmentSize, blockSize, blocks, available, totalBytes, availableBytes] : cases) {
         struct statvfs said = {};

@@ -13,7 +13,7 @@ namespace vantry {
 
 namespace {
 
-constexpr std::array<double, 2> scales{1, 2};
+constexpr std::array<double, 2> viewScales{1, 2};
 
 VantryView usedOf(std::int64_t used, std::int64_t total) {
     VantryView view;
@@ -46,7 +46,7 @@ TEST(BarPicture, TheColoursRunFromTheFirstOnTheLeftToTheLastOnTheRight) {
         {BarStyle::vividTheme, {0.18, 0.34, 0.72}, {0.98, 0.49, 0.2}},
         {BarStyle::macOSSegments, {1, 59 / 255.0, 48 / 255.0}, {0.39, 0.398, 0.41}},
     };
-    for (const double scale : scales)
+    for (const double scale : viewScales)
         for (const auto& [style, first, last] : cases) {
             VantryView view = usedOf(100, 100);
             view.barStyle = style;
@@ -62,7 +62,7 @@ TEST(BarPicture, TheSheenIsBrightestInTheMiddleOfTheHeight) {
     view.barStyle = BarStyle::currentTheme;
     view.themeColors = {{0.2, 0.2, 0.2}, {0.2, 0.2, 0.2}};
     view.barHeight = 20;
-    for (const double scale : scales) {
+    for (const double scale : viewScales) {
         const auto picture = pictureOf(view, {60, 20}, scale);
         const int x = picture.width() / 2;
         const int top = picture.at(x, static_cast<int>(1 * scale)).red();
@@ -77,7 +77,7 @@ TEST(BarPicture, TheSheenIsBrightestInTheMiddleOfTheHeight) {
 }
 
 TEST(BarPicture, TheTrackIsACapsuleWhoseCornersStayUntouched) {
-    for (const double scale : scales)
+    for (const double scale : viewScales)
         for (const bool full : {false, true}) {
             const auto picture = pictureOf(usedOf(full ? 100 : 0, 100), {60, 22}, scale);
             const auto pixel = [scale](double points) { return static_cast<int>(points * scale); };
@@ -116,7 +116,7 @@ TEST(BarPicture, TheUsedPartEndsAtItsDevicePixel) {
 }
 
 TEST(BarPicture, TheUsedPartEndsAtAWholePointWhereItsWidthIsWhole) {
-    for (const double scale : scales) {
+    for (const double scale : viewScales) {
         VantryView view = usedOf(50, 100); // 20 points of 40
         view.barStyle = BarStyle::currentTheme;
         view.themeColors = {{0, 0, 0}, {0, 0, 0}};
@@ -133,7 +133,7 @@ TEST(BarPicture, TheUsedPartEndsAtAWholePointWhereItsWidthIsWhole) {
 }
 
 TEST(BarPicture, TheTrackFollowsTheAppearance) {
-    for (const double scale : scales) {
+    for (const double scale : viewScales) {
         const VantryView view = usedOf(10, 100);
         const auto at = [&](Appearance appearance) {
             return pictureOf(view, {60, 22}, scale, appearance)
@@ -159,7 +159,7 @@ TEST(BarPicture, TheSegmentsFollowTheAppearance) {
         {6, {255, 45, 85}, {255, 55, 95}},     {7, {85, 190, 240}, {90, 200, 245}},  {8, {0, 199, 190}, {99, 230, 226}},
         {9, {142, 142, 147}, {152, 152, 157}}, {10, {99, 101, 105}, {99, 101, 105}},
     };
-    for (const double scale : scales) {
+    for (const double scale : viewScales) {
         const auto light = pictureOf(view, size, scale, Appearance::light);
         const auto dark = pictureOf(view, size, scale, Appearance::dark);
         for (const auto& [segment, lightColor, darkColor] : cases) {
@@ -172,7 +172,7 @@ TEST(BarPicture, TheSegmentsFollowTheAppearance) {
 }
 
 TEST(BarPicture, TheLabelFollowsTheBarInTheLabelColour) {
-    for (const double scale : scales)
+    for (const double scale : viewScales)
         for (const auto appearance : {Appearance::light, Appearance::dark}) {
             VantryView view = usedOf(47, 100);
             const auto background = appearance == Appearance::dark ? QColor(0, 0, 0) : QColor(255, 255, 255);
@@ -196,7 +196,7 @@ TEST(BarPicture, TheLabelFollowsTheBarInTheLabelColour) {
 }
 
 TEST(SwatchPicture, IsRoundAndPaintedAsTheBarIs) {
-    for (const double scale : scales) {
+    for (const double scale : viewScales) {
         SolidSwatchView used(SolidSwatchView::Kind::used);
         const auto picture = pictureOf(used, SolidSwatchView::fixedSize, scale);
         const auto pixel = [scale](double points) { return static_cast<int>(points * scale); };

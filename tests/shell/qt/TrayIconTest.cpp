@@ -32,7 +32,7 @@ QImage pictureOf(const VantryView& view, int side, Appearance appearance = Appea
 }
 
 /// How many pixels differ clearly.
-int differences(const QImage& one, const QImage& other) {
+int pixelDifferences(const QImage& one, const QImage& other) {
     int count = 0;
     for (int y = 0; y < one.height(); ++y)
         for (int x = 0; x < one.width(); ++x)
@@ -75,8 +75,8 @@ TEST(TrayIcon, DiffersBetweenTheStyles) {
         for (const bool label : {false, true})
             for (const auto& one : allBarStyles)
                 for (const auto& other : allBarStyles) {
-                    const int different = differences(pictureOf(usedPercent(60, one.value, label), side),
-                                                      pictureOf(usedPercent(60, other.value, label), side));
+                    const int different = pixelDifferences(pictureOf(usedPercent(60, one.value, label), side),
+                                                           pictureOf(usedPercent(60, other.value, label), side));
                     if (one.value == other.value) {
                         EXPECT_EQ(different, 0);
                     } else {
@@ -88,8 +88,8 @@ TEST(TrayIcon, DiffersBetweenTheStyles) {
 TEST(TrayIcon, ShowsThePercentageWhereItFits) {
     for (const int side : sides) {
         // A digit more makes another picture, with the same bar or nearly so.
-        EXPECT_GT(differences(pictureOf(usedPercent(47, BarStyle::storageGradient, true), side),
-                              pictureOf(usedPercent(47, BarStyle::storageGradient, false), side)),
+        EXPECT_GT(pixelDifferences(pictureOf(usedPercent(47, BarStyle::storageGradient, true), side),
+                                   pictureOf(usedPercent(47, BarStyle::storageGradient, false), side)),
                   side)
             << side;
         for (const auto appearance : {Appearance::light, Appearance::dark}) {
