@@ -1,0 +1,27 @@
+// What most sources include, compiled once; see apple-check.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <expected>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <ranges>
+#include <set>
+#include <span>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <variant>
+#include <vector>
+#ifdef __OBJC__
+#import <AppKit/AppKit.h>
+#endif
