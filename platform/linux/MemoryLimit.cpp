@@ -7,13 +7,7 @@
 #include <unistd.h>
 
 // Sanitizers take terabytes of address space that they never touch.
-#ifdef __has_feature
-#define OMBREL_HAS_FEATURE(name) __has_feature(name)
-#else
-#define OMBREL_HAS_FEATURE(name) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || OMBREL_HAS_FEATURE(address_sanitizer) ||          \
-    OMBREL_HAS_FEATURE(thread_sanitizer)
+#if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
 #define OMBREL_IS_SANITIZED 1
 #else
 #define OMBREL_IS_SANITIZED 0

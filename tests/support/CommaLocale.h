@@ -3,7 +3,7 @@
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef OMBREL_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -25,7 +25,7 @@ public:
             "localedef -i de_DE -f UTF-8 --no-archive " + (folder_ / name).native() + " >/dev/null 2>&1";
         // Its exit status tells of warnings too.
         [[maybe_unused]] const int status = std::system(command.c_str());
-#ifdef __SANITIZE_ADDRESS__
+#ifdef OMBREL_ADDRESS_SANITIZER
         const __lsan::ScopedDisabler disabler; // the C library never lets go of what it makes of $LOCPATH
 #endif
         try {

@@ -47,7 +47,7 @@ struct InterceptedCall {
 /// five arguments, and then the call is made. False where that is not possible. For a child process, as there is no way
 /// back; `before` must not make that call itself.
 [[nodiscard]] inline bool interceptCall(long number, std::function<void(int)> before) {
-#if (!defined(__x86_64__) && !defined(__aarch64__)) || defined(__SANITIZE_THREAD__) // which holds signals back
+#if (!defined(__x86_64__) && !defined(__aarch64__)) || defined(OMBREL_THREAD_SANITIZER) // which holds signals back
     static_cast<void>(number);
     static_cast<void>(before);
     return false;

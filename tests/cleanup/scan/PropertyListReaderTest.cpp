@@ -200,7 +200,7 @@ TEST_F(PropertyListReader, WakesNobodyWhoWaitsAtAFifo) {
 }
 
 TEST_F(PropertyListReader, TakesFilesOfTheLargestSizeAndNoLarger) {
-#ifdef __SANITIZE_THREAD__
+#ifdef OMBREL_THREAD_SANITIZER
     GTEST_SKIP() << "takes longer than a second with this sanitizer";
 #endif
     const std::string list = xmlList("a");

@@ -13,7 +13,7 @@ namespace {
 using std::chrono::days;
 using std::chrono::nanoseconds;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
 constexpr int usualNumberOfHomes = 50;
 #else
 constexpr int usualNumberOfHomes = 1000;

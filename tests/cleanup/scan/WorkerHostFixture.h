@@ -54,7 +54,7 @@ protected:
 
     /// Open descriptors, threads; without these where a sanitizer starts one of its own.
     [[nodiscard]] static std::pair<std::ptrdiff_t, std::ptrdiff_t> resources() {
-#ifdef __SANITIZE_THREAD__
+#ifdef OMBREL_THREAD_SANITIZER
         return {openDescriptorCount(), 0};
 #else
         return {openDescriptorCount(), std::distance(fs::directory_iterator("/proc/self/task"), {})};

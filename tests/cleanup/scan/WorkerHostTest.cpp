@@ -39,7 +39,7 @@ protected:
     NoWorkers() : WorkerHostFixture("/nowhere/ombrel") {}
 };
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
 constexpr bool sanitized = true;
 #else
 constexpr bool sanitized = false;

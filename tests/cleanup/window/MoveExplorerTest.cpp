@@ -11,7 +11,7 @@ namespace vantry::MoveExplorer {
 
 namespace {
 
-#if defined(__SANITIZE_THREAD__)
+#if defined(OMBREL_THREAD_SANITIZER)
 constexpr unsigned usualNumberOfSequences = 2'000;
 #else
 constexpr unsigned usualNumberOfSequences = 100'000;

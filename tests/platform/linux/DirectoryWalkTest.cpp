@@ -59,7 +59,7 @@ TreeTotals naiveTotals(const fs::path& root) {
 }
 
 // Sanitizers have a memory of their own.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
 constexpr bool memoryIsMeasurable = false;
 #else
 constexpr bool memoryIsMeasurable = true;

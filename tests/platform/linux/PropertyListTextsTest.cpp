@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,7 +20,6 @@ namespace vantry {
 
 namespace {
 
-using namespace std::chrono_literals;
 using namespace std::string_literals;
 
 using Texts = std::map<std::string, std::string>;
@@ -85,9 +84,9 @@ std::string writtenByLibplist(bool binary) {
 }
 
 void expectQuick(std::string_view bytes, const std::optional<Texts>& expected) {
-    const auto begin = std::chrono::steady_clock::now();
+    const std::clock_t begin = std::clock(); // of the processor: how busy the machine is does not count
     EXPECT_EQ(textsOf(bytes), expected);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s); // milliseconds, where nothing else runs
+    EXPECT_LT(std::clock() - begin, std::clock_t{20} * CLOCKS_PER_SEC); // milliseconds, without a sanitizer
 }
 
 } // namespace
