@@ -63,6 +63,10 @@ public:
                                                       std::span<const std::string> keys, Deadline deadline) override {
         return workers_.propertyListTexts(files, keys, deadline);
     }
+    [[nodiscard]] std::optional<std::set<std::string>> bundleIdentifiers(const ApplicationPlaces& places,
+                                                                         Deadline deadline) override {
+        return workers_.bundleIdentifiers(places, deadline);
+    }
 
 private:
     static constexpr std::size_t mostRemembered = 10'000; // entries of one folder

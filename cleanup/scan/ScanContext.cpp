@@ -54,6 +54,14 @@ PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files
     return lists;
 }
 
+std::optional<std::set<std::string>> ScanContext::bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places,
+                                                                    CleanupCategory category) {
+    auto identifiers = workers_.bundleIdentifiers(places, budget_.deadline);
+    if (!identifiers)
+        limit(category);
+    return identifiers;
+}
+
 CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, std::string title, CleanupCategory category,
                                         std::string_view reason, std::int64_t size) const {
     const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash

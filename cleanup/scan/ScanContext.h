@@ -53,6 +53,10 @@ public:
     [[nodiscard]] PropertyListTexts read(std::span<const std::filesystem::path> files,
                                          std::span<const std::string> keys, CleanupCategory category);
 
+    /// What the bundles in `places` call themselves; absent, with the category limited, when not all are known.
+    [[nodiscard]] std::optional<std::set<std::string>>
+    bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places, CleanupCategory category);
+
     /// A candidate with the fingerprint of this moment: low risk exactly where its category may go to the Trash.
     [[nodiscard]] CleanupCandidate candidate(const std::filesystem::path& url, std::string title,
                                              CleanupCategory category, std::string_view reason,

@@ -5,6 +5,8 @@
 #include "cleanup/model/CleanupCategory.h"
 
 #include <cctype>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -212,21 +214,52 @@ private:
                 found_.push_back({path, stem(path), CleanupCategory::macOSInstaller, sum(path).size});
     }
 
+    // What the bundles in `folder` call themselves, which lies in the bundle `outermost` if that is not empty.
+    static void addBundles(const std::string& folder, std::string outermost, Names& claimed, bool& cut) {
+        if (extension(folder) == "app") {
+            if (outermost.empty())
+                outermost = folder;
+            std::ifstream stream(folder + "/Contents/Info.plist");
+            const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+            const std::string begin = "<key>CFBundleIdentifier</key><string>";
+            if (const auto at = text.find(begin); at != std::string::npos)
+                claimed.insert(
+                    lower(text.substr(at + begin.size(), text.find('<', at + begin.size()) - at - begin.size())));
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            const auto path = entry.path().native();
+            if (!outermost.empty() && name(path) == "Resources")
+                continue;
+            if (isRealFolder(path)) {
+                addBundles(path, outermost, claimed, cut);
+            } else if (isLink(path) && leadsToFolder(path)) {
+                const auto target = std::filesystem::canonical(path).native();
+                if (!outermost.empty() && target.starts_with(outermost + "/"))
+                    addBundles(target, outermost, claimed, cut);
+                else
+                    cut = cut || outermost.empty() || extension(path) == "app";
+            }
+        }
+    }
+
     void addOrphans() {
         const auto root = home("Library/Saved Application State");
         bool anyState = false;
         for (const auto& path : list(root))
             anyState = anyState || extension(path) == "savedstate";
-        struct stat target = {};
-        for (const auto& path : list(made_.applications().native()))
-            if (anyState && isLink(path) && stat(path.c_str(), &target) != 0) { // who knows what it is
-                limited_.insert(CleanupCategory::orphan);
-                return;
-            }
+        if (!anyState)
+            return;
         Names claimed;
-        for (const auto& [file, texts] : made_.workers.lists)
-            if (texts.contains("CFBundleIdentifier") && look(file.native()))
-                claimed.insert(lower(texts.at("CFBundleIdentifier")));
+        bool cut = false;
+        for (const auto& folder : {made_.applications().native(), home("Applications")})
+            if (isRealFolder(folder))
+                addBundles(folder, "", claimed, cut);
+            else if (leadsToFolder(folder))
+                cut = true;
+        if (cut) {
+            limited_.insert(CleanupCategory::orphan);
+            return;
+        }
         for (const auto& identifier : running_)
             claimed.insert(lower(identifier));
         for (const auto& path : list(root))

@@ -136,17 +136,39 @@ private:
     }
     void applications() {
         for (const char* identifier : {"com.example.a", "com.example.b", "COM.example.c"}) {
-            if (chance(60) && std::filesystem::is_directory(made_.applications())) {
-                const auto list =
-                    file(made_.applications() / (std::string(identifier) + ".app/Contents/Info.plist"), {8192});
-                if (chance(80))
-                    made_.workers.lists[list] = {{"CFBundleIdentifier", identifier}};
-            }
+            if (chance(60) && std::filesystem::is_directory(made_.applications()))
+                application(identifier);
             if (chance(70))
                 folder(std::filesystem::path("Library/Saved Application State") /
                            (std::string(identifier) + (chance(90) ? ".savedState" : ".other")),
                        8192);
         }
+    }
+    // Somewhere in the folders of applications, in another application perhaps, behind a link perhaps.
+    void application(const std::string& identifier) {
+        static const std::filesystem::path folders[] = {"",
+                                                        "",
+                                                        "Utilities/Vendor 2.0/Suite",
+                                                        ".hidden",
+                                                        "X.app/Contents/Developer/Applications",
+                                                        "X.app/Contents/Applications",
+                                                        "X.app/Contents/Resources",
+                                                        "Y/X.app/Contents/Library/LoginItems"};
+        const auto root = chance(80) ? made_.applications() : made_.home() / "Applications";
+        const auto folder = root / oneOf(folders);
+        const auto information = folder / (identifier + ".app") / "Contents/Info.plist";
+        if (chance(80))
+            made_.information(information, identifier);
+        else
+            file(information, {8192});
+        if (!chance(25))
+            return;
+        static const std::filesystem::path targets[] = {"../Resources/" + identifier + ".app", "../../nowhere",
+                                                        "../../.."};
+        const auto linkPath = chance(70) ? root / "X.app/Contents/PlugIns/Linked.app" : root / "Linked";
+        std::error_code exists;
+        std::filesystem::create_directories(linkPath.parent_path());
+        std::filesystem::create_symlink(oneOf(targets), linkPath, exists);
     }
     void backups() {
         const std::filesystem::path root = "Library/Application Support/MobileSync/Backup";
