@@ -87,6 +87,14 @@ bool pathHasNoSymbolicLinkComponents(const std::filesystem::path& path) {
     return true;
 }
 
+bool leadsThroughLink(const std::filesystem::path& path) {
+    std::filesystem::path growing = "/";
+    for (const auto& component : std::filesystem::path(standardizedPath(path)).relative_path())
+        if (isSymbolicLink(growing /= component))
+            return true;
+    return false;
+}
+
 bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
     const std::string path = standardizedPath(candidate).native();
     const std::string rootPath = standardizedPath(root).native();

@@ -16,8 +16,14 @@ bool contains(std::span<const std::string_view> texts, std::string_view text) {
     return std::ranges::find(texts, text) != texts.end();
 }
 
+// What may go to the Trash has to lie where the gate of a move finds it: below no link at all.
+bool isOutOfReach(const OldItemsRule& rule) {
+    return isSymbolicLink(rule.folder) ||
+           (removalDisposition(rule.category) == CleanupRemovalDisposition::directTrash && leadsThroughLink(rule.folder));
+}
+
 std::vector<std::filesystem::path> entries(ScanContext& context, const OldItemsRule& rule) {
-    if (isSymbolicLink(rule.folder) || context.isOver(rule.category))
+    if (isOutOfReach(rule) || context.isOver(rule.category))
         return {};
     return context.list(rule.folder, rule.category);
 }

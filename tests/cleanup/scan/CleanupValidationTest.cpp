@@ -406,6 +406,19 @@ TEST_F(CleanupValidation, APathWithoutLinksHasNoneInAnyComponent) {
         EXPECT_FALSE(pathHasNoSymbolicLinkComponents(path)) << path;
 }
 
+TEST_F(CleanupValidation, APathLeadsThroughALinkThatIsAnyOfItsComponents) {
+    using CleanupScanner::leadsThroughLink;
+    makeOld(logs / "file");
+    fs::create_symlink("file", logs / "link");
+    fs::create_symlink("nowhere", logs / "broken");
+    fs::create_directory_symlink("Library", home / "linked");
+    for (const fs::path& path : {logs / "link", logs / "link/", logs / "broken", home / "linked", home / "linked/Logs",
+                                 home / "linked/missing", home / "linked/Logs/../Logs/file"})
+        EXPECT_TRUE(leadsThroughLink(path)) << path;
+    for (const fs::path& path : {fs::path("/"), root, logs / "file", logs / "missing/file", logs / "link/../file"})
+        EXPECT_FALSE(leadsThroughLink(path)) << path;
+}
+
 TEST_F(CleanupValidation, ASafeCandidateLiesBelowItsRootAndIsNoLink) {
     using CleanupScanner::isSafeCandidate;
     fs::create_symlink("nowhere", logs / "broken");

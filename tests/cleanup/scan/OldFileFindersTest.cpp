@@ -295,6 +295,20 @@ TEST_F(OldItems, AnIncompleteMeasurementLimitsTheCategoryAndIsJudgedAsItIs) {
     EXPECT_TRUE(isLimited());
 }
 
+TEST_F(OldItems, OfAPlaceBelowALinkAreOfferedOnlyWhereTheyAreReviewed) {
+    folderWithFile("elsewhere/place/app", 4096, days(90));
+    file("elsewhere/place/old.log", 4096, days(90));
+    link("linked", home() / "elsewhere");
+    auto below = rule();
+    below.folder = home() / "linked/place";
+    EXPECT_THAT(files(below), IsEmpty());
+    EXPECT_THAT(workers.asked, IsEmpty());
+    EXPECT_FALSE(isLimited());
+    below.category = CleanupCategory::cache;
+    EXPECT_THAT(files(below), ElementsAre("old.log"));
+    EXPECT_THAT(folders(below), ElementsAre("app"));
+}
+
 TEST_F(OldItems, FoldersThatAreLinksAndFilesAreNotOfferedAsFolders) {
     folderWithFile("elsewhere/app", 4096, days(90));
     link("place/link", home() / "elsewhere/app");
