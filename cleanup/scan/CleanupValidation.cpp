@@ -95,10 +95,14 @@ bool leadsThroughLink(const std::filesystem::path& path) {
     return false;
 }
 
-bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
+bool liesBelow(const std::filesystem::path& candidate, const std::filesystem::path& root) {
     const std::string path = standardizedPath(candidate).native();
     const std::string rootPath = standardizedPath(root).native();
-    return path != rootPath && path.starts_with(rootPath + "/") && !isSymbolicLink(candidate);
+    return path != rootPath && path.starts_with(rootPath + "/");
+}
+
+bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
+    return liesBelow(candidate, root) && !isSymbolicLink(candidate);
 }
 
 bool isSymbolicLink(const std::filesystem::path& path) {

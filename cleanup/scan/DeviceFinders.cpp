@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 namespace vantry::CleanupScanner {
 
@@ -21,6 +22,7 @@ constexpr std::size_t shortestIdentity = 20;
 
 struct DeviceBackupRecord {
     std::filesystem::path url;
+    FileFingerprint fingerprint;
     std::string identity;
     SystemTime modificationDate;
     std::string name;
@@ -37,7 +39,7 @@ std::optional<std::string> firstText(const std::optional<Texts>& texts, const st
 
 struct BackupFolder {
     std::filesystem::path url;
-    SystemTime modificationDate;
+    FoundItem item; ///< with a date
 };
 
 std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesystem::path& root) {
@@ -48,10 +50,11 @@ std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesys
     for (const auto& url : context.list(root, category)) {
         if (context.isOver(category))
             break;
-        const auto facts = context.look(url, category);
-        if (facts && facts->kind == ItemFacts::Kind::folder && facts->contentModificationDate &&
-            isSafeCandidate(url, root))
-            folders.push_back({url, *facts->contentModificationDate});
+        auto item = context.look(url, category, [](const ItemFacts& facts) {
+            return ScanContext::isFolder(facts) && facts.contentModificationDate;
+        });
+        if (item && liesBelow(url, root))
+            folders.push_back({url, std::move(*item)});
     }
     return folders;
 }
@@ -66,7 +69,8 @@ std::vector<DeviceBackupRecord> backupRecords(ScanContext& context, const std::v
     std::vector<DeviceBackupRecord> records;
     for (std::size_t i = 0; i < folders.size(); ++i)
         if (auto identity = deviceBackupIdentity(folders[i].url, information[i]))
-            records.push_back({folders[i].url, std::move(*identity), folders[i].modificationDate,
+            records.push_back({folders[i].url, folders[i].item.fingerprint, std::move(*identity),
+                               *folders[i].item.facts.contentModificationDate,
                                firstText(information[i], nameKeys).value_or(displayName(folders[i].url))});
     return records;
 }
@@ -100,7 +104,7 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
         if (context.isOver(category))
             break;
         candidates.push_back(context.candidate(
-            record.url, "Older backup · " + record.name, category,
+            record.url, record.fingerprint, "Older backup · " + record.name, category,
             "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
             context.measure(record.url, category).size));
     }

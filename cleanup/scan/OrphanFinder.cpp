@@ -53,11 +53,11 @@ std::vector<CleanupCandidate> orphanedAppData(ScanContext& context,
     for (const auto& url : states) {
         if (context.isOver(category))
             break;
-        const auto facts = context.look(url, category);
-        if (!facts || facts->kind != ItemFacts::Kind::folder || isClaimed(url.stem().native()) ||
-            !isSafeCandidate(url, root))
+        const auto item = context.look(url, category, ScanContext::isFolder);
+        if (!item || isClaimed(url.stem().native()) || !liesBelow(url, root))
             continue;
-        candidates.push_back(context.candidate(url, withReplacementCharacters(url.stem().native()), category,
+        candidates.push_back(context.candidate(url, item->fingerprint, withReplacementCharacters(url.stem().native()),
+                                               category,
                                                "No installed, embedded, or running bundle claims this old saved-window "
                                                "state. Removing it resets restored windows for that app.",
                                                context.measure(url, category).size));

@@ -25,13 +25,13 @@ std::vector<std::filesystem::path> ScanContext::list(const std::filesystem::path
     return listed(folder, category).value_or(std::vector<std::filesystem::path>());
 }
 
-std::optional<ItemFacts> ScanContext::look(const std::filesystem::path& url, CleanupCategory category) {
-    const auto facts = readItemFacts(url);
-    if (facts)
-        return *facts;
-    if (facts.error().kind != ErrorKind::notFound)
+std::optional<FoundItem> ScanContext::look(const std::filesystem::path& url, CleanupCategory category,
+                                           const std::function<bool(const ItemFacts&)>& isWanted) {
+    bool wanted = false;
+    auto item = readFoundItem(url, [&](const ItemFacts& facts) { return wanted = isWanted(facts); });
+    if (!item && item.error().kind != ErrorKind::notFound)
         limit(category);
-    return std::nullopt;
+    return item && wanted ? std::optional(std::move(*item)) : std::nullopt;
 }
 
 void ScanContext::measureAhead(const std::filesystem::path& folder) {
@@ -62,13 +62,14 @@ std::optional<std::set<std::string>> ScanContext::bundleIdentifiers(const Cleanu
     return identifiers;
 }
 
-CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, std::string title, CleanupCategory category,
-                                        std::string_view reason, std::int64_t size) const {
+CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, const FileFingerprint& fingerprint,
+                                        std::string title, CleanupCategory category, std::string_view reason,
+                                        std::int64_t size) const {
     const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash
                                 ? CleanupConfidence::suggested
                                 : CleanupConfidence::review;
     return CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason), size, confidence,
-                                             readFileFingerprint(url), environment_.now());
+                                             fingerprint, environment_.now());
 }
 
 } // namespace vantry

@@ -1,6 +1,7 @@
 #include "cleanup/scan/CleanupValidation.h"
 
 #include "cleanup/scan/CleanupPlaces.h"
+#include "platform/FoundItem.h"
 #include "tests/cleanup/scan/CleanupValidationFixture.h"
 
 #include <chrono>

@@ -182,8 +182,7 @@ TEST_F(MadeUpHome, BelowALinkOffersNothingThatTheGateRefuses) {
         made.file("Downloads/old.dmg", 26'214'400, days(90));
         made.folderWithFile("Library/Caches/app", 26'214'400, days(90));
         const auto before = scan(made.environment, {});
-        ASSERT_THAT(namesOf(before.candidates),
-                    testing::UnorderedElementsAre("old.log", "old.ips", "old.dmg", "app"));
+        ASSERT_THAT(namesOf(before.candidates), testing::UnorderedElementsAre("old.log", "old.ips", "old.dmg", "app"));
         std::filesystem::rename(made.at(linked), made.at("elsewhere"));
         made.link(linked, made.at("elsewhere"));
         const auto report = scan(made.environment, {});
@@ -193,9 +192,8 @@ TEST_F(MadeUpHome, BelowALinkOffersNothingThatTheGateRefuses) {
                 EXPECT_EQ(validationFailure(candidate, made.environment), std::nullopt) << candidate.url;
             }
         // A link in the stead of a place is not listed; one above it is not in the way.
-        EXPECT_EQ(report.states.at(CleanupCategory::log), std::string_view(linked) == "Library"
-                                                              ? CleanupScanState::checked
-                                                              : CleanupScanState::unavailable);
+        EXPECT_EQ(report.states.at(CleanupCategory::log),
+                  std::string_view(linked) == "Library" ? CleanupScanState::checked : CleanupScanState::unavailable);
         EXPECT_EQ(report.states.at(CleanupCategory::crashReport), CleanupScanState::checked) << linked;
     }
 }

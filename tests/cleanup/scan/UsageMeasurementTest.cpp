@@ -215,7 +215,7 @@ TEST_F(Usage, OfEveryCategoryIsThatOfItsPlaces) {
 
 TEST_F(Usage, WhatCanBeReviewedIsSummedUpFromTheCandidates) {
     const auto candidate = [&](CleanupCategory category, std::int64_t size) {
-        return context.candidate(home() / "x", "x", category, "", size);
+        return context.candidate(home() / "x", {}, "x", category, "", size);
     };
     const std::vector candidates{candidate(CleanupCategory::log, 5), candidate(CleanupCategory::log, 7),
                                  candidate(CleanupCategory::orphan, largest), candidate(CleanupCategory::orphan, 1)};
