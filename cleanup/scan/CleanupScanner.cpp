@@ -140,7 +140,8 @@ CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& askedWor
             .states = std::move(states),
             .metrics = std::move(metrics),
             .storageSnapshot = std::move(snapshot),
-            .duration = std::chrono::steady_clock::now() - start};
+            .duration = std::chrono::steady_clock::now() - start,
+            .incompletePaths = std::move(budget.incompletePaths)};
 }
 
 CleanupScanReport scan(const ScanEnvironment& environment, std::span<const std::string> runningBundleIdentifiers) {

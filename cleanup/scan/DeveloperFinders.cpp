@@ -42,9 +42,9 @@ void appendWholeFolders(ScanContext& context, CleanupCategory category, const st
         const auto item = context.look(roots[i], category, ScanContext::isFolder);
         if (!item || !liesBelow(roots[i], context.environment().home))
             continue;
-        if (const auto metrics = context.measure(roots[i], category); metrics.size > 0)
+        if (const auto metrics = context.measure(roots[i], category); metrics && metrics->size > 0)
             candidates.push_back(context.candidate(roots[i], item->fingerprint, std::string(places.at(i).title),
-                                                   category, places.at(i).reason, metrics.size));
+                                                   category, places.at(i).reason, *metrics));
     }
 }
 
@@ -77,10 +77,10 @@ std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
         const auto item = context.look(url, category, ScanContext::isFolder);
         if (!item || !liesBelow(url, root))
             continue;
-        candidates.push_back(
-            context.candidate(url, item->fingerprint, withReplacementCharacters(url.stem().native()), category,
-                              "Full macOS installer app. Keep it only if you plan to upgrade or create install media.",
-                              context.measure(url, category).size));
+        if (const auto metrics = context.measure(url, category))
+            candidates.push_back(context.candidate(
+                url, item->fingerprint, withReplacementCharacters(url.stem().native()), category,
+                "Full macOS installer app. Keep it only if you plan to upgrade or create install media.", *metrics));
     }
     return candidates;
 }

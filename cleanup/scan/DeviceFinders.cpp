@@ -103,10 +103,11 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
             continue;
         if (context.isOver(category))
             break;
-        candidates.push_back(context.candidate(
-            record.url, record.fingerprint, "Older backup · " + record.name, category,
-            "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
-            context.measure(record.url, category).size));
+        if (const auto metrics = context.measure(record.url, category))
+            candidates.push_back(context.candidate(
+                record.url, record.fingerprint, "Older backup · " + record.name, category,
+                "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
+                *metrics));
     }
     return candidates;
 }

@@ -79,9 +79,9 @@ std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldIte
         const auto item = context.look(url, rule.category,
                                        [&](const ItemFacts& facts) { return isOldRegularFile(rule, facts, cutoff); });
         if (item && liesBelow(url, rule.folder))
-            candidates.push_back(context.candidate(url, item->fingerprint,
-                                                   withReplacementCharacters(url.filename().native()), rule.category,
-                                                   rule.reason, item->facts.allocatedBytes.value_or(0)));
+            candidates.push_back(context.candidate(
+                url, item->fingerprint, withReplacementCharacters(url.filename().native()), rule.category, rule.reason,
+                {.size = item->facts.allocatedBytes.value_or(0), .complete = true}));
     }
     return largestFirst(context, rule, std::move(candidates));
 }
@@ -100,9 +100,9 @@ std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const O
         if (!std::exchange(measuredAhead, true))
             context.measureAhead(rule.folder);
         const auto metrics = context.measure(url, rule.category);
-        if (isOldInside(rule, metrics, cutoff))
+        if (metrics && isOldInside(rule, *metrics, cutoff))
             candidates.push_back(
-                context.candidate(url, item->fingerprint, displayName(url), rule.category, rule.reason, metrics.size));
+                context.candidate(url, item->fingerprint, displayName(url), rule.category, rule.reason, *metrics));
     }
     return largestFirst(context, rule, std::move(candidates));
 }

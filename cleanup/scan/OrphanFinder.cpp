@@ -56,11 +56,12 @@ std::vector<CleanupCandidate> orphanedAppData(ScanContext& context,
         const auto item = context.look(url, category, ScanContext::isFolder);
         if (!item || isClaimed(url.stem().native()) || !liesBelow(url, root))
             continue;
-        candidates.push_back(context.candidate(url, item->fingerprint, withReplacementCharacters(url.stem().native()),
-                                               category,
-                                               "No installed, embedded, or running bundle claims this old saved-window "
-                                               "state. Removing it resets restored windows for that app.",
-                                               context.measure(url, category).size));
+        if (const auto metrics = context.measure(url, category))
+            candidates.push_back(
+                context.candidate(url, item->fingerprint, withReplacementCharacters(url.stem().native()), category,
+                                  "No installed, embedded, or running bundle claims this old saved-window state. "
+                                  "Removing it resets restored windows for that app.",
+                                  *metrics));
     }
     return candidates;
 }

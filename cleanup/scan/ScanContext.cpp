@@ -38,11 +38,11 @@ void ScanContext::measureAhead(const std::filesystem::path& folder) {
     std::ignore = workers_.childrenMetrics(folder, budget_.deadline); // who scans remembers it
 }
 
-DirectoryMetrics ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
+std::optional<DirectoryMetrics> ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
     const auto metrics = workers_.directoryMetrics(folder, budget_.deadline);
     if (!metrics.complete)
         limit(category);
-    return metrics;
+    return metrics.complete || metrics.size > 0 ? std::optional(metrics) : std::nullopt;
 }
 
 PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files, std::span<const std::string> keys,
@@ -64,12 +64,15 @@ std::optional<std::set<std::string>> ScanContext::bundleIdentifiers(const Cleanu
 
 CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, const FileFingerprint& fingerprint,
                                         std::string title, CleanupCategory category, std::string_view reason,
-                                        std::int64_t size) const {
+                                        const DirectoryMetrics& metrics) {
     const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash
                                 ? CleanupConfidence::suggested
                                 : CleanupConfidence::review;
-    return CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason), size, confidence,
-                                             fingerprint, environment_.now());
+    auto candidate = CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason),
+                                                       metrics.size, confidence, fingerprint, environment_.now());
+    if (!metrics.complete)
+        budget_.incompletePaths.insert(candidate.id());
+    return candidate;
 }
 
 } // namespace vantry

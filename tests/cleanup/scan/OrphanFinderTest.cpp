@@ -148,8 +148,11 @@ TEST_F(OrphanedData, WithoutSavedStatesNoApplicationIsLookedAt) {
 
 TEST_F(OrphanedData, WhatIsNotListedOrMeasuredInTimeLimitsTheCategory) {
     state("com.example.gone.savedState");
-    workers.metrics[home() / states / "com.example.gone.savedState"] = {0, std::nullopt, false};
+    workers.metrics[home() / states / "com.example.gone.savedState"] = {4096, std::nullopt, false};
     EXPECT_EQ(orphans().size(), 1U);
+    EXPECT_TRUE(isLimited());
+    workers.metrics[home() / states / "com.example.gone.savedState"] = {0, std::nullopt, false};
+    EXPECT_THAT(orphans(), IsEmpty()) << "nothing was measured";
     EXPECT_TRUE(isLimited());
     workers.hung.insert(home() / states);
     EXPECT_THAT(orphans(), IsEmpty());
