@@ -37,7 +37,13 @@ public:
     }
     [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("measure in " + folder.native());
-        return measuresAhead ? CleanupScanner::childrenMetricsInProcess(folder, deadline) : ChildrenMetrics{};
+        auto answer = measuresAhead ? CleanupScanner::childrenMetricsInProcess(folder, deadline) : ChildrenMetrics{};
+        for (const auto& [given, ofGiven] : metrics)
+            if (given == folder || given.parent_path() == folder) {
+                answer.children.erase(given.filename());
+                answer.whole = {};
+            }
+        return answer;
     }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("list " + folder.native());
