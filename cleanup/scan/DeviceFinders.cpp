@@ -1,5 +1,6 @@
 #include "cleanup/scan/DeviceFinders.h"
 
+#include "base/Utf8.h"
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupValidation.h"
 #include "cleanup/scan/OldItemsRules.h"
@@ -18,7 +19,7 @@ using Texts = std::map<std::string, std::string>;
 
 const std::array<std::string, 3> identityKeys{"Target Identifier", "Unique Identifier", "GUID"};
 const std::array<std::string, 2> nameKeys{"Device Name", "Display Name"};
-constexpr std::size_t shortestIdentity = 20;
+constexpr std::size_t shortestIdentity = 20; // characters
 
 struct DeviceBackupRecord {
     std::filesystem::path url;
@@ -83,7 +84,7 @@ std::optional<std::string> deviceBackupIdentity(const std::filesystem::path& bac
         return identity;
     const std::string name = backup.filename().native();
     std::string begin = name.substr(0, name.find('-'));
-    return begin.size() < shortestIdentity ? std::nullopt : std::optional(std::move(begin));
+    return characterCount(begin) < shortestIdentity ? std::nullopt : std::optional(std::move(begin));
 }
 
 std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
