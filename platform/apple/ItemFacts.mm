@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cmath>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace vantry {
@@ -120,19 +119,6 @@ FolderAccess folderAccess(const std::filesystem::path& path) {
     if (!S_ISDIR(facts.st_mode))
         return FolderAccess::none;
     return access(path.c_str(), R_OK) == 0 ? FolderAccess::readable : FolderAccess::unreadable;
-}
-
-bool isReadableFile(const std::filesystem::path& path) {
-    struct stat facts = {};
-    return stat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) && access(path.c_str(), R_OK) == 0;
-}
-
-Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
-    std::error_code error;
-    auto resolved = std::filesystem::canonical(path, error);
-    if (error)
-        return std::unexpected(errorFromErrno(error.value()));
-    return resolved;
 }
 
 std::string displayName(const std::filesystem::path& path) {

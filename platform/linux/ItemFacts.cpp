@@ -1,6 +1,7 @@
 #include "platform/FoundItem.h"
 
 #include "base/Utf8.h"
+#include "platform/linux/LinkTargets.h"
 #include "platform/linux/PromptLookup.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include "platform/FoundItem.h"
-
+#include "platform/linux/LinkTargets.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <fcntl.h>
