@@ -150,6 +150,9 @@ void appendCandidates(Report& report, const CleanupScanReport& scanned, const st
                                     printable(candidate.title)));
             report.line(fmt::format("{:26}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
             report.line(fmt::format("{:26}{}", "", candidate.reason));
+            if (scanned.sizeIsLowerBound(candidate))
+                report.line(
+                    fmt::format("{:26}At least {}; measuring stopped early", "", byteCountText(candidate.size)));
         }
     }
 }
@@ -218,7 +221,7 @@ Json storageJson(const std::optional<StorageSnapshot>& storage) {
             {"updatedAt", iso8601Text(storage->updatedAt)}};
 }
 
-Json candidateJson(const CleanupCandidate& candidate) {
+Json candidateJson(const CleanupCandidate& candidate, bool sizeIsLowerBound) {
     Json object;
     const auto& path = candidate.url.native();
     if (isUtf8(path))
@@ -230,6 +233,7 @@ Json candidateJson(const CleanupCandidate& candidate) {
     object["area"] = title(area(candidate.category));
     object["reason"] = candidate.reason;
     object["sizeBytes"] = candidate.size;
+    object["sizeIsLowerBound"] = sizeIsLowerBound;
     object["confidence"] = rawValue(candidate.confidence);
     object["disposition"] = title(candidate.removalDisposition());
     object["modifiedAt"] =
@@ -263,7 +267,7 @@ std::string reportJson(const CleanupScanReport& scanned) {
     object["durationSeconds"] = scanned.duration.count();
     object["candidates"] = Json::array();
     for (const auto& candidate : scanned.candidates)
-        object["candidates"].push_back(candidateJson(candidate));
+        object["candidates"].push_back(candidateJson(candidate, scanned.sizeIsLowerBound(candidate)));
     object["categories"] = Json::object();
     for (const auto& row : allCleanupCategories) {
         const auto& metric = scanned.metrics.at(row.value);

@@ -1,5 +1,6 @@
 #include "base/Utf8.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -51,6 +52,13 @@ bool isUtf8(std::string_view text) {
         text.remove_prefix(length);
     }
     return true;
+}
+
+std::size_t characterCount(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count)
+        text.remove_prefix(std::max<std::size_t>(codePointLength(text), 1));
+    return count;
 }
 
 std::string withReplacementCharacters(std::string_view text) {

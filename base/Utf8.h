@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,5 +11,8 @@ namespace vantry {
 
 /// `text` with U+FFFD for every byte that is not part of well-formed UTF-8.
 [[nodiscard]] std::string withReplacementCharacters(std::string_view text);
+
+/// How many characters (code points) `text` has; a byte that is not part of well-formed UTF-8 is one.
+[[nodiscard]] std::size_t characterCount(std::string_view text);
 
 } // namespace vantry

@@ -25,14 +25,18 @@ struct TreeTotals {
     bool operator==(const TreeTotals&) const = default;
 };
 
-/// Measures the item at `path`: a regular file by itself, a folder with everything below it, other file systems mounted
-/// there included. What cannot be read is passed over; a link, and a folder that cannot be opened, give nothing and are
-/// not complete. Works at any depth and width in bounded memory. Once the tree has shown to be large, `helpers` beside
-/// the calling thread take part, also those that become free later. Blocking until the tree is walked or `deadline` has
-/// passed, and as long as a file system does not answer; any thread. Never fails: what keeps this process from seeing
-/// everything makes the answer not complete.
+/// Measures the item at `path`: a regular file by itself, a folder with everything below it, but not what other file
+/// systems mounted there hold. What cannot be read is passed over; a link, and a folder that cannot be opened, give
+/// nothing and are not complete. Works at any depth and width in bounded memory. Once the tree has shown to be large,
+/// `helpers` beside the calling thread take part, also those that become free later. Blocking until the tree is walked
+/// or `deadline` has passed, and as long as a file system does not answer; any thread. Never fails: what keeps this
+/// process from seeing everything makes the answer not complete.
 [[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
                                   const std::shared_ptr<SpareThreads>& helpers);
+
+/// Whether `path` itself, a link not followed, is where a file system is mounted. False where that cannot be found out;
+/// on Linux also before 5.8. Blocking; any thread.
+[[nodiscard]] bool isMountPoint(const std::filesystem::path& path);
 
 /// The names directly inside a folder, as bytes, in the order of the file system. A link to a folder is refused.
 /// Blocking; any thread.

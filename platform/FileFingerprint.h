@@ -2,7 +2,6 @@
 
 #include "base/Time.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -24,13 +23,10 @@ struct FileFingerprint {
     bool operator==(const FileFingerprint&) const = default;
 };
 
-/// The item at `path` itself: a link that `path` ends in is not followed, those on the way to it are. A slash at the
-/// end changes nothing. Needs no permission on the item. On Linux waits for no server where cached attributes serve.
-/// Blocking; any thread. Never fails: where nothing can be read every field is absent.
-[[nodiscard]] FileFingerprint readFileFingerprint(const std::filesystem::path& path);
-
-/// The item that `fd` stands for, also one opened for its path alone; equal to what its path gives. `fd` stays the
-/// caller's. On Linux also for an item that has no name left, on macOS every field is then absent. Otherwise as above.
+/// What identifies the item that `fd` stands for, also one opened for its path alone; equal to what its path gives, see
+/// platform/FoundItem.h. `fd` stays the caller's. On Linux also for an item that has no name left, on macOS every field
+/// is then absent. On Linux waits for no server where cached attributes serve. Blocking; any thread. Never fails: where
+/// nothing can be read every field is absent.
 [[nodiscard]] FileFingerprint readFileFingerprint(int fd);
 
 } // namespace vantry

@@ -36,12 +36,6 @@ enum class FolderAccess { none, readable, unreadable, unknown };
 /// owner, group and permission bits alone.
 [[nodiscard]] FolderAccess folderAccess(const std::filesystem::path& path);
 
-/// Whether this process may read the file that `path` leads to; false also where that cannot be found out.
-[[nodiscard]] bool isReadableFile(const std::filesystem::path& path);
-
-/// Where `path` leads to, without links; an error where it leads nowhere or that cannot be found out.
-[[nodiscard]] Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path);
-
 /// The name of the item that users see, as UTF-8. Linux: the last component, with U+FFFD for bytes that are no UTF-8;
 /// macOS: what the Finder shows.
 [[nodiscard]] std::string displayName(const std::filesystem::path& path);

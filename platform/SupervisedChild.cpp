@@ -51,10 +51,11 @@ SupervisedChild::~SupervisedChild() {
     }
 }
 
-std::optional<std::string> SupervisedChild::outputToEnd(std::size_t limit, Deadline deadline) {
+std::optional<std::string> SupervisedChild::outputToEnd(std::size_t limit, Deadline deadline, int highestStatus) {
     while (pending_.size() <= limit && mayHaveMore(deadline)) {
     }
-    if (pending_.size() > limit || child_.exitStatus() != 0)
+    const auto status = child_.exitStatus();
+    if (pending_.size() > limit || !status || *status > highestStatus)
         return std::nullopt;
     return std::exchange(pending_, {});
 }

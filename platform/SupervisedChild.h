@@ -28,8 +28,9 @@ public:
     ~SupervisedChild();
 
     /// What the child writes until it ends; what others that hold its output write later is not waited for. Absent
-    /// unless the child ends with the status 0 before `deadline` and writes no more than `limit` bytes. Blocking.
-    [[nodiscard]] std::optional<std::string> outputToEnd(std::size_t limit, Deadline deadline);
+    /// unless the child ends with a status of 0 to `highestStatus` before `deadline` and writes no more than `limit`
+    /// bytes. Blocking.
+    [[nodiscard]] std::optional<std::string> outputToEnd(std::size_t limit, Deadline deadline, int highestStatus = 0);
 
     /// The next line that the child writes, without its end. Absent when there is none before `deadline` or the end of
     /// the output, and when more than `limit` bytes come without one. Blocking.

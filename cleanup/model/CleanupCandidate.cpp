@@ -3,6 +3,7 @@
 #include "base/Uuid.h"
 #include "cleanup/model/HashOf.h"
 #include "cleanup/model/StandardizedPath.h"
+#include "platform/FoundItem.h"
 
 #include <chrono>
 #include <utility>

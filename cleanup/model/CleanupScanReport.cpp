@@ -12,6 +12,8 @@ std::size_t std::hash<vantry::CleanupScanReport>::operator()(const vantry::Clean
         all = hashOf(all, category, state);
     for (const auto& [category, metric] : report.metrics)
         all = hashOf(all, category, metric);
+    for (const auto& path : report.incompletePaths)
+        all = hashOf(all, path);
     if (const auto& snapshot = report.storageSnapshot)
         all = hashOf(all, snapshot->volumeName, snapshot->totalBytes, snapshot->availableBytes,
                      snapshot->updatedAt.time_since_epoch().count());

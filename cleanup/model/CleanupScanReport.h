@@ -11,6 +11,8 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace vantry {
@@ -22,6 +24,12 @@ struct CleanupScanReport {
     std::map<CleanupCategory, CleanupCategoryMetric> metrics; ///< one entry for every category
     std::optional<StorageSnapshot> storageSnapshot;           ///< read at the end of the scan
     std::chrono::duration<double> duration{};                 ///< how long the scan took
+    std::set<std::string>
+        incompletePaths; ///< ids of the candidates whose size is a lower bound: measuring stopped early
+
+    [[nodiscard]] bool sizeIsLowerBound(const CleanupCandidate& candidate) const {
+        return incompletePaths.contains(candidate.id());
+    }
 
     bool operator==(const CleanupScanReport&) const = default;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace vantry::CleanupScanner {
 
@@ -83,10 +84,14 @@ std::string lowercaseExtension(const std::filesystem::path& path) {
     std::string extension = path.extension().native();
     if (!extension.empty())
         extension.erase(0, 1);
-    std::ranges::transform(extension, extension.begin(), [](char character) {
+    return lowercase(std::move(extension));
+}
+
+std::string lowercase(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char character) {
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     });
-    return extension;
+    return text;
 }
 
 } // namespace vantry::CleanupScanner

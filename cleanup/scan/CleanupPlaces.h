@@ -27,4 +27,7 @@ namespace vantry::CleanupScanner {
 /// its begin or end.
 [[nodiscard]] std::string lowercaseExtension(const std::filesystem::path& path);
 
+/// `text` with the letters of ASCII in lower case.
+[[nodiscard]] std::string lowercase(std::string text);
+
 } // namespace vantry::CleanupScanner

@@ -63,6 +63,10 @@ public:
                                                       std::span<const std::string> keys, Deadline deadline) override {
         return workers_.propertyListTexts(files, keys, deadline);
     }
+    [[nodiscard]] std::optional<std::set<std::string>> bundleIdentifiers(const ApplicationPlaces& places,
+                                                                         Deadline deadline) override {
+        return workers_.bundleIdentifiers(places, deadline);
+    }
 
 private:
     static constexpr std::size_t mostRemembered = 10'000; // entries of one folder
@@ -136,7 +140,8 @@ CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& askedWor
             .states = std::move(states),
             .metrics = std::move(metrics),
             .storageSnapshot = std::move(snapshot),
-            .duration = std::chrono::steady_clock::now() - start};
+            .duration = std::chrono::steady_clock::now() - start,
+            .incompletePaths = std::move(budget.incompletePaths)};
 }
 
 CleanupScanReport scan(const ScanEnvironment& environment, std::span<const std::string> runningBundleIdentifiers) {

@@ -87,10 +87,22 @@ bool pathHasNoSymbolicLinkComponents(const std::filesystem::path& path) {
     return true;
 }
 
-bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
+bool leadsThroughLink(const std::filesystem::path& path) {
+    std::filesystem::path growing = "/";
+    for (const auto& component : std::filesystem::path(standardizedPath(path)).relative_path())
+        if (isSymbolicLink(growing /= component))
+            return true;
+    return false;
+}
+
+bool liesBelow(const std::filesystem::path& candidate, const std::filesystem::path& root) {
     const std::string path = standardizedPath(candidate).native();
     const std::string rootPath = standardizedPath(root).native();
-    return path != rootPath && path.starts_with(rootPath + "/") && !isSymbolicLink(candidate);
+    return path != rootPath && path.starts_with(rootPath + "/");
+}
+
+bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root) {
+    return liesBelow(candidate, root) && !isSymbolicLink(candidate);
 }
 
 bool isSymbolicLink(const std::filesystem::path& path) {

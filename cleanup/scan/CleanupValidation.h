@@ -34,8 +34,14 @@ struct ValidatedFile {
 /// Whether `path` is absolute and none of its components, the last included, is a link or missing.
 [[nodiscard]] bool pathHasNoSymbolicLinkComponents(const std::filesystem::path& path);
 
-/// Whether `candidate` lies below `root`, judged by the paths, and is not itself a link.
+/// Whether `candidate` lies below `root`, judged by the paths alone.
+[[nodiscard]] bool liesBelow(const std::filesystem::path& candidate, const std::filesystem::path& root);
+
+/// The same, and `candidate` is not itself a link.
 [[nodiscard]] bool isSafeCandidate(const std::filesystem::path& candidate, const std::filesystem::path& root);
+
+/// Whether a component of the absolute `path`, the last included, is a link. What cannot be looked at is none.
+[[nodiscard]] bool leadsThroughLink(const std::filesystem::path& path);
 
 /// Whether `path` itself is a link; a slash at its end changes nothing. False for what cannot be looked at.
 [[nodiscard]] bool isSymbolicLink(const std::filesystem::path& path);

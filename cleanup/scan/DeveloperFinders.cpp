@@ -39,12 +39,12 @@ void appendWholeFolders(ScanContext& context, CleanupCategory category, const st
                         std::vector<CleanupCandidate>& candidates) {
     const auto roots = approvedRoots(category, context.environment());
     for (std::size_t i = 0; i < roots.size() && !context.isOver(category); ++i) {
-        const auto facts = context.look(roots[i], category);
-        if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(roots[i], context.environment().home))
+        const auto item = context.look(roots[i], category, ScanContext::isFolder);
+        if (!item || !liesBelow(roots[i], context.environment().home))
             continue;
-        if (const auto metrics = context.measure(roots[i], category); metrics.size > 0)
-            candidates.push_back(context.candidate(roots[i], std::string(places.at(i).title), category,
-                                                   places.at(i).reason, metrics.size));
+        if (const auto metrics = context.measure(roots[i], category); metrics && metrics->size > 0)
+            candidates.push_back(context.candidate(roots[i], item->fingerprint, std::string(places.at(i).title),
+                                                   category, places.at(i).reason, *metrics));
     }
 }
 
@@ -74,13 +74,13 @@ std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
             break;
         if (!isMacOSInstaller(url))
             continue;
-        const auto facts = context.look(url, category);
-        if (!facts || facts->kind != ItemFacts::Kind::folder || !isSafeCandidate(url, root))
+        const auto item = context.look(url, category, ScanContext::isFolder);
+        if (!item || !liesBelow(url, root))
             continue;
-        candidates.push_back(
-            context.candidate(url, withReplacementCharacters(url.stem().native()), category,
-                              "Full macOS installer app. Keep it only if you plan to upgrade or create install media.",
-                              context.measure(url, category).size));
+        if (const auto metrics = context.measure(url, category))
+            candidates.push_back(context.candidate(
+                url, item->fingerprint, withReplacementCharacters(url.stem().native()), category,
+                "Full macOS installer app. Keep it only if you plan to upgrade or create install media.", *metrics));
     }
     return candidates;
 }

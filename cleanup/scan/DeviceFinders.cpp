@@ -1,5 +1,6 @@
 #include "cleanup/scan/DeviceFinders.h"
 
+#include "base/Utf8.h"
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupValidation.h"
 #include "cleanup/scan/OldItemsRules.h"
@@ -8,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 namespace vantry::CleanupScanner {
 
@@ -17,10 +19,11 @@ using Texts = std::map<std::string, std::string>;
 
 const std::array<std::string, 3> identityKeys{"Target Identifier", "Unique Identifier", "GUID"};
 const std::array<std::string, 2> nameKeys{"Device Name", "Display Name"};
-constexpr std::size_t shortestIdentity = 20;
+constexpr std::size_t shortestIdentity = 20; // characters
 
 struct DeviceBackupRecord {
     std::filesystem::path url;
+    FileFingerprint fingerprint;
     std::string identity;
     SystemTime modificationDate;
     std::string name;
@@ -37,7 +40,7 @@ std::optional<std::string> firstText(const std::optional<Texts>& texts, const st
 
 struct BackupFolder {
     std::filesystem::path url;
-    SystemTime modificationDate;
+    FoundItem item; ///< with a date
 };
 
 std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesystem::path& root) {
@@ -48,10 +51,11 @@ std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesys
     for (const auto& url : context.list(root, category)) {
         if (context.isOver(category))
             break;
-        const auto facts = context.look(url, category);
-        if (facts && facts->kind == ItemFacts::Kind::folder && facts->contentModificationDate &&
-            isSafeCandidate(url, root))
-            folders.push_back({url, *facts->contentModificationDate});
+        auto item = context.look(url, category, [](const ItemFacts& facts) {
+            return ScanContext::isFolder(facts) && facts.contentModificationDate;
+        });
+        if (item && liesBelow(url, root))
+            folders.push_back({url, std::move(*item)});
     }
     return folders;
 }
@@ -66,7 +70,8 @@ std::vector<DeviceBackupRecord> backupRecords(ScanContext& context, const std::v
     std::vector<DeviceBackupRecord> records;
     for (std::size_t i = 0; i < folders.size(); ++i)
         if (auto identity = deviceBackupIdentity(folders[i].url, information[i]))
-            records.push_back({folders[i].url, std::move(*identity), folders[i].modificationDate,
+            records.push_back({folders[i].url, folders[i].item.fingerprint, std::move(*identity),
+                               *folders[i].item.facts.contentModificationDate,
                                firstText(information[i], nameKeys).value_or(displayName(folders[i].url))});
     return records;
 }
@@ -79,7 +84,7 @@ std::optional<std::string> deviceBackupIdentity(const std::filesystem::path& bac
         return identity;
     const std::string name = backup.filename().native();
     std::string begin = name.substr(0, name.find('-'));
-    return begin.size() < shortestIdentity ? std::nullopt : std::optional(std::move(begin));
+    return characterCount(begin) < shortestIdentity ? std::nullopt : std::optional(std::move(begin));
 }
 
 std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
@@ -99,10 +104,11 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
             continue;
         if (context.isOver(category))
             break;
-        candidates.push_back(context.candidate(
-            record.url, "Older backup · " + record.name, category,
-            "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
-            context.measure(record.url, category).size));
+        if (const auto metrics = context.measure(record.url, category))
+            candidates.push_back(context.candidate(
+                record.url, record.fingerprint, "Older backup · " + record.name, category,
+                "A newer local backup for the same device was found. Verify the newer backup before removing this one.",
+                *metrics));
     }
     return candidates;
 }

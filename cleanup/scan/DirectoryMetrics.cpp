@@ -38,7 +38,7 @@ struct Child {
 void measure(Child& child, const std::filesystem::path& folder, Deadline deadline,
              const std::shared_ptr<SpareThreads>& helpers) {
     const auto path = folder / child.name;
-    child.kind = quickItemKind(path);
+    child.kind = isMountPoint(path) ? ItemKind::other : quickItemKind(path);
     if (child.kind == ItemKind::regularFile || child.kind == ItemKind::folder)
         child.metrics = measured(path, deadline, helpers);
 }
@@ -93,7 +93,7 @@ ChildrenMetrics childrenMetricsInProcess(const std::filesystem::path& folder, De
 
     ChildrenMetrics metrics{.children = {}, .whole = {.complete = !hasPassed(limit)}};
     for (auto& child : children) {
-        // What is neither a file nor a folder, a link for instance, does not count.
+        // What is neither a file nor a folder, a link for instance, does not count; nor does what is mounted there.
         if (child.kind == ItemKind::none || child.kind == ItemKind::other)
             continue;
         add(metrics.whole, child.metrics);

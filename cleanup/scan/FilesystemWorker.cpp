@@ -1,6 +1,7 @@
 #include "cleanup/scan/FilesystemWorker.h"
 
 #include "base/UniqueFd.h"
+#include "cleanup/scan/BundleIdentifiers.h"
 #include "cleanup/scan/DirectoryMetrics.h"
 #include "cleanup/scan/PropertyListFile.h"
 #include "cleanup/scan/WorkerArguments.h"
@@ -88,6 +89,13 @@ void perform(const PropertyListJob& job) {
     for (const auto& file : job.files)
         if (!writeAll(STDOUT_FILENO, encoded(textsOfPropertyListFile(file, job.keys))))
             return;
+}
+
+void perform(const BundleIdentifiersJob& job) {
+    constexpr std::size_t memory = 256 << 20; // for names of folders, some of them hostile
+    std::ignore = giveUpChangingFiles();
+    std::ignore = limitMemory(memory);
+    writeBundleIdentifiers(job.places, [](std::string_view lines) { return writeAll(STDOUT_FILENO, lines); });
 }
 
 } // namespace

@@ -16,8 +16,15 @@ bool contains(std::span<const std::string_view> texts, std::string_view text) {
     return std::ranges::find(texts, text) != texts.end();
 }
 
+// What may go to the Trash has to lie where the gate of a move finds it: below no link at all.
+bool isOutOfReach(const OldItemsRule& rule, const std::filesystem::path& home) {
+    return !isSafeCandidate(rule.folder, home) ||
+           (removalDisposition(rule.category) == CleanupRemovalDisposition::directTrash &&
+            leadsThroughLink(rule.folder));
+}
+
 std::vector<std::filesystem::path> entries(ScanContext& context, const OldItemsRule& rule) {
-    if (isSymbolicLink(rule.folder) || context.isOver(rule.category))
+    if (isOutOfReach(rule, context.environment().home) || context.isOver(rule.category))
         return {};
     return context.list(rule.folder, rule.category);
 }
@@ -69,11 +76,12 @@ std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldIte
             break;
         if (!matchesExtensions(rule, url))
             continue;
-        const auto facts = context.look(url, rule.category);
-        if (!facts || !isOldRegularFile(rule, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
-            continue;
-        candidates.push_back(context.candidate(url, withReplacementCharacters(url.filename().native()), rule.category,
-                                               rule.reason, facts->allocatedBytes.value_or(0)));
+        const auto item = context.look(url, rule.category,
+                                       [&](const ItemFacts& facts) { return isOldRegularFile(rule, facts, cutoff); });
+        if (item && liesBelow(url, rule.folder))
+            candidates.push_back(context.candidate(
+                url, item->fingerprint, withReplacementCharacters(url.filename().native()), rule.category, rule.reason,
+                {.size = item->facts.allocatedBytes.value_or(0), .complete = true}));
     }
     return largestFirst(context, rule, std::move(candidates));
 }
@@ -85,14 +93,16 @@ std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const O
     for (const auto& url : entries(context, rule)) {
         if (context.isOver(rule.category))
             break;
-        const auto facts = context.look(url, rule.category);
-        if (!facts || !isOldFolder(rule, url, *facts, cutoff) || !isSafeCandidate(url, rule.folder))
+        const auto item = context.look(url, rule.category,
+                                       [&](const ItemFacts& facts) { return isOldFolder(rule, url, facts, cutoff); });
+        if (!item || !liesBelow(url, rule.folder))
             continue;
         if (!std::exchange(measuredAhead, true))
             context.measureAhead(rule.folder);
         const auto metrics = context.measure(url, rule.category);
-        if (isOldInside(rule, metrics, cutoff))
-            candidates.push_back(context.candidate(url, displayName(url), rule.category, rule.reason, metrics.size));
+        if (metrics && isOldInside(rule, *metrics, cutoff))
+            candidates.push_back(
+                context.candidate(url, item->fingerprint, displayName(url), rule.category, rule.reason, *metrics));
     }
     return largestFirst(context, rule, std::move(candidates));
 }

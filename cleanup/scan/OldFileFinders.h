@@ -37,7 +37,8 @@ struct OldItemsRule {
 /// Whether what was measured in an old folder lets it be offered.
 [[nodiscard]] bool isOldInside(const OldItemsRule& rule, const DirectoryMetrics& metrics, SystemTime cutoff);
 
-// Both finders list the folder once, offer the largest first and cut at the rule's count. What they could not look at,
+// Neither looks into a folder that is a link; those of what may go to the Trash are not looked into below a link
+// either. Both list the folder once, offer the largest first and cut at the rule's count. What they could not look at,
 // a folder that is missing among it, means fewer candidates and limits the category, and so does a cut.
 
 [[nodiscard]] std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const OldItemsRule& rule);

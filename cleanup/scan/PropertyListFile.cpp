@@ -41,15 +41,19 @@ std::optional<std::string> contentsOf(int fd, std::size_t expected) {
 
 } // namespace
 
-PropertyListPayload textsOfPropertyListFile(const std::filesystem::path& file, std::span<const std::string> keys) {
+std::optional<std::string> contentsOfPropertyListFile(const std::filesystem::path& file) {
     // To open a fifo wakes who waits to write into it, and to open a device may do anything.
     struct stat facts = {};
     if (lstat(file.c_str(), &facts) != 0 || !isSuitable(facts))
-        return {};
+        return std::nullopt;
     const UniqueFd fd(open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!fd || fstat(fd.get(), &facts) != 0 || !isSuitable(facts))
-        return {};
-    const auto contents = contentsOf(fd.get(), static_cast<std::size_t>(facts.st_size));
+        return std::nullopt;
+    return contentsOf(fd.get(), static_cast<std::size_t>(facts.st_size));
+}
+
+PropertyListPayload textsOfPropertyListFile(const std::filesystem::path& file, std::span<const std::string> keys) {
+    const auto contents = contentsOfPropertyListFile(file);
     if (!contents)
         return {};
     auto texts = propertyListTexts(*contents, keys);

@@ -25,24 +25,24 @@ std::vector<std::filesystem::path> ScanContext::list(const std::filesystem::path
     return listed(folder, category).value_or(std::vector<std::filesystem::path>());
 }
 
-std::optional<ItemFacts> ScanContext::look(const std::filesystem::path& url, CleanupCategory category) {
-    const auto facts = readItemFacts(url);
-    if (facts)
-        return *facts;
-    if (facts.error().kind != ErrorKind::notFound)
+std::optional<FoundItem> ScanContext::look(const std::filesystem::path& url, CleanupCategory category,
+                                           const std::function<bool(const ItemFacts&)>& isWanted) {
+    bool wanted = false;
+    auto item = readFoundItem(url, [&](const ItemFacts& facts) { return wanted = isWanted(facts); });
+    if (!item && item.error().kind != ErrorKind::notFound)
         limit(category);
-    return std::nullopt;
+    return item && wanted ? std::optional(std::move(*item)) : std::nullopt;
 }
 
 void ScanContext::measureAhead(const std::filesystem::path& folder) {
     std::ignore = workers_.childrenMetrics(folder, budget_.deadline); // who scans remembers it
 }
 
-DirectoryMetrics ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
+std::optional<DirectoryMetrics> ScanContext::measure(const std::filesystem::path& folder, CleanupCategory category) {
     const auto metrics = workers_.directoryMetrics(folder, budget_.deadline);
     if (!metrics.complete)
         limit(category);
-    return metrics;
+    return metrics.complete || metrics.size > 0 ? std::optional(metrics) : std::nullopt;
 }
 
 PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files, std::span<const std::string> keys,
@@ -54,13 +54,25 @@ PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files
     return lists;
 }
 
-CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, std::string title, CleanupCategory category,
-                                        std::string_view reason, std::int64_t size) const {
+std::optional<std::set<std::string>> ScanContext::bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places,
+                                                                    CleanupCategory category) {
+    auto identifiers = workers_.bundleIdentifiers(places, budget_.deadline);
+    if (!identifiers)
+        limit(category);
+    return identifiers;
+}
+
+CleanupCandidate ScanContext::candidate(const std::filesystem::path& url, const FileFingerprint& fingerprint,
+                                        std::string title, CleanupCategory category, std::string_view reason,
+                                        const DirectoryMetrics& metrics) {
     const auto confidence = removalDisposition(category) == CleanupRemovalDisposition::directTrash
                                 ? CleanupConfidence::suggested
                                 : CleanupConfidence::review;
-    return CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason), size, confidence,
-                                             readFileFingerprint(url), environment_.now());
+    auto candidate = CleanupCandidate::withFingerprint(url, std::move(title), category, std::string(reason),
+                                                       metrics.size, confidence, fingerprint, environment_.now());
+    if (!metrics.complete)
+        budget_.incompletePaths.insert(candidate.id());
+    return candidate;
 }
 
 } // namespace vantry

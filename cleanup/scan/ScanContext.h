@@ -4,9 +4,10 @@
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/scan/ScanEnvironment.h"
 #include "cleanup/scan/ScanWorkers.h"
-#include "platform/ItemFacts.h"
+#include "platform/FoundItem.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <set>
 #include <span>
@@ -20,6 +21,7 @@ namespace vantry {
 struct ScanBudget {
     Deadline deadline;                           ///< after which finders stop and return what they have
     std::set<CleanupCategory> limitedCategories; ///< whose finder stopped early or left something out; only grows
+    std::set<std::string> incompletePaths = {};  ///< ids of candidates that were not measured to the end; only grows
 };
 
 /// What a finder works with. Blocking; one thread, the scan's own.
@@ -41,22 +43,32 @@ public:
     /// The same with no entries instead.
     [[nodiscard]] std::vector<std::filesystem::path> list(const std::filesystem::path& folder,
                                                           CleanupCategory category);
-    /// What stands at `url`; absent when there is nothing, or, with the category limited, when that cannot be found
-    /// out.
-    [[nodiscard]] std::optional<ItemFacts> look(const std::filesystem::path& url, CleanupCategory category);
+    /// What stands at `url`, if it `isWanted`, with what identifies it, from one look. Absent also when there is
+    /// nothing or, with the category limited, when that cannot be found out.
+    [[nodiscard]] std::optional<FoundItem> look(const std::filesystem::path& url, CleanupCategory category,
+                                                const std::function<bool(const ItemFacts&)>& isWanted);
     /// Measures what is in `folder` at once, as far as that takes no longer than one measurement, so that to measure
     /// one folder after the other there, and all of it, costs nothing more.
     void measureAhead(const std::filesystem::path& folder);
-    /// Measures `folder`. A measurement that is not complete limits the category.
-    [[nodiscard]] DirectoryMetrics measure(const std::filesystem::path& folder, CleanupCategory category);
+    /// Measures `folder`. A measurement that is not complete limits the category; absent when nothing was measured.
+    [[nodiscard]] std::optional<DirectoryMetrics> measure(const std::filesystem::path& folder,
+                                                          CleanupCategory category);
     /// The texts under `keys` in each file. Limits the category when time did not suffice for all of them.
     [[nodiscard]] PropertyListTexts read(std::span<const std::filesystem::path> files,
                                          std::span<const std::string> keys, CleanupCategory category);
 
-    /// A candidate with the fingerprint of this moment: low risk exactly where its category may go to the Trash.
-    [[nodiscard]] CleanupCandidate candidate(const std::filesystem::path& url, std::string title,
-                                             CleanupCategory category, std::string_view reason,
-                                             std::int64_t size) const;
+    /// What the bundles in `places` call themselves; absent, with the category limited, when not all are known.
+    [[nodiscard]] std::optional<std::set<std::string>>
+    bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places, CleanupCategory category);
+
+    /// A candidate, scanned at this moment: low risk exactly where its category may go to the Trash. A size that is not
+    /// `complete` is remembered as a lower bound.
+    [[nodiscard]] CleanupCandidate candidate(const std::filesystem::path& url, const FileFingerprint& fingerprint,
+                                             std::string title, CleanupCategory category, std::string_view reason,
+                                             const DirectoryMetrics& metrics);
+
+    /// What is wanted of many items.
+    [[nodiscard]] static bool isFolder(const ItemFacts& facts) { return facts.kind == ItemFacts::Kind::folder; }
 
 private:
     const ScanEnvironment& environment_;

@@ -16,8 +16,10 @@ Result<ScanEnvironment> ScanEnvironment::currentWithoutWorkers() {
     auto resolved = std::filesystem::canonical(*home, error);
     if (error)
         return std::unexpected(errorFromErrno(error.value(), home->native()));
-    return ScanEnvironment{
-        .home = std::move(resolved), .workers = {}, .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
+    return ScanEnvironment{.home = std::move(resolved),
+                           .workers = {},
+                           .now = [] { return SystemTime(std::chrono::system_clock::now()); },
+                           .isRegisteredApplication = applicationRegister()};
 }
 
 Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> stopSwitch) {

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "base/Time.h"
 #include "cleanup/scan/WorkerHost.h"
+#include "platform/ApplicationRegister.h"
 
 #include <filesystem>
 #include <functional>
@@ -17,6 +18,7 @@ struct ScanEnvironment {
     std::filesystem::path systemApplications = "/System/Applications";
     WorkerHost::Environment workers;
     std::function<SystemTime()> now;
+    ApplicationRegister isRegisteredApplication = {}; ///< empty where the system has none
 
     /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
     /// executable cannot be started again. `stopSwitch` ends the scans that use it. Blocking; any thread.

@@ -38,8 +38,10 @@ std::map<CleanupCategory, CleanupScanState> scanStates(ScanWorkers& workers, con
                                 CleanupCategory::interruptedDownload, CleanupCategory::largeDownload})
         states[category] = downloads;
     // A link, to another disk for instance, is never followed.
-    if (isSymbolicLink(approvedRoots(CleanupCategory::deviceBackup, environment).front()))
-        states[CleanupCategory::deviceBackup] = CleanupScanState::relocated;
+    states[CleanupCategory::deviceBackup] =
+        isSymbolicLink(approvedRoots(CleanupCategory::deviceBackup, environment).front())
+            ? CleanupScanState::relocated
+            : stateOf(CleanupCategory::deviceBackup);
     for (const auto& row : allCleanupCategories)
         if (!states.contains(row.value))
             states[row.value] = stateOf(row.value);

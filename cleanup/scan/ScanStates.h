@@ -17,7 +17,8 @@ namespace vantry::CleanupScanner {
 [[nodiscard]] CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesystem::path> places,
                                            Deadline deadline);
 
-/// The state of every category.
+/// The state of every category: of the downloads first, then of the backups of devices, then of the others in their
+/// order.
 [[nodiscard]] std::map<CleanupCategory, CleanupScanState>
 scanStates(ScanWorkers& workers, const ScanEnvironment& environment, Deadline deadline);
 

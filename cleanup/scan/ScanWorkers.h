@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/Deadline.h"
+#include "cleanup/scan/BundleSearch.h"
 #include "cleanup/scan/DirectoryMetrics.h"
 
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -43,6 +45,9 @@ public:
     /// The texts under `keys` of the outermost dictionary of each file.
     [[nodiscard]] virtual PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
                                                               std::span<const std::string> keys, Deadline deadline) = 0;
+    /// What the bundles in `places` call themselves. Absent when one of them may have been left out.
+    [[nodiscard]] virtual std::optional<std::set<std::string>>
+    bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places, Deadline deadline) = 0;
 };
 
 } // namespace vantry

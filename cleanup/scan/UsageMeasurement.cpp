@@ -174,11 +174,12 @@ std::map<CleanupCategory, CleanupCategoryMetric> measureCategoryUsage(ScanWorker
     for (const auto& [category, amount] : measureDownloadUsage(workers, environment, deadline))
         metrics[category].occupied = amount;
     metrics[CleanupCategory::macOSInstaller].occupied = measureMacOSInstallerUsage(workers, environment, deadline);
-    for (const auto category : {CleanupCategory::orphan, CleanupCategory::developerBuild,
-                                CleanupCategory::developerArchive, CleanupCategory::deviceBackup})
+    for (const auto category : {CleanupCategory::orphan, CleanupCategory::developerBuild})
         metrics[category].occupied = measureRoots(workers, roots(category), deadline);
     metrics[CleanupCategory::developerCache].occupied =
         measureWhatIsThere(workers, roots(CleanupCategory::developerCache), deadline);
+    for (const auto category : {CleanupCategory::developerArchive, CleanupCategory::deviceBackup})
+        metrics[category].occupied = measureRoots(workers, roots(category), deadline);
     metrics[CleanupCategory::deviceSoftware].occupied = measureMatchingFileUsage(
         workers, roots(CleanupCategory::deviceSoftware), matchedExtensions(CleanupCategory::deviceSoftware), deadline);
 

@@ -39,7 +39,8 @@ measureDownloadUsage(ScanWorkers& workers, const ScanEnvironment& environment, D
 /// value. Negative parts count as 0.
 [[nodiscard]] CleanupByteAmount combineAmounts(std::span<const CleanupByteAmount> amounts);
 
-/// The metric of every category. Crash reports lie in a folder of the logs and are counted there: theirs is 0.
+/// The metric of every category, measured in their order until the one deadline. Crash reports lie in a folder of the
+/// logs and are counted there: theirs is 0.
 [[nodiscard]] std::map<CleanupCategory, CleanupCategoryMetric>
 measureCategoryUsage(ScanWorkers& workers, const ScanEnvironment& environment,
                      std::span<const CleanupCandidate> candidates, Deadline deadline);

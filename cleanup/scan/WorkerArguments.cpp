@@ -40,11 +40,20 @@ WorkerJob propertyListJob(std::span<const std::string> arguments) {
     return PropertyListJob{{keys.begin(), keys.end()}, {files.begin(), files.end()}};
 }
 
+WorkerJob bundleIdentifiersJob(std::span<const std::string> arguments) {
+    if (arguments.size() < 2)
+        return {};
+    const auto folders = arguments.subspan(1);
+    return BundleIdentifiersJob{{.folders = {folders.begin(), folders.end()}, .system = arguments[0]}};
+}
+
 } // namespace
 
 std::optional<WorkerJob> workerJob(std::span<const std::string> arguments) {
     if (!arguments.empty() && arguments[0] == propertyListFlag)
         return propertyListJob(arguments.subspan(1));
+    if (!arguments.empty() && arguments[0] == bundleIdentifiersFlag)
+        return bundleIdentifiersJob(arguments.subspan(1));
     if (arguments.empty() || (arguments[0] != directoryMetricsFlag && arguments[0] != childrenMetricsFlag &&
                               arguments[0] != shallowChildrenFlag))
         return std::nullopt;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cleanup/scan/BundleSearch.h"
+
 #include <chrono>
 #include <optional>
 #include <span>
@@ -15,10 +17,13 @@ namespace vantry::CleanupScanner {
 ///   --shallow-children-worker FOLDER FILE       writes a `ShallowChildrenPayload` to FILE, which becomes 0600
 ///   --property-list-worker COUNT KEY... FILE... writes a `PropertyListPayload` for each FILE to standard output, with
 ///                                               the texts under the COUNT keys, each as soon as the file is read
+///   --bundle-identifiers-worker SYSTEM FOLDER... writes what the bundles in each FOLDER of applications call
+///                                               themselves to standard output, see BundleIdentifiers.h
 inline constexpr const char* directoryMetricsFlag = "--directory-metrics-worker";
 inline constexpr const char* childrenMetricsFlag = "--children-metrics-worker";
 inline constexpr const char* shallowChildrenFlag = "--shallow-children-worker";
 inline constexpr const char* propertyListFlag = "--property-list-worker";
+inline constexpr const char* bundleIdentifiersFlag = "--bundle-identifiers-worker";
 
 struct MeasuringJob {
     std::string folder;
@@ -48,9 +53,16 @@ struct PropertyListJob {
     bool operator==(const PropertyListJob&) const = default;
 };
 
+struct BundleIdentifiersJob {
+    ApplicationPlaces places;
+
+    bool operator==(const BundleIdentifiersJob&) const = default;
+};
+
 /// What a worker is told to do; nothing when its arguments are wrong in number, SECONDS is no plain decimal number
 /// above 0, with a point in every locale, or COUNT is no plain number.
-using WorkerJob = std::variant<std::monostate, MeasuringJob, MeasuringChildrenJob, ListingJob, PropertyListJob>;
+using WorkerJob =
+    std::variant<std::monostate, MeasuringJob, MeasuringChildrenJob, ListingJob, PropertyListJob, BundleIdentifiersJob>;
 
 /// Absent unless the first of `arguments`, the process's without its name, is one of the flags.
 [[nodiscard]] std::optional<WorkerJob> workerJob(std::span<const std::string> arguments);

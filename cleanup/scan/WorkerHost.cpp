@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/UniqueFd.h"
 #include "base/Uuid.h"
+#include "cleanup/scan/BundleIdentifiers.h"
 #include "cleanup/scan/PropertyListReader.h"
 #include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
@@ -126,6 +127,11 @@ ShallowChildren WorkerHost::shallowChildren(const std::filesystem::path& folder,
 PropertyListTexts WorkerHost::propertyListTexts(std::span<const std::filesystem::path> files,
                                                 std::span<const std::string> keys, Deadline deadline) {
     return CleanupScanner::readPropertyLists(environment_.executable, files, keys, deadline, environment_.stopSwitch);
+}
+
+std::optional<std::set<std::string>> WorkerHost::bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places,
+                                                                   Deadline deadline) {
+    return CleanupScanner::readBundleIdentifiers(environment_.executable, places, deadline, environment_.stopSwitch);
 }
 
 std::optional<std::string> WorkerHost::measured(const char* flag, const std::filesystem::path& folder,

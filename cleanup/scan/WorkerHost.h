@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override;
     [[nodiscard]] PropertyListTexts propertyListTexts(std::span<const std::filesystem::path> files,
                                                       std::span<const std::string> keys, Deadline deadline) override;
+    [[nodiscard]] std::optional<std::set<std::string>>
+    bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places, Deadline deadline) override;
 
 private:
     /// The output of a worker that measures `folder`; absent when it did not end well in time.

@@ -36,7 +36,7 @@ bool isControlOf(const CleanupCandidate& candidate, std::string_view identifier)
     return identifier.starts_with(identifierPrefix) && identifier.substr(identifierPrefix.size()) == candidate.uiID;
 }
 
-CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected) {
+CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected, bool sizeIsLowerBound) {
     const auto kind = rowKind(candidate.removalDisposition());
     const auto name = singleLine(candidate.title);
     CandidateRowContent row{.identifier = controlIdentifier(candidate),
@@ -47,8 +47,12 @@ CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selecte
                             .sizeText = "Uses " + byteCountText(candidate.size),
                             .badge = std::string(title(candidate.removalDisposition())),
                             .badgeColor = kind.color,
-                            .path = singleLine(candidate.url.native()),
+                            .tooltip = singleLine(candidate.url.native()),
                             .revealAccessibilityLabel = "Reveal " + name + " in Finder"};
+    if (sizeIsLowerBound) {
+        row.sizeDetail = "At least " + byteCountText(candidate.size) + "; measuring stopped early";
+        row.tooltip += "\n" + row.sizeDetail;
+    }
     if (candidate.canMoveToTrash()) {
         row.selected = selected;
         row.selectionAccessibilityLabel = "Select low-risk file " + name;

@@ -14,6 +14,7 @@ namespace vantry {
 [[nodiscard]] bool isControlOf(const CleanupCandidate& candidate, std::string_view identifier);
 
 /// The row of a candidate; only one that may be moved to the Trash can be `selected`.
-[[nodiscard]] CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected);
+[[nodiscard]] CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected,
+                                               bool sizeIsLowerBound = false);
 
 } // namespace vantry

@@ -57,9 +57,10 @@ struct CandidateRowContent {
     std::string reason;
     std::string note; ///< why it cannot be selected; empty where it can
     std::string sizeText;
+    std::string sizeDetail; ///< for a screen reader: that there is more; empty for a whole size
     std::string badge;
     SystemColor badgeColor = SystemColor::label; ///< of the badge and the symbol
-    std::string path;                            ///< for a tooltip, replacement characters for what is no UTF-8
+    std::string tooltip; ///< the path, with replacement characters for bytes that are not UTF-8, and the size's detail
     std::string revealAccessibilityLabel;
 
     bool operator==(const CandidateRowContent&) const = default;

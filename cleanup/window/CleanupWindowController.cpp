@@ -340,7 +340,7 @@ void CleanupWindowController::renderResults() {
     else if (report_.candidates.empty() || activity_ == Activity::scanning)
         content_.emptyState = emptyState(activity_ == Activity::scanning);
     else
-        content_.sections = filesFoundSections(report_.candidates, selectedPaths_);
+        content_.sections = filesFoundSections(report_, selectedPaths_);
     updateModeControls();
 }
 

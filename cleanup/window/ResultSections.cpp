@@ -17,14 +17,14 @@ CleanupSectionContent sectionOf(const CleanupAreaRow& area) {
 
 } // namespace
 
-std::vector<CleanupSectionContent> filesFoundSections(std::span<const CleanupCandidate> candidates,
-                                                      const SelectedPaths& selected) {
+std::vector<CleanupSectionContent> filesFoundSections(const CleanupScanReport& report, const SelectedPaths& selected) {
     std::vector<CleanupSectionContent> sections;
     for (const auto& row : allCleanupAreas) {
         auto section = sectionOf(row);
-        for (const auto& candidate : candidates)
+        for (const auto& candidate : report.candidates)
             if (area(candidate.category) == row.value)
-                section.candidates.push_back(candidateRow(candidate, selected.contains(candidate.url.native())));
+                section.candidates.push_back(candidateRow(candidate, selected.contains(candidate.url.native()),
+                                                          report.sizeIsLowerBound(candidate)));
         if (section.candidates.empty())
             continue;
         section.trailingText = countText(section.candidates.size(), "item");

@@ -5,13 +5,12 @@
 #include "cleanup/window/SelectionSummary.h"
 
 #include <functional>
-#include <span>
 #include <vector>
 
 namespace vantry {
 
 /// What is found, by area; an area without candidates has no section.
-[[nodiscard]] std::vector<CleanupSectionContent> filesFoundSections(std::span<const CleanupCandidate> candidates,
+[[nodiscard]] std::vector<CleanupSectionContent> filesFoundSections(const CleanupScanReport& report,
                                                                     const SelectedPaths& selected);
 
 /// Every avenue of the catalog, by area. `button` makes the button of an action.

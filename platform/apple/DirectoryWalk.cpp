@@ -1,6 +1,7 @@
 #include "platform/DirectoryWalk.h"
 
 #include "base/UniqueFd.h"
+#include "platform/ItemFacts.h"
 
 #include <algorithm>
 #include <bit>
@@ -24,7 +25,6 @@ namespace vantry {
 namespace {
 
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-constexpr std::int64_t statBlockSize = 512; // whatever the file system's own is
 
 // While this lives, its thread does not make the system fetch what is only in the cloud: to look at a file must not
 // download it. What would have to be fetched fails with EDEADLK.
@@ -167,11 +167,9 @@ private:
     std::vector<DirectoryEntry> entries_;
 };
 
-// What is not there any more, is not ours to read, is no folder or is only in the cloud is passed over; anything else
-// cuts the walk short.
+// An entry that cannot be read is passed over. Not so when it is this process that cannot: there is more to be seen.
 bool mayBePassedOver(int errorNumber) {
-    return errorNumber == EACCES || errorNumber == EPERM || errorNumber == ENOENT || errorNumber == ENOTDIR ||
-           errorNumber == ELOOP || errorNumber == EDEADLK;
+    return errorNumber != EMFILE && errorNumber != ENFILE && errorNumber != ENOMEM;
 }
 
 void addFile(TreeTotals& totals, std::int64_t allocatedBytes, std::optional<SystemTime> modification) {
@@ -192,6 +190,7 @@ public:
 
     [[nodiscard]] TreeTotals from(UniqueFd root) {
         totals_.complete = true;
+        device_ = deviceOf(root);
         enter("", std::move(root));
         while (!path_.empty()) {
             if (hasPassed(deadline_)) {
@@ -274,10 +273,10 @@ private:
         std::string name = std::move(folder.folders.back());
         folder.folders.pop_back();
         UniqueFd fd(openat(folder.fd.get(), name.c_str(), openFlags));
-        if (fd)
-            enter(std::move(name), std::move(fd));
-        else
+        if (!fd)
             missed(errno);
+        else if (deviceOf(fd) == device_) // else another file system is mounted there
+            enter(std::move(name), std::move(fd));
     }
 
     void missed(int errorNumber) { totals_.complete = totals_.complete && mayBePassedOver(errorNumber); }
@@ -342,7 +341,13 @@ private:
         return Identity{facts.st_dev, facts.st_ino};
     }
 
+    static std::optional<dev_t> deviceOf(const UniqueFd& fd) {
+        const auto identity = identityOf(fd);
+        return identity ? std::optional(identity->device) : std::nullopt;
+    }
+
     Deadline deadline_;
+    std::optional<dev_t> device_; ///< of the root
     TreeTotals totals_;
     DirectoryReader reader_;
     std::vector<Folder> path_;
@@ -374,22 +379,24 @@ Result<std::vector<std::string>> namesIn(const std::filesystem::path& folder, Wa
 // One thread walks it all.
 TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
                     const std::shared_ptr<SpareThreads>& /*helpers*/) {
-    struct stat facts = {};
-    if (lstat(path.c_str(), &facts) != 0)
-        return {};
-    if (S_ISREG(facts.st_mode)) {
+    const auto facts = readItemFacts(path);
+    if (facts && facts->kind == ItemFacts::Kind::regularFile) {
         TreeTotals totals{.complete = true};
-        std::int64_t bytes = 0;
-        if (__builtin_mul_overflow(facts.st_blocks, statBlockSize, &bytes))
-            bytes = std::numeric_limits<std::int64_t>::max();
-        addFile(totals, bytes, systemTimeFromUnix(facts.st_mtimespec.tv_sec, facts.st_mtimespec.tv_nsec));
+        addFile(totals, facts->allocatedBytes.value_or(0), facts->contentModificationDate);
         return totals;
     }
-    if (hasPassed(deadline) || !S_ISDIR(facts.st_mode))
+    if (!facts || hasPassed(deadline) || facts->kind != ItemFacts::Kind::folder)
         return {};
     const NothingIsFetched nothingIsFetched;
     UniqueFd root(open(path.c_str(), openFlags));
     return root ? Walk(deadline).from(std::move(root)) : TreeTotals{};
+}
+
+bool isMountPoint(const std::filesystem::path& path) {
+    struct stat item = {};
+    struct stat folder = {};
+    return lstat(path.c_str(), &item) == 0 && stat(path.parent_path().c_str(), &folder) == 0 &&
+           item.st_dev != folder.st_dev;
 }
 
 Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {

@@ -1,29 +1,59 @@
-#include "platform/ItemFacts.h"
+#include "platform/FoundItem.h"
 
 #include "base/Utf8.h"
 #include "platform/apple/FoundationValues.h"
 
 #include <Foundation/Foundation.h>
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace vantry {
 
 namespace {
 
-// The figures of the resource values, since those are what a file's size is compared with before it is moved.
-std::optional<std::int64_t> allocatedBytes(const std::filesystem::path& path) {
-    @autoreleasepool {
-        NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
-        NSDictionary<NSURLResourceKey, id>* values =
-            [url resourceValuesForKeys:@[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ] error:nil];
-        for (NSURLResourceKey key in @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ])
-            if (id value = values[key]; [value isKindOfClass:[NSNumber class]])
-                return [value longLongValue];
+std::optional<SystemTime> dateIn(id value) {
+    if (![value isKindOfClass:[NSDate class]])
         return std::nullopt;
-    }
+    constexpr std::int64_t referenceDate = 978'307'200; // 2001, from which the dates count
+    constexpr double faraway = 1e12;                    // seconds; far outside what SystemTime holds
+    const double interval = std::clamp([value timeIntervalSinceReferenceDate], -faraway, faraway);
+    const double seconds = std::floor(interval);
+    const auto nanoseconds = std::min(std::lround((interval - seconds) * 1e9), 999'999'999L);
+    return systemTimeFromUnix(referenceDate + static_cast<std::int64_t>(seconds), nanoseconds);
+}
+
+std::optional<std::string> descriptionOf(id value) {
+    if (!value)
+        return std::nullopt;
+    return textFromFoundation([value description]);
+}
+
+// A new URL for each request: a URL object remembers the values that it once answered.
+NSDictionary<NSURLResourceKey, id>* resourceValues(const std::filesystem::path& path, NSArray<NSURLResourceKey>* keys) {
+    NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
+    return [url resourceValuesForKeys:keys error:nil];
+}
+
+// The figures of the resource values, since those are what a file's size is compared with before it is moved.
+std::optional<std::int64_t> allocatedBytes(NSDictionary<NSURLResourceKey, id>* values) {
+    for (NSURLResourceKey key in @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ])
+        if (id value = values[key]; [value isKindOfClass:[NSNumber class]])
+            return [value longLongValue];
+    return std::nullopt;
+}
+
+ItemFacts::Kind kindIn(NSDictionary<NSURLResourceKey, id>* values) {
+    const auto is = [&](NSURLResourceKey key) {
+        id value = values[key];
+        return [value isKindOfClass:[NSNumber class]] && [value boolValue];
+    };
+    return is(NSURLIsSymbolicLinkKey)  ? ItemFacts::Kind::symbolicLink
+           : is(NSURLIsRegularFileKey) ? ItemFacts::Kind::regularFile
+           : is(NSURLIsDirectoryKey)   ? ItemFacts::Kind::folder
+                                       : ItemFacts::Kind::other;
 }
 
 } // namespace
@@ -39,8 +69,39 @@ Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
                                          : ItemFacts::Kind::other;
     facts.contentModificationDate = systemTimeFromUnix(said.st_mtimespec.tv_sec, said.st_mtimespec.tv_nsec);
     if (facts.kind == ItemFacts::Kind::regularFile)
-        facts.allocatedBytes = allocatedBytes(path);
+        @autoreleasepool {
+            facts.allocatedBytes =
+                allocatedBytes(resourceValues(path, @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ]));
+        }
     return facts;
+}
+
+// One request answers everything; `lstat` only says why there is no answer.
+Result<FoundItem> readFoundItem(const std::filesystem::path& path,
+                                const std::function<bool(const ItemFacts&)>& isWanted) {
+    struct stat said = {};
+    if (lstat(path.c_str(), &said) != 0)
+        return std::unexpected(errorFromErrno(errno));
+    @autoreleasepool {
+        NSArray<NSURLResourceKey>* keys = @[
+            NSURLIsSymbolicLinkKey, NSURLIsRegularFileKey, NSURLIsDirectoryKey, NSURLContentModificationDateKey,
+            NSURLFileResourceIdentifierKey, NSURLVolumeIdentifierKey, NSURLTotalFileAllocatedSizeKey,
+            NSURLFileAllocatedSizeKey
+        ];
+        NSDictionary<NSURLResourceKey, id>* values = resourceValues(path, keys);
+        if (!values)
+            return std::unexpected(Error{ErrorKind::system, "The item could not be looked at."});
+        FoundItem item;
+        item.facts.kind = kindIn(values);
+        item.facts.contentModificationDate = dateIn(values[NSURLContentModificationDateKey]);
+        if (item.facts.kind == ItemFacts::Kind::regularFile)
+            item.facts.allocatedBytes = allocatedBytes(values);
+        if (isWanted(item.facts))
+            item.fingerprint = {.contentModificationDate = item.facts.contentModificationDate,
+                                .resourceIdentifier = descriptionOf(values[NSURLFileResourceIdentifierKey]),
+                                .volumeIdentifier = descriptionOf(values[NSURLVolumeIdentifierKey])};
+        return item;
+    }
 }
 
 FolderAccess folderAccess(const std::filesystem::path& path) {
@@ -58,19 +119,6 @@ FolderAccess folderAccess(const std::filesystem::path& path) {
     if (!S_ISDIR(facts.st_mode))
         return FolderAccess::none;
     return access(path.c_str(), R_OK) == 0 ? FolderAccess::readable : FolderAccess::unreadable;
-}
-
-bool isReadableFile(const std::filesystem::path& path) {
-    struct stat facts = {};
-    return stat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) && access(path.c_str(), R_OK) == 0;
-}
-
-Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
-    std::error_code error;
-    auto resolved = std::filesystem::canonical(path, error);
-    if (error)
-        return std::unexpected(errorFromErrno(error.value()));
-    return resolved;
 }
 
 std::string displayName(const std::filesystem::path& path) {

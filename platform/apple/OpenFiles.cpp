@@ -13,12 +13,13 @@ namespace {
 
 constexpr std::chrono::seconds longestListing{2};
 constexpr std::size_t largestOutput = 16 << 20;
+constexpr int incomplete = 1; // the status of lsof when it could not tell everything that it was asked for
 
 } // namespace
 
 std::vector<std::filesystem::path> openFilesOfProcess(int process) {
     const auto output = programOutput("/usr/sbin/lsof", {"-Fn", "-p", std::to_string(process)}, largestOutput,
-                                      deadlineIn(longestListing));
+                                      deadlineIn(longestListing), incomplete);
     return output ? pathsInLsofOutput(*output) : std::vector<std::filesystem::path>();
 }
 

@@ -4,6 +4,7 @@
 #include "platform/ItemFacts.h"
 #include "platform/ProgramOutput.h"
 #include "platform/UserSession.h"
+#include "platform/linux/LinkTargets.h"
 #include "platform/linux/WallpaperSettings.h"
 
 #include <array>

@@ -43,6 +43,8 @@ bool mayBePassedOver(int errorNumber) {
     return errorNumber != EMFILE && errorNumber != ENFILE && errorNumber != ENOMEM;
 }
 
+bool isMountRoot(const struct statx& facts) { return (facts.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0; }
+
 // How much of a folder to read at a time. The more folders still have to be walked, the fewer are added to them, so
 // that a tree that is both deep and wide fits into a few megabytes.
 ssize_t pieceSize(std::size_t tasks) {
@@ -198,6 +200,8 @@ private:
         struct statx facts;
         if (statx(folder->fd.get(), entry.name, statxFlags, statxMask, &facts) != 0)
             missed(errno);
+        else if (isMountRoot(facts))
+            return; // of another file system
         else if (S_ISREG(facts.stx_mode))
             tally_.add(facts);
         else if (S_ISDIR(facts.stx_mode) && entry.kind == EntryKind::unknown)
@@ -347,6 +351,11 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
         return {};
     UniqueFd root(open(path.c_str(), folderOpenFlags));
     return root ? walkFolder(std::move(root), deadline, helpers) : TreeTotals{};
+}
+
+bool isMountPoint(const std::filesystem::path& path) {
+    struct statx facts;
+    return statx(AT_FDCWD, path.c_str(), statxFlags, STATX_TYPE, &facts) == 0 && isMountRoot(facts);
 }
 
 Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {

@@ -1,7 +1,5 @@
 #include "platform/FileFingerprint.h"
 
-#include "platform/linux/PromptLookup.h"
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -70,13 +68,6 @@ FileFingerprint readFileFingerprint(int fd) {
     fingerprint.resourceIdentifier = resourceIdentifier(fileHandle(fd), facts);
     fingerprint.volumeIdentifier = volumeIdentifier(facts);
     return fingerprint;
-}
-
-FileFingerprint readFileFingerprint(const std::filesystem::path& path) {
-    // One descriptor, so that all the answers are about one file.
-    const std::filesystem::path item = path.has_filename() ? path : path.parent_path();
-    const auto fd = openPromptly(item, FinalLink::isOpened);
-    return fd ? readFileFingerprint(fd->get()) : FileFingerprint();
 }
 
 } // namespace vantry

@@ -1,6 +1,7 @@
-#include "platform/ItemFacts.h"
+#include "platform/FoundItem.h"
 
 #include "base/Utf8.h"
+#include "platform/linux/LinkTargets.h"
 #include "platform/linux/PromptLookup.h"
 
 #include <algorithm>
@@ -55,17 +56,10 @@ bool mayRead(int fd, const struct statx& facts) {
 // That somebody would have to be waited for is a kind of its own.
 Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN ? ETIMEDOUT : errorNumber); }
 
-} // namespace
-
-Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
-    constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_BLOCKS;
+// Of the item that `fd` is, or stands at `path`, by `flags`.
+Result<ItemFacts> factsOf(int fd, const char* path, int flags) {
     struct statx said = {};
-    const auto fd = openPromptly(path, FinalLink::isOpened);
-    const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then by its path
-    if (!fd && !noneLeft)
-        return std::unexpected(lookupError(fd.error()));
-    if (noneLeft ? statx(AT_FDCWD, path.c_str(), byPath, wanted, &said) != 0
-                 : statx(fd->get(), "", ofItem, wanted, &said) != 0)
+    if (statx(fd, path, flags, STATX_TYPE | STATX_MTIME | STATX_BLOCKS, &said) != 0)
         return std::unexpected(lookupError(errno));
     ItemFacts facts;
     if ((said.stx_mask & STATX_TYPE) != 0)
@@ -76,6 +70,25 @@ Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     if ((said.stx_mask & STATX_BLOCKS) != 0 && !__builtin_mul_overflow(said.stx_blocks, bytesPerBlock, &bytes))
         facts.allocatedBytes = bytes;
     return facts;
+}
+
+} // namespace
+
+Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
+    const auto item = readFoundItem(path, [](const ItemFacts&) { return false; });
+    return item ? Result<ItemFacts>(item->facts) : std::unexpected(item.error());
+}
+
+Result<FoundItem> readFoundItem(const std::filesystem::path& path,
+                                const std::function<bool(const ItemFacts&)>& isWanted) {
+    const auto fd = openPromptly(path, FinalLink::isOpened);
+    const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then by its path
+    if (!fd && !noneLeft)
+        return std::unexpected(lookupError(fd.error()));
+    const auto facts = noneLeft ? factsOf(AT_FDCWD, path.c_str(), byPath) : factsOf(fd->get(), "", ofItem);
+    if (!facts)
+        return std::unexpected(facts.error());
+    return FoundItem{*facts, isWanted(*facts) && fd ? readFileFingerprint(fd->get()) : FileFingerprint()};
 }
 
 FolderAccess folderAccess(const std::filesystem::path& path) {

@@ -7,10 +7,12 @@
 #include <deque>
 #include <expected>
 #include <fcntl.h>
+#include <linux/openat2.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -18,6 +20,18 @@
 namespace vantry {
 
 inline constexpr int folderOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+/// Opens the folder `name` in the folder `parent`; what is mounted there is refused, with EXDEV. Kernels before 5.6 and
+/// sandboxes that do not know the call open it as well.
+[[nodiscard]] inline UniqueFd openFolderIn(int parent, const char* name) {
+    open_how how = {};
+    how.flags = folderOpenFlags;
+    how.resolve = RESOLVE_NO_XDEV;
+    UniqueFd fd(static_cast<int>(syscall(SYS_openat2, parent, name, &how, sizeof how)));
+    if (!fd && (errno == ENOSYS || errno == EPERM))
+        fd.reset(openat(parent, name, folderOpenFlags));
+    return fd;
+}
 
 /// A folder of a tree that is being walked. Its descriptor may be closed for want of others, see `OpenFolders`; one
 /// without a parent stays open.
@@ -66,7 +80,7 @@ public:
             closed.push_back(next);
         }
         for (auto next = closed.rbegin(); next != closed.rend(); ++next) {
-            UniqueFd fd(openat((*next)->parent->fd.get(), (*next)->name.c_str(), folderOpenFlags));
+            UniqueFd fd = openFolderIn((*next)->parent->fd.get(), (*next)->name.c_str());
             if (!fd || ((*next)->identity && !isThatOne(fd, **next)))
                 return std::unexpected(FolderNotOpened{errno, (*next)->identity.has_value()});
             keep(*next, std::move(fd));

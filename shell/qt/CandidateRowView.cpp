@@ -27,7 +27,7 @@ int textWidth(int width) { return amountRight(width) - amountWidth - columnGap -
 // What a screen reader says after the title.
 QString descriptionOf(const CandidateRowContent& content) {
     QStringList parts{qString(content.reason), qString(content.note), qString(content.sizeText),
-                      qString(content.badge)};
+                      qString(content.sizeDetail), qString(content.badge)};
     parts.removeAll(QString());
     return parts.join(QStringLiteral(" · "));
 }
@@ -58,7 +58,7 @@ void CandidateRowView::setContent(const Content& content) {
     const QString description = descriptionOf(content);
     setAccessibleName(qString(content.title));
     setAccessibleDescription(description);
-    setToolTip(plainToolTip(qString(content.path)));
+    setToolTip(plainToolTip(qString(content.tooltip)));
     if (content.symbolName.empty() && !checkBox_) {
         checkBox_ = new RowCheckBox(this);
         checkBox_->lower(); // screen readers meet it first, as eyes do

@@ -162,6 +162,7 @@ TEST(ReportJson, IsOneLineWithEveryField) {
                                                   {"area", "Temporary App Files"},
                                                   {"reason", "Because."},
                                                   {"sizeBytes", 2'000'000},
+                                                  {"sizeIsLowerBound", false},
                                                   {"confidence", "Low Risk"},
                                                   {"disposition", "Low Risk"},
                                                   {"modifiedAt", "2023-11-14T22:13:20Z"}}}));
@@ -172,6 +173,15 @@ TEST(ReportJson, IsOneLineWithEveryField) {
                                                            {"reviewableItemCount", 1}}));
     EXPECT_EQ(object["categories"]["Temporary App Files"]["occupied"], Json({{"kind", "unavailable"}}));
     EXPECT_EQ(object["categories"]["Old Crash Reports"]["occupied"], Json({{"kind", "exact"}, {"bytes", 1000}}));
+}
+
+TEST(ReportJson, SaysWhichSizesAreLowerBounds) {
+    auto scanned = report({candidate("/a", CleanupCategory::log, 1), candidate("/b", CleanupCategory::log, 1)});
+    scanned.incompletePaths = {"/b"};
+    const auto object = Json::parse(reportJson(scanned));
+    EXPECT_EQ(object["candidates"][0]["sizeIsLowerBound"], false);
+    EXPECT_EQ(object["candidates"][1]["sizeIsLowerBound"], true);
+    EXPECT_THAT(textOf(scanned), HasSubstr("At least 1 byte; measuring stopped early"));
 }
 
 TEST(ReportJson, WithoutAVolumeOrADateHasNullThere) {

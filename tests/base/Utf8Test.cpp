@@ -41,5 +41,12 @@ TEST(Utf8, WhatIsMalformedIsReplacedByteByByteAndTheRestKept) {
               "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbdz");
 }
 
+TEST(Utf8, CharactersAreCountedAsPeopleDoAndNotByTheirBytes) {
+    EXPECT_EQ(characterCount(""), 0U);
+    EXPECT_EQ(characterCount("abc"), 3U);
+    EXPECT_EQ(characterCount("é€\xf0\x9f\x98\x80"), 3U);
+    EXPECT_EQ(characterCount("\xff\xe2\x82z"), 4U) << "what is malformed counts byte by byte";
+}
+
 } // namespace
 } // namespace vantry

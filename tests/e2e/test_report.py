@@ -3,6 +3,7 @@
 import json
 import os
 import pty
+import re
 import shutil
 import signal
 import subprocess
@@ -118,6 +119,121 @@ class Report(unittest.TestCase):
             process.send_signal(signal.SIGTERM)
             self.assertIn(process.wait(timeout=60), (-signal.SIGTERM, 0))
             self.assertEqual(list(self.temporary.iterdir()), [])
+
+
+PLIST = ('<?xml version="1.0"?><plist version="1.0"><dict><key>CFBundleIdentifier</key><string>com.example.{0}</string>'
+         '<key>GUID</key><string>device</string></dict></plist>')
+OPENED = re.compile(r'\b(?:open|openat|openat2|creat)\((.*)\) += \d+<([^>]*)>')
+
+
+@unittest.skipUnless(shutil.which("strace"), "there is no strace")
+class NothingPersonal(unittest.TestCase):
+    """What a scan opens in homes whose owner, or whose enemy, put links where lists and folders are expected."""
+
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="ombrel-e2e-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.home = self.folder / "home"
+        (self.folder / "temporary").mkdir()
+        self.make_home()
+
+    def make_home(self):
+        shutil.rmtree(self.home, ignore_errors=True)
+        (self.home / "Library/Saved Application State/com.example.gone.savedState").mkdir(parents=True)
+        self.write("Documents/diary.txt", "Dear diary")
+        self.write("Documents/Info.plist", PLIST.format("personal"))
+        self.write("Applications/Good.app/Contents/Info.plist", PLIST.format("good"))
+        for backup in ("first", "second"):
+            self.write(f"Library/Application Support/MobileSync/Backup/{backup}/Info.plist", PLIST.format(backup))
+
+    def write(self, path, text):
+        (self.home / path).parent.mkdir(parents=True, exist_ok=True)
+        (self.home / path).write_text(text)
+
+    def link(self, path, target):
+        (self.home / path).parent.mkdir(parents=True, exist_ok=True)
+        (self.home / path).symlink_to(target if target.startswith(".") else self.home / target)
+
+    def opened_for_reading(self):
+        """The files, folders left out, below the home folder, by the paths that the kernel knows them by."""
+        log = self.folder / "log"
+        result = subprocess.run(
+            ["strace", "-f", "-y", "-qq", "-s", "4096", "-o", log, "-e", "trace=open,openat,openat2,creat", PROGRAM,
+             "--report=json"],
+            env={"PATH": os.environ["PATH"], "HOME": str(self.home), "TMPDIR": str(self.folder / "temporary"),
+                 "LANG": "C.UTF-8"},
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=120)
+        self.assertEqual(result.returncode, 0)
+        self.report = json.loads(result.stdout)
+        opened = [match.groups() for match in map(OPENED.search, log.read_text().splitlines()) if match]
+        self.looked_up = [path for arguments, path in opened if "O_PATH" in arguments]
+        read = [Path(path) for arguments, path in opened if "O_PATH" not in arguments]
+        return [path.relative_to(self.home) for path in read if path.is_relative_to(self.home) and not path.is_dir()]
+
+    def check(self):
+        opened = self.opened_for_reading()
+        for path in opened:
+            self.assertEqual(path.name, "Info.plist", path)
+            self.assertTrue((self.home / path).is_file(), path)
+            holders = [parent.suffix for parent in path.parents]
+            self.assertTrue({".app", ".framework"} & {*holders} or "Backup" in path.parts, path)
+        return [str(path) for path in opened]
+
+    def test_of_an_ordinary_home_only_the_lists_of_bundles_and_backups_are_read(self):
+        self.write("Applications/Suite/Inner.app/Contents/Frameworks/Kit.framework/Versions/A/Resources/Info.plist",
+                   PLIST.format("kit"))
+        self.link("Applications/Suite/Inner.app/Contents/Frameworks/Kit.framework/Versions/Current", "./A")
+        self.link("Applications/Suite/Inner.app/Contents/Frameworks/Kit.framework/Resources", "./Versions/Current/Resources")
+        backups = "Library/Application Support/MobileSync/Backup"
+        kit = "Applications/Suite/Inner.app/Contents/Frameworks/Kit.framework/Versions/A/Resources/Info.plist"
+        self.assertEqual(sorted(self.check()), sorted(["Applications/Good.app/Contents/Info.plist", kit,
+                                                       f"{backups}/first/Info.plist", f"{backups}/second/Info.plist"]))
+        self.assertEqual([found["title"] for found in self.report["candidates"] if found["category"] == "Old Window Data"],
+                         ["com.example.gone"])
+
+    def test_links_to_personal_files_and_folders_are_not_followed(self):
+        backups = "Library/Application Support/MobileSync/Backup"
+        hostile = [("Applications/Evil.app/Contents/Info.plist", "Documents/diary.txt"),
+                   ("Applications/Evil.app/Contents/Info.plist", "Documents/Info.plist"),
+                   ("Applications/Evil.app/Contents", "Documents"),
+                   ("Applications/Evil.app", "Documents"),
+                   ("Applications/Evil", "Documents"),
+                   ("Applications/Good.app/Contents/Frameworks", "Documents"),
+                   ("Applications/Good.app/Contents/Frameworks/Kit.framework", "Documents"),
+                   ("Applications/Good.app/Contents/Frameworks/Kit.framework/Resources", "Documents"),
+                   (f"{backups}/third/Info.plist", "Documents/diary.txt"),
+                   (f"{backups}/third", "Documents"),
+                   ("Library/iTunes/iPhone Software Updates", "Documents"),
+                   ("Library/Caches", "Documents"),
+                   ("Library/Caches/app", "Documents"),
+                   ("Library/Logs", "Documents"),
+                   ("Library/Logs/diary.log", "Documents/diary.txt"),
+                   ("Downloads", "Documents"),
+                   ("Downloads/diary.dmg", "Documents/diary.txt"),
+                   (".npm/_cacache", "Documents")]
+        for path, target in hostile:
+            with self.subTest(path=path, target=target):
+                self.make_home()
+                self.link(path, target)
+                self.assertFalse([opened for opened in self.check() if opened.startswith("Documents/")])
+
+    def test_a_list_that_is_another_file_of_its_bundle_or_no_file_is_not_read(self):
+        contents = self.home / "Applications/Odd.app/Contents"
+        self.write("Applications/Odd.app/Contents/notes.txt", "notes")
+        self.link("Applications/Odd.app/Contents/Info.plist", "./notes.txt")
+        self.assertNotIn("Applications/Odd.app/Contents/notes.txt", self.check())
+        (contents / "Info.plist").unlink()
+        os.mkfifo(contents / "Info.plist")
+        self.assertNotIn("Applications/Odd.app/Contents/Info.plist", self.check())
+
+    def test_what_is_personal_is_only_looked_up(self):
+        """Files that may be offered are opened for their paths alone, folders that are measured are listed."""
+        for path in ("Downloads/old.dmg", "Library/Logs/old.log", "Library/Caches/app/secret", ".npm/_cacache/secret"):
+            self.write(path, "x" * 6_000_000)
+            os.utime(self.home / path, (1, 1))
+        os.utime(self.home / "Library/Caches/app", (1, 1))
+        self.check()
+        self.assertIn(str(self.home / "Downloads/old.dmg"), self.looked_up)
 
 
 if __name__ == "__main__":

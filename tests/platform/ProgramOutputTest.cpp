@@ -39,6 +39,16 @@ TEST(ProgramOutput, IsNoneOfAProgramThatEndsBadlyOrIsNotThere) {
     EXPECT_EQ(programOutput("/no/such/program", {}, enough, deadlineIn(20s)), std::nullopt);
 }
 
+TEST(ProgramOutput, OfAProgramThatMayEndBadlyIsWhatItWrote) {
+    const auto output = [](const char* script) {
+        return programOutput("/bin/sh", {"-c", script}, enough, deadlineIn(20s), 1);
+    };
+    EXPECT_EQ(output("echo one; exit 1"), "one\n");
+    EXPECT_EQ(output("echo one"), "one\n");
+    EXPECT_EQ(output("echo one; exit 2"), std::nullopt);
+    EXPECT_EQ(output("echo one; kill -9 $$"), std::nullopt);
+}
+
 TEST(ProgramOutput, IsNoneWhenItIsTooMuch) {
     EXPECT_EQ(outputOf("printf 12345", 5), "12345");
     EXPECT_EQ(outputOf("printf 123456", 5), std::nullopt);

@@ -1,5 +1,6 @@
 #include "cleanup/model/CleanupCandidate.h"
 
+#include "platform/FoundItem.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

@@ -71,6 +71,7 @@ TEST(CleanupScanReport, EveryFieldCountsForEqualityAndHash) {
         [](CleanupScanReport& changed) { changed.storageSnapshot->availableBytes = 41; },
         [](CleanupScanReport& changed) { changed.storageSnapshot = std::nullopt; },
         [](CleanupScanReport& changed) { changed.duration = std::chrono::duration<double>(1.25); },
+        [](CleanupScanReport& changed) { changed.incompletePaths.insert("/x"); },
     };
     const CleanupScanReport made = report();
     for (std::size_t i = 0; i < changes.size(); ++i) {

@@ -188,6 +188,39 @@ TEST_F(ScanReport, AHomeWhosePlacesAllHangSaysSoEverywhere) {
         EXPECT_EQ(metric.occupied.isExact(), category == CleanupCategory::crashReport) << rawValue(category);
 }
 
+TEST_F(ScanReport, WhatWasCutShortIsALowerBoundAndWhatWasNotMeasuredIsNotOffered) {
+    std::vector<std::filesystem::path> folders;
+    const auto made = [&](const std::string& path) { folders.push_back(folderWithFile(path, 4096, days(200))); };
+    for (const char* name : {"cut", "unknown", "whole"}) {
+        made(std::string("Library/Caches/") + name);
+        made(std::string("Library/Saved Application State/com.example.") + name + ".savedState");
+        made((applications() / ("Install macOS " + std::string(name) + ".app")).native());
+        made(std::string("Library/Application Support/MobileSync/Backup/12345678901234567890-") + name);
+        made(std::string("Library/Developer/Xcode/Archives/") + name);
+    }
+    folderWithFile("Library/Application Support/MobileSync/Backup/12345678901234567890-new", 4096, days(1));
+    for (const char* place : {".npm/_cacache", ".gradle/caches"})
+        made(place);
+    constexpr std::int64_t large = 300 * mebibyte;
+    std::set<std::string> cut;
+    for (const auto& folder : folders) {
+        const auto name = folder.filename().native();
+        const bool isCut = name.find("cut") != std::string::npos || name == "caches";
+        const bool isUnknown = name.find("unknown") != std::string::npos || name == "_cacache";
+        workers.metrics[folder] = {isUnknown ? 0 : large, now - days(200), !isCut && !isUnknown};
+        if (isCut)
+            cut.insert(folder.native());
+    }
+    file("Downloads/old.dmg", 6 * mebibyte, days(200));
+    const auto report = scan(environment, workers, {});
+    EXPECT_EQ(report.incompletePaths, cut);
+    EXPECT_EQ(report.candidates.size(), 12U) << "two of each of five kinds, the folder of a tool, and a file";
+    for (const auto& found : report.candidates) {
+        EXPECT_EQ(found.url.native().find("unknown"), std::string::npos) << found.url;
+        EXPECT_EQ(report.sizeIsLowerBound(found), cut.contains(found.url.native())) << found.url;
+    }
+}
+
 TEST_F(ScanReport, WhatWasMeasuredAheadIsNotMeasuredAgain) {
     workers.measuresAhead = true;
     folderWithFile("Library/Caches/one", 30 * mebibyte, days(40));

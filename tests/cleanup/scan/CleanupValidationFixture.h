@@ -2,6 +2,7 @@
 
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/scan/CleanupValidation.h"
+#include "platform/FoundItem.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // Somebody exchanges the file, its folder or a folder above while it is validated. An answer is wrong when it says that
 // the item may move and what is then held is another one, or lies in another folder.
 
+#include "platform/FoundItem.h"
 #include "tests/cleanup/scan/CleanupValidationFixture.h"
 
 #include <algorithm>

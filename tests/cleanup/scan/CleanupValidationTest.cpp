@@ -1,6 +1,7 @@
 #include "cleanup/scan/CleanupValidation.h"
 
 #include "cleanup/scan/CleanupPlaces.h"
+#include "platform/FoundItem.h"
 #include "tests/cleanup/scan/CleanupValidationFixture.h"
 
 #include <chrono>
@@ -404,6 +405,19 @@ TEST_F(CleanupValidation, APathWithoutLinksHasNoneInAnyComponent) {
           logs / "broken", logs / "missing", logs / "missing/file", file / "below", home / "linked",
           home / "linked/Logs", home / "linked/Logs/file", logs / "link/below"})
         EXPECT_FALSE(pathHasNoSymbolicLinkComponents(path)) << path;
+}
+
+TEST_F(CleanupValidation, APathLeadsThroughALinkThatIsAnyOfItsComponents) {
+    using CleanupScanner::leadsThroughLink;
+    makeOld(logs / "file");
+    fs::create_symlink("file", logs / "link");
+    fs::create_symlink("nowhere", logs / "broken");
+    fs::create_directory_symlink("Library", home / "linked");
+    for (const fs::path& path : {logs / "link", logs / "link/", logs / "broken", home / "linked", home / "linked/Logs",
+                                 home / "linked/missing", home / "linked/Logs/../Logs/file"})
+        EXPECT_TRUE(leadsThroughLink(path)) << path;
+    for (const fs::path& path : {fs::path("/"), root, logs / "file", logs / "missing/file", logs / "link/../file"})
+        EXPECT_FALSE(leadsThroughLink(path)) << path;
 }
 
 TEST_F(CleanupValidation, ASafeCandidateLiesBelowItsRootAndIsNoLink) {

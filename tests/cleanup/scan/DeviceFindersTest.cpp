@@ -63,6 +63,8 @@ TEST_F(DeviceBackups, WithoutTheKeysTheIdentityIsTheLongBeginOfTheName) {
         {"1234567890123456789-0", std::nullopt},
         {"-12345678901234567890", std::nullopt},
         {"123456789012345678901-", "123456789012345678901"},
+        {"äöüäöüäöüäöüäöüäöüä", std::nullopt}, // 19, in twice as many bytes
+        {"äöüäöüäöüäöüäöüäöüäö-1", "äöüäöüäöüäöüäöüäöüäö"},
     };
     for (const auto& [name, identity] : cases) {
         EXPECT_EQ(deviceBackupIdentity(std::filesystem::path("/backups") / name, std::nullopt), identity) << name;

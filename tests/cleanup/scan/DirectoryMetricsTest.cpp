@@ -1,6 +1,7 @@
 #include "cleanup/scan/DirectoryMetrics.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/MountedFolder.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -150,6 +151,22 @@ TEST(ChildrenMetricsInProcess, LeaveOutWhatThereWasNoTimeFor) {
     std::filesystem::create_directory(root / "a");
     writeFile(root / "a/one", "1");
     EXPECT_EQ(childrenMetricsInProcess(root.path(), Deadline::min()), ChildrenMetrics{});
+}
+
+TEST(ChildrenMetricsInProcess, AreWithoutFileSystemsThatAreMountedThere) {
+    const TemporaryFolder root;
+    const MountedFolder mounted(root / "mounted");
+    if (!mounted)
+        GTEST_SKIP() << "no right to mount a file system";
+    writeFile(root / "mounted/file", std::string(10'000, '1'));
+    std::filesystem::create_directory(root / "own");
+    writeFile(root / "own/file", std::string(10'000, '1'));
+    ChildrenMetrics metrics;
+    for (int attempt = 0; attempt < 20 && !metrics.whole.complete; ++attempt)
+        metrics = childrenMetricsInProcess(root.path(), deadlineIn(1min));
+    EXPECT_TRUE(metrics.whole.complete);
+    EXPECT_EQ(metrics.whole.size, allocated(root / "own/file"));
+    EXPECT_EQ(metrics.children.size(), 1U);
 }
 
 TEST(ChildrenMetricsInProcess, OfWhatIsNoFolderAreNothing) {

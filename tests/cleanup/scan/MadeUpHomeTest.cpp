@@ -1,5 +1,6 @@
 #include "cleanup/scan/CleanupPlaces.h"
 #include "cleanup/scan/CleanupScanner.h"
+#include "cleanup/scan/CleanupValidation.h"
 #include "platform/ChildProcess.h"
 #include "tests/cleanup/scan/ScanFixture.h"
 #include "tests/support/RecordedPolls.h"
@@ -170,6 +171,31 @@ TEST_F(MadeUpHome, WithLinksInThePlacesOfItsItemsOffersNone) {
     EXPECT_EQ(report.states.at(CleanupCategory::cache), CleanupScanState::checked);
     EXPECT_EQ(report.metrics.at(CleanupCategory::cache).occupied, CleanupByteAmount::exact(0));
     EXPECT_EQ(report.metrics.at(CleanupCategory::deviceBackup).occupied, CleanupByteAmount::unavailable());
+}
+
+TEST_F(MadeUpHome, BelowALinkOffersNothingThatTheGateRefuses) {
+    for (const char* linked : {"Library", "Library/Logs"}) {
+        ScanFixture made;
+        made.environment.workers = environment.workers;
+        made.file("Library/Logs/old.log", 524'288, days(90));
+        made.file("Library/Logs/DiagnosticReports/old.ips", 524'288, days(90));
+        made.file("Downloads/old.dmg", 26'214'400, days(90));
+        made.folderWithFile("Library/Caches/app", 26'214'400, days(90));
+        const auto before = scan(made.environment, {});
+        ASSERT_THAT(namesOf(before.candidates), testing::UnorderedElementsAre("old.log", "old.ips", "old.dmg", "app"));
+        std::filesystem::rename(made.at(linked), made.at("elsewhere"));
+        made.link(linked, made.at("elsewhere"));
+        const auto report = scan(made.environment, {});
+        EXPECT_THAT(namesOf(report.candidates), testing::UnorderedElementsAre("old.dmg", "app")) << linked;
+        for (const auto& candidate : report.candidates)
+            if (candidate.canMoveToTrash()) {
+                EXPECT_EQ(validationFailure(candidate, made.environment), std::nullopt) << candidate.url;
+            }
+        // A link in the stead of a place is not listed; one above it is not in the way.
+        EXPECT_EQ(report.states.at(CleanupCategory::log),
+                  std::string_view(linked) == "Library" ? CleanupScanState::checked : CleanupScanState::unavailable);
+        EXPECT_EQ(report.states.at(CleanupCategory::crashReport), CleanupScanState::checked) << linked;
+    }
 }
 
 TEST_F(MadeUpHome, WithSocketsFifosDevicesAndOddNamesIsScannedToItsEnd) {

@@ -5,6 +5,8 @@
 #include "cleanup/model/CleanupCategory.h"
 
 #include <cctype>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,10 +19,12 @@ struct Found {
     std::string title;
     CleanupCategory category;
     std::int64_t size;
+    bool isLowerBound = false;
 
     bool operator==(const Found&) const = default;
     friend void PrintTo(const Found& found, std::ostream* stream) {
-        *stream << rawValue(found.category) << " " << found.path << " (" << found.title << ") " << found.size;
+        *stream << rawValue(found.category) << " " << found.path << " (" << found.title << ") "
+                << (found.isLowerBound ? "at least " : "") << found.size;
     }
 };
 
@@ -141,15 +145,44 @@ private:
     struct Sum {
         std::int64_t size = 0;
         std::optional<std::int64_t> newest;
+        bool isCut = false;
+
+        [[nodiscard]] bool isKnown() const { return !isCut || size > 0; }
     };
-    static Sum sum(const std::string& folder) {
+    // What measuring `folder` gives, which the fakes may cut short.
+    [[nodiscard]] Sum sum(const std::string& folder) const {
         Sum all;
+        if (const auto given = made_.workers.metrics.find(folder); given != made_.workers.metrics.end()) {
+            all.size = given->second.size;
+            if (const auto newest = given->second.newestModificationDate)
+                all.newest = newest->time_since_epoch().count();
+            all.isCut = !given->second.complete;
+            return all;
+        }
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
             if (const auto said = look(entry.path().native()); said && S_ISREG(said->st_mode)) {
                 all.size += said->st_blocks * 512;
                 all.newest = std::max(all.newest.value_or(nanosecondsOf(*said)), nanosecondsOf(*said));
             }
         return all;
+    }
+
+    // A folder that the finder of a category measured.
+    void addMeasured(std::vector<Found>& some, const std::string& path, const std::string& title,
+                     CleanupCategory category) {
+        const auto inside = sum(path);
+        if (inside.isCut)
+            limited_.insert(category);
+        if (inside.isKnown())
+            some.push_back({path, title, category, inside.size, inside.isCut});
+    }
+
+    // Whether a folder below the home folder, the last one included, is a link.
+    [[nodiscard]] bool leadsThroughLink(std::string path) const {
+        for (; path.size() > made_.home().native().size(); path.resize(path.rfind('/')))
+            if (isLink(path))
+                return true;
+        return false;
     }
 
     void keepLargest(std::vector<Found> some, CleanupCategory category, std::size_t count) {
@@ -163,7 +196,7 @@ private:
 
     void addFiles(const std::string& folder, CleanupCategory category, int days, std::int64_t minimum,
                   std::size_t count, const Names& extensions) {
-        if (isLink(folder))
+        if (isLink(folder) || (lowRisk(category) && leadsThroughLink(folder)))
             return;
         std::vector<Found> some;
         for (const auto& path : list(folder)) {
@@ -188,15 +221,20 @@ private:
             if (!S_ISDIR(said->st_mode) || excluded.contains(name(path)) || nanosecondsOf(*said) >= cutoff(days))
                 continue;
             const auto inside = sum(path);
+            if (inside.isCut)
+                limited_.insert(category);
             if ((!inside.newest || *inside.newest < cutoff(days)) && inside.size >= minimum)
-                some.push_back({path, name(path), category, inside.size});
+                some.push_back({path, name(path), category, inside.size, inside.isCut});
         }
         keepLargest(some, category, count);
     }
 
     void addWhole(const std::string& place, const std::string& title, CleanupCategory category) {
-        if (isRealFolder(home(place)) && sum(home(place)).size > 0)
-            found_.push_back({home(place), title, category, sum(home(place)).size});
+        std::vector<Found> some;
+        if (isRealFolder(home(place)))
+            addMeasured(some, home(place), title, category);
+        if (!some.empty() && some.front().size > 0)
+            found_.push_back(some.front());
     }
 
     [[nodiscard]] std::vector<std::string> installerPaths() const {
@@ -209,7 +247,35 @@ private:
     void addInstallers() {
         for (const auto& path : installerPaths())
             if (isRealFolder(path))
-                found_.push_back({path, stem(path), CleanupCategory::macOSInstaller, sum(path).size});
+                addMeasured(found_, path, stem(path), CleanupCategory::macOSInstaller);
+    }
+
+    // What the bundles in `folder` call themselves, which lies in the bundle `outermost` if that is not empty.
+    static void addBundles(const std::string& folder, std::string outermost, Names& claimed, bool& cut) {
+        if (extension(folder) == "app") {
+            if (outermost.empty())
+                outermost = folder;
+            std::ifstream stream(folder + "/Contents/Info.plist");
+            const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+            const std::string begin = "<key>CFBundleIdentifier</key><string>";
+            if (const auto at = text.find(begin); at != std::string::npos)
+                claimed.insert(
+                    lower(text.substr(at + begin.size(), text.find('<', at + begin.size()) - at - begin.size())));
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            const auto path = entry.path().native();
+            if (!outermost.empty() && name(path) == "Resources")
+                continue;
+            if (isRealFolder(path)) {
+                addBundles(path, outermost, claimed, cut);
+            } else if (isLink(path) && leadsToFolder(path)) {
+                const auto target = std::filesystem::canonical(path).native();
+                if (!outermost.empty() && target.starts_with(outermost + "/"))
+                    addBundles(target, outermost, claimed, cut);
+                else
+                    cut = cut || outermost.empty() || extension(path) == "app";
+            }
+        }
     }
 
     void addOrphans() {
@@ -217,21 +283,24 @@ private:
         bool anyState = false;
         for (const auto& path : list(root))
             anyState = anyState || extension(path) == "savedstate";
-        struct stat target = {};
-        for (const auto& path : list(made_.applications().native()))
-            if (anyState && isLink(path) && stat(path.c_str(), &target) != 0) { // who knows what it is
-                limited_.insert(CleanupCategory::orphan);
-                return;
-            }
+        if (!anyState)
+            return;
         Names claimed;
-        for (const auto& [file, texts] : made_.workers.lists)
-            if (texts.contains("CFBundleIdentifier") && look(file.native()))
-                claimed.insert(lower(texts.at("CFBundleIdentifier")));
+        bool cut = false;
+        for (const auto& folder : {made_.applications().native(), home("Applications")})
+            if (isRealFolder(folder))
+                addBundles(folder, "", claimed, cut);
+            else if (leadsToFolder(folder))
+                cut = true;
+        if (cut) {
+            limited_.insert(CleanupCategory::orphan);
+            return;
+        }
         for (const auto& identifier : running_)
             claimed.insert(lower(identifier));
         for (const auto& path : list(root))
             if (extension(path) == "savedstate" && isRealFolder(path) && !claimed.contains(lower(stem(path))))
-                found_.push_back({path, stem(path), CleanupCategory::orphan, sum(path).size});
+                addMeasured(found_, path, stem(path), CleanupCategory::orphan);
     }
 
     void addBackups() {
@@ -253,8 +322,7 @@ private:
         for (const auto& [path, identity] : records)
             for (const auto& [other, same] : records)
                 if (identity == same && nanosecondsOf(*look(other)) > nanosecondsOf(*look(path))) {
-                    found_.push_back(
-                        {path, "Older backup · " + name(path), CleanupCategory::deviceBackup, sum(path).size});
+                    addMeasured(found_, path, "Older backup · " + name(path), CleanupCategory::deviceBackup);
                     break;
                 }
     }
@@ -344,12 +412,12 @@ private:
         }
         return all;
     }
-    static Amount whole(const std::string& place) {
+    [[nodiscard]] Amount whole(const std::string& place) const {
         if (!look(place))
             return {};
         if (!isRealFolder(place))
             return {0, false, false};
-        return {sum(place).size, true, true};
+        return {sum(place).size, sum(place).isKnown(), !sum(place).isCut};
     }
     static Amount matching(const std::string& folder, const Names& extensions) {
         Amount all{0, true, isRealFolder(folder)};

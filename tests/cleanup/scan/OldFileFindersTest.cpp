@@ -1,6 +1,13 @@
 #include "cleanup/scan/OldFileFinders.h"
 
+#include "platform/FoundItem.h"
 #include "tests/cleanup/scan/ScanFixture.h"
+#ifdef __linux__
+#include "tests/support/ChildProcess.h"
+#include "tests/support/InterceptedCall.h"
+
+#include <sys/syscall.h>
+#endif
 
 #include <array>
 #include <fmt/format.h>
@@ -163,6 +170,34 @@ TEST_F(OldItems, LinksFoldersFifosAndHiddenFilesAreNotOffered) {
     EXPECT_FALSE(isLimited());
 }
 
+#ifdef __linux__
+TEST_F(OldItems, AnItemIsOpenedOnce) {
+    directory("place");
+    const auto openings = [&](auto find) {
+        const auto said = inChildProcess([&]() -> std::string {
+            int count = 0;
+            if (!interceptCall(SYS_openat2, [&](int /*number*/) { ++count; }))
+                return "";
+            const auto found = find(context, rule()).size();
+            return std::to_string(count - static_cast<int>(found));
+        });
+        return said;
+    };
+    const auto none = openings(oldRegularFiles);
+    if (none.empty())
+        GTEST_SKIP() << "calls cannot be intercepted here";
+    for (const char* name : {"one.log", "two.log", "three.log"})
+        file(std::string("place/") + name, 4096, days(90));
+    EXPECT_EQ(openings(oldRegularFiles), none);
+    std::filesystem::remove_all(at("place"));
+    for (const char* name : {"one", "two", "three"})
+        folderWithFile(std::string("place/") + name, 0, days(90));
+    workers.metrics[at("place/one")] = workers.metrics[at("place/two")] =
+        workers.metrics[at("place/three")] = {4096, std::nullopt, true};
+    EXPECT_EQ(openings(oldDirectoryChildren), none);
+}
+#endif
+
 TEST_F(OldItems, AFolderThatIsALinkIsNotLookedAt) {
     folderWithFile("elsewhere/app", 4096, days(90));
     file("elsewhere/old.log", 4096, days(90));
@@ -293,6 +328,20 @@ TEST_F(OldItems, AnIncompleteMeasurementLimitsTheCategoryAndIsJudgedAsItIs) {
     workers.metrics[small] = {4095, now - days(90), true};
     EXPECT_THAT(folders(rule()), ElementsAre("large"));
     EXPECT_TRUE(isLimited());
+}
+
+TEST_F(OldItems, OfAPlaceBelowALinkAreOfferedOnlyWhereTheyAreReviewed) {
+    folderWithFile("elsewhere/place/app", 4096, days(90));
+    file("elsewhere/place/old.log", 4096, days(90));
+    link("linked", home() / "elsewhere");
+    auto below = rule();
+    below.folder = home() / "linked/place";
+    EXPECT_THAT(files(below), IsEmpty());
+    EXPECT_THAT(workers.asked, IsEmpty());
+    EXPECT_FALSE(isLimited());
+    below.category = CleanupCategory::cache;
+    EXPECT_THAT(files(below), ElementsAre("old.log"));
+    EXPECT_THAT(folders(below), ElementsAre("app"));
 }
 
 TEST_F(OldItems, FoldersThatAreLinksAndFilesAreNotOfferedAsFolders) {

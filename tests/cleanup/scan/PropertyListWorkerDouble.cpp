@@ -1,5 +1,6 @@
-// What stands for a worker that reads property lists in tests. What it does about a file is said by the file's name; it
-// notes the names of the files that it was given at each start in "started", beside the first one.
+// What stands for a worker that reads property lists, or looks for bundles, in tests. What it does about a file, or
+// about a folder of applications, is said by its name. It notes the names of the files that it was given at each start
+// in "started", beside the first one.
 
 #include <csignal>
 #include <cstdlib>
@@ -30,6 +31,16 @@ void answerFor(const fs::path& file) {
     const std::map<std::string, std::function<void()>> behaviours = {
         {"answers", [] { write("{\"Name\":\"a\"}\n"); }},
         {"is-no-list", [] { write("null\n"); }},
+        {"identifies", [] { write("{\"CFBundleIdentifier\":\"a\"}\n"); }},
+        {"completes", [] { write("complete\n"); }},
+        {"takes-its-time",
+         [] {
+             constexpr useconds_t pause = 400'000; // microseconds
+             for (int i = 0; i < 4; ++i) {
+                 usleep(pause);
+                 write("null\n");
+             }
+         }},
         {"answers-bit-by-bit",
          [] {
              for (const char character : std::string("{\"Name\":\"b\"}\n"))
@@ -90,6 +101,11 @@ int main(int count, char** values) {
     constexpr unsigned longestLife = 60;
     alarm(longestLife);
     const std::vector<std::string> arguments(values + 1, values + count);
+    if (arguments.size() > 2 && arguments[0] == "--bundle-identifiers-worker") {
+        for (const auto& folder : std::vector<fs::path>(arguments.begin() + 2, arguments.end()))
+            answerFor(folder);
+        return EXIT_SUCCESS;
+    }
     // One key, the only one that is asked for here.
     if (arguments.size() < 4 || arguments[0] != "--property-list-worker" || arguments[1] != "1" ||
         arguments[2] != "Name")

@@ -1,4 +1,5 @@
 #include "cleanup/scan/CleanupScanner.h"
+#include "cleanup/scan/CleanupValidation.h"
 #include "tests/cleanup/scan/NaiveScan.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ using std::chrono::days;
 using std::chrono::nanoseconds;
 
 #if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
-constexpr int usualNumberOfHomes = 50;
+constexpr int usualNumberOfHomes = 300;
 #else
 constexpr int usualNumberOfHomes = 1000;
 #endif
@@ -43,6 +44,8 @@ public:
     HomeMaker(ScanFixture& made, FilePool& pool, unsigned seed) : made_(made), pool_(pool), random_(seed) {}
 
     void make() {
+        if (chance(8))
+            linkAbove(chance(50) ? "Library" : "Library/Logs");
         if (chance(90))
             std::filesystem::create_directories(made_.applications());
         fill("Downloads", 12, {"dmg", "pkg", "zip", "tar.gz", "part", "mov", "PDF", "xip", "crdownload", ""},
@@ -63,6 +66,7 @@ public:
                 folder(made_.applications() / name, 8192);
         applications();
         backups();
+        cutMeasurements();
     }
 
 private:
@@ -136,17 +140,67 @@ private:
     }
     void applications() {
         for (const char* identifier : {"com.example.a", "com.example.b", "COM.example.c"}) {
-            if (chance(60) && std::filesystem::is_directory(made_.applications())) {
-                const auto list =
-                    file(made_.applications() / (std::string(identifier) + ".app/Contents/Info.plist"), {8192});
-                if (chance(80))
-                    made_.workers.lists[list] = {{"CFBundleIdentifier", identifier}};
-            }
+            if (chance(60) && std::filesystem::is_directory(made_.applications()))
+                application(identifier);
             if (chance(70))
                 folder(std::filesystem::path("Library/Saved Application State") /
                            (std::string(identifier) + (chance(90) ? ".savedState" : ".other")),
                        8192);
         }
+    }
+    // A folder above places is elsewhere.
+    void linkAbove(const std::filesystem::path& path) {
+        made_.directory("Moved");
+        made_.link(path, made_.home() / "Moved");
+    }
+    // Of some folders that a finder measures, and of some places, less is known than is there.
+    void cutMeasurements() {
+        static const std::filesystem::path places[] = {"Library/Caches/app",
+                                                       "Library/Caches/Homebrew",
+                                                       "Library/Developer/Xcode/Archives/2020",
+                                                       "Library/Developer/Xcode/DerivedData",
+                                                       ".npm/_cacache",
+                                                       "Library/Saved Application State",
+                                                       "Library/Saved Application State/com.example.a.savedState",
+                                                       "Library/Logs"};
+        const auto cut = [&](const std::filesystem::path& path) {
+            if (chance(80) || !std::filesystem::is_directory(std::filesystem::symlink_status(path)))
+                return;
+            static constexpr std::int64_t sizes[] = {0, 4096, 262144000};
+            made_.workers.metrics[path] = {oneOf(sizes), chance(50) ? std::optional(made_.now - age()) : std::nullopt,
+                                           chance(20)};
+        };
+        for (const auto& place : places)
+            cut(made_.at(place));
+        cut(made_.applications() / "Install macOS Sonoma.app");
+        for (int i = 0; i < 10; ++i)
+            cut(made_.at("Library/Application Support/MobileSync/Backup/12345678901234567890-" + std::to_string(i)));
+    }
+    // Somewhere in the folders of applications, in another application perhaps, behind a link perhaps.
+    void application(const std::string& identifier) {
+        static const std::filesystem::path folders[] = {"",
+                                                        "",
+                                                        "Utilities/Vendor 2.0/Suite",
+                                                        ".hidden",
+                                                        "X.app/Contents/Developer/Applications",
+                                                        "X.app/Contents/Applications",
+                                                        "X.app/Contents/Resources",
+                                                        "Y/X.app/Contents/Library/LoginItems"};
+        const auto root = chance(80) ? made_.applications() : made_.home() / "Applications";
+        const auto folder = root / oneOf(folders);
+        const auto information = folder / (identifier + ".app") / "Contents/Info.plist";
+        if (chance(80))
+            made_.information(information, identifier);
+        else
+            file(information, {8192});
+        if (!chance(25))
+            return;
+        static const std::filesystem::path targets[] = {"../Resources/" + identifier + ".app", "../../nowhere",
+                                                        "../../.."};
+        const auto linkPath = chance(70) ? root / "X.app/Contents/PlugIns/Linked.app" : root / "Linked";
+        std::error_code exists;
+        std::filesystem::create_directories(linkPath.parent_path());
+        std::filesystem::create_symlink(oneOf(targets), linkPath, exists);
     }
     void backups() {
         const std::filesystem::path root = "Library/Application Support/MobileSync/Backup";
@@ -174,6 +228,7 @@ std::string amountText(const CleanupByteAmount& amount) {
 TEST(RandomHomes, AreScannedAsASecondImplementationSaysTheyAre) {
     FilePool pool;
     std::map<CleanupCategory, int> found;
+    int lowerBounds = 0;
     for (int seed = 0; seed < numberOfHomes(); ++seed) {
         ScanFixture made;
         HomeMaker(made, pool, static_cast<unsigned>(seed)).make();
@@ -183,8 +238,13 @@ TEST(RandomHomes, AreScannedAsASecondImplementationSaysTheyAre) {
         const auto expected = naive::Scan(made, {running.begin(), running.end()}).answer();
         std::vector<naive::Found> candidates;
         for (const auto& candidate : report.candidates) {
-            candidates.push_back({candidate.url.native(), candidate.title, candidate.category, candidate.size});
+            candidates.push_back({candidate.url.native(), candidate.title, candidate.category, candidate.size,
+                                  report.sizeIsLowerBound(candidate)});
             ++found[candidate.category];
+            lowerBounds += report.sizeIsLowerBound(candidate) ? 1 : 0;
+            if (candidate.canMoveToTrash()) {
+                ASSERT_FALSE(leadsThroughLink(candidate.url)) << "seed " << seed;
+            }
         }
         ASSERT_EQ(candidates, expected.candidates) << "seed " << seed;
         for (const auto& row : allCleanupCategories) {
@@ -202,6 +262,7 @@ TEST(RandomHomes, AreScannedAsASecondImplementationSaysTheyAre) {
                 << row.rawValue << ", seed " << seed;
         }
     }
+    EXPECT_TRUE(lowerBounds > 0 || numberOfHomes() < 200) << "no measurement was cut short";
     for (const auto& row : allCleanupCategories)
         EXPECT_TRUE(found[row.value] > 0 || numberOfHomes() < 200) << row.rawValue << " was never found";
 }

@@ -37,7 +37,13 @@ public:
     }
     [[nodiscard]] ChildrenMetrics childrenMetrics(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("measure in " + folder.native());
-        return measuresAhead ? CleanupScanner::childrenMetricsInProcess(folder, deadline) : ChildrenMetrics{};
+        auto answer = measuresAhead ? CleanupScanner::childrenMetricsInProcess(folder, deadline) : ChildrenMetrics{};
+        for (const auto& [given, ofGiven] : metrics)
+            if (given == folder || given.parent_path() == folder) {
+                answer.children.erase(given.filename());
+                answer.whole = {};
+            }
+        return answer;
     }
     [[nodiscard]] ShallowChildren shallowChildren(const std::filesystem::path& folder, Deadline deadline) override {
         asked.push_back("list " + folder.native());
@@ -73,6 +79,17 @@ public:
             }
         }
         return answer;
+    }
+    [[nodiscard]] std::optional<std::set<std::string>>
+    bundleIdentifiers(const CleanupScanner::ApplicationPlaces& places, Deadline deadline) override {
+        asked.emplace_back("look for bundles");
+        std::set<std::string> identifiers;
+        const bool complete = CleanupScanner::searchBundles(places, [&](const auto& identifier) {
+            if (identifier)
+                identifiers.insert(*identifier);
+            return true;
+        });
+        return complete && !hasPassed(deadline) ? std::optional(identifiers) : std::nullopt;
     }
 
     [[nodiscard]] bool wasAsked(const std::string& question) const {
@@ -117,6 +134,13 @@ public:
     }
     std::filesystem::path directory(const std::filesystem::path& path) {
         std::filesystem::create_directories(at(path));
+        return at(path);
+    }
+    /// An information file at `path`, in which a bundle says what it is called.
+    std::filesystem::path information(const std::filesystem::path& path, const std::string& identifier) {
+        std::filesystem::create_directories(at(path).parent_path());
+        writeFile(at(path), R"(<plist version="1.0"><dict><key>CFBundleIdentifier</key><string>)" + identifier +
+                                "</string></dict></plist>");
         return at(path);
     }
     /// A folder with one file in it, both modified `age` ago.

@@ -145,6 +145,33 @@ TEST_F(ScanStates, TheFourDownloadCategoriesShareOneListing) {
     EXPECT_EQ(std::ranges::count(workers.asked, "list " + (home() / "Downloads").native()), 1);
 }
 
+TEST_F(ScanStates, AreFoundOutInOrderUntilTheOneDeadline) {
+    using Category = CleanupCategory;
+    std::vector<std::string> expected;
+    for (const auto category :
+         {Category::installer, Category::deviceBackup, Category::cache, Category::log, Category::crashReport,
+          Category::macOSInstaller, Category::orphan, Category::developerBuild, Category::developerCache,
+          Category::developerArchive, Category::deviceSoftware}) {
+        const auto place = approvedRoots(category, environment).front();
+        directory(place);
+        expected.push_back("list " + place.native());
+    }
+    static_cast<void>(scanStates(workers, environment, budget.deadline));
+    EXPECT_EQ(workers.asked, expected);
+    EXPECT_EQ(std::set(workers.deadlines.begin(), workers.deadlines.end()), std::set{budget.deadline});
+
+    const auto soon = deadlineIn(std::chrono::milliseconds(200));
+    workers.afterListing = [&](const auto& folder) {
+        while (folder.filename() == "Backup" && !hasPassed(soon))
+            std::this_thread::yield();
+    };
+    for (const auto& [category, state] : scanStates(workers, environment, soon)) {
+        const bool isEarly =
+            category == Category::deviceBackup || approvedRoots(category, environment).front() == home() / "Downloads";
+        EXPECT_EQ(state, isEarly ? CleanupScanState::checked : CleanupScanState::unavailable) << rawValue(category);
+    }
+}
+
 TEST_F(ScanStates, DeviceBackupsThatAreALinkAreRelocatedAndNotLookedAt) {
     const auto root = approvedRoots(CleanupCategory::deviceBackup, environment).front();
     link(root, directory("elsewhere"));

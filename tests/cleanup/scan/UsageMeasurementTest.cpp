@@ -177,6 +177,28 @@ TEST_F(Usage, HasAnEntryForEveryCategoryAlsoInAnEmptyHome) {
     }
 }
 
+TEST_F(Usage, IsMeasuredInTheOrderOfTheCategoriesUntilTheOneDeadline) {
+    using Category = CleanupCategory;
+    std::vector<std::string> expected;
+    const auto expect = [&](const char* question, Category category) {
+        for (const auto& place : approvedRoots(category, environment))
+            expected.push_back(question + directory(place).native());
+    };
+    expect("measure ", Category::cache);
+    expect("measure ", Category::log);
+    expect("list ", Category::installer);
+    expect("list ", Category::macOSInstaller);
+    expect("measure ", Category::orphan);
+    expect("measure ", Category::developerBuild);
+    expect("measure ", Category::developerCache);
+    expect("measure ", Category::developerArchive);
+    expect("measure ", Category::deviceBackup);
+    expect("list ", Category::deviceSoftware);
+    static_cast<void>(measureCategoryUsage(workers, environment, {}, budget.deadline));
+    EXPECT_EQ(workers.asked, expected);
+    EXPECT_EQ(std::set(workers.deadlines.begin(), workers.deadlines.end()), std::set{budget.deadline});
+}
+
 TEST_F(Usage, OfEveryCategoryIsThatOfItsPlaces) {
     folderWithFile("Library/Caches/app", 4096, {});
     folderWithFile("Library/Caches/Homebrew", 8192, {});
@@ -215,7 +237,7 @@ TEST_F(Usage, OfEveryCategoryIsThatOfItsPlaces) {
 
 TEST_F(Usage, WhatCanBeReviewedIsSummedUpFromTheCandidates) {
     const auto candidate = [&](CleanupCategory category, std::int64_t size) {
-        return context.candidate(home() / "x", "x", category, "", size);
+        return context.candidate(home() / "x", {}, "x", category, "", {.size = size, .complete = true});
     };
     const std::vector candidates{candidate(CleanupCategory::log, 5), candidate(CleanupCategory::log, 7),
                                  candidate(CleanupCategory::orphan, largest), candidate(CleanupCategory::orphan, 1)};

@@ -77,6 +77,13 @@ TEST(WorkerArguments, NameThePropertyListsBehindAsManyKeysAsTheySay) {
         EXPECT_EQ(job({count, "/a"}), nothing) << count;
 }
 
+TEST(WorkerArguments, NameTheFoldersOfApplicationsBehindThatOfTheSystem) {
+    EXPECT_EQ(workerJob(std::vector<std::string>{bundleIdentifiersFlag, "/System", "/Applications", "--x"}),
+              WorkerJob(BundleIdentifiersJob{{.folders = {"/Applications", "--x"}, .system = "/System"}}));
+    for (const auto& few : {std::vector<std::string>{bundleIdentifiersFlag}, {bundleIdentifiersFlag, "/System"}})
+        EXPECT_EQ(workerJob(few), WorkerJob());
+}
+
 TEST(WorkerArguments, InAWrongNumberAskAWorkerForNothing) {
     for (const char* flag : {"--directory-metrics-worker", "--children-metrics-worker", "--shallow-children-worker"})
         for (const auto& arguments : {Arguments{flag}, Arguments{flag, "/folder"}, Arguments{flag, "/folder", "1", "2"},

@@ -49,7 +49,7 @@ TEST(CandidateRow, TellsTheItem) {
     EXPECT_EQ(row.title, "painter.log");
     EXPECT_EQ(row.reason, "Not modified in 30 days");
     EXPECT_EQ(row.sizeText, "Uses 1.5 MB");
-    EXPECT_EQ(row.path, "/home/ada/Library/Logs/painter.log");
+    EXPECT_EQ(row.tooltip, "/home/ada/Library/Logs/painter.log");
     EXPECT_EQ(row.revealAccessibilityLabel, "Reveal painter.log in Finder");
     EXPECT_EQ(candidateRow(logAt("/a", 0), false).sizeText, "Uses 0 B");
 }
@@ -57,9 +57,20 @@ TEST(CandidateRow, TellsTheItem) {
 TEST(CandidateRow, AStrangeNameStaysOneLineOfText) {
     const auto row = candidateRow(logAt("/l/two\nlines\xff.log"), false);
     EXPECT_EQ(row.title, "two\xef\xbf\xbdlines\xef\xbf\xbd.log");
-    EXPECT_EQ(row.path, "/l/two\xef\xbf\xbdlines\xef\xbf\xbd.log");
+    EXPECT_EQ(row.tooltip, "/l/two\xef\xbf\xbdlines\xef\xbf\xbd.log");
     EXPECT_EQ(row.selectionAccessibilityLabel, "Select low-risk file two\xef\xbf\xbdlines\xef\xbf\xbd.log");
     EXPECT_EQ(row.revealAccessibilityLabel, "Reveal two\xef\xbf\xbdlines\xef\xbf\xbd.log in Finder");
+}
+
+TEST(CandidateRow, ASizeThatIsALowerBoundIsCalledOneBesideTheUsualText) {
+    const auto candidate = logAt("/a", 1'500'000);
+    const auto whole = candidateRow(candidate, true, false);
+    EXPECT_EQ(whole.sizeDetail, "");
+    EXPECT_EQ(whole.tooltip, "/a");
+    const auto row = candidateRow(candidate, true, true);
+    EXPECT_EQ(row.sizeText, "Uses 1.5 MB");
+    EXPECT_EQ(row.sizeDetail, "At least 1.5 MB; measuring stopped early");
+    EXPECT_EQ(row.tooltip, "/a\nAt least 1.5 MB; measuring stopped early");
 }
 
 TEST(CandidateRow, AnIdentifierBelongsToOneCandidate) {

@@ -25,7 +25,7 @@ AvenueButtonContent plainButton(CleanupAvenue::Action action) { return {.title =
 TEST(FilesFoundSections, GroupByAreaInTheOrderOfTheAreas) {
     const std::vector candidates{candidateAt("/backup", CleanupCategory::deviceBackup), logAt("/first"),
                                  candidateAt("/cache", CleanupCategory::cache), logAt("/second")};
-    const auto sections = filesFoundSections(candidates, {"/second", "/cache"});
+    const auto sections = filesFoundSections(reportOf(candidates), {"/second", "/cache"});
     ASSERT_EQ(sections.size(), 2);
     EXPECT_EQ(sections[0].area, CleanupArea::quickWins);
     EXPECT_EQ(sections[0].symbolName, "sparkles");
@@ -41,14 +41,23 @@ TEST(FilesFoundSections, GroupByAreaInTheOrderOfTheAreas) {
     EXPECT_THAT(titlesOf(sections[1]), ElementsAre("backup"));
 }
 
+TEST(FilesFoundSections, SayWhichSizesAreLowerBounds) {
+    auto report = reportOf({logAt("/whole"), logAt("/cut/../cut")});
+    report.incompletePaths = {"/cut"};
+    const auto sections = filesFoundSections(report, {});
+    ASSERT_EQ(sections.size(), 1);
+    EXPECT_EQ(sections[0].candidates[0].sizeDetail, "");
+    EXPECT_NE(sections[0].candidates[1].sizeDetail, "");
+}
+
 TEST(FilesFoundSections, EveryCategoryIsInOne) {
     for (const auto& row : allCleanupCategories) {
         const std::vector candidates{candidateAt("/x", row.value)};
-        const auto sections = filesFoundSections(candidates, {});
+        const auto sections = filesFoundSections(reportOf(candidates), {});
         ASSERT_EQ(sections.size(), 1) << row.rawValue;
         EXPECT_EQ(sections[0].area, row.area);
     }
-    EXPECT_THAT(filesFoundSections({}, {}), IsEmpty());
+    EXPECT_THAT(filesFoundSections(reportOf({}), {}), IsEmpty());
 }
 
 TEST(StorageGuideSections, ListEveryAvenueOfTheCatalogByArea) {

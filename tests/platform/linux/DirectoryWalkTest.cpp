@@ -3,6 +3,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeepTree.h"
 #include "tests/support/InterceptedCall.h"
+#include "tests/support/MountedFolder.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,6 +20,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -629,6 +631,31 @@ TEST_F(DirectoryWalkOfALargeTree, NeverMistakesOneFolderForAnotherOnItsWayBack) 
         }
     }
     EXPECT_GE(exchanges, 1000);
+}
+
+TEST(MountedFileSystem, InATreeIsNoPartOfIt) {
+    const TemporaryFolder root;
+    fs::create_directories(root / "tree/own");
+    writeFile(root / "tree/own/file", std::string(10'000, '1'));
+    writeFile(root / "tree/hidden", "below a mounted file");
+    writeFile(root / "other", std::string(10'000, '1'));
+    const auto before = walkTree(root / "tree", farAway(), 1);
+    const MountedFolder mounted(root / "tree/mounted");
+    if (!mounted || mount((root / "other").c_str(), (root / "tree/hidden").c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "no right to mount a file system";
+    fs::create_directory(root / "tree/mounted/inside");
+    writeFile(root / "tree/mounted/inside/file", std::string(10'000, '1'));
+    const auto after = walkTree(root / "tree", farAway(), 1);
+    const auto ofMount = walkTree(root / "tree/mounted", farAway(), 1);
+    const bool told[] = {isMountPoint(root / "tree/mounted"), isMountPoint(root / "tree/hidden"),
+                         isMountPoint(root / "tree/own"), isMountPoint(root / "missing")};
+    umount2((root / "tree/hidden").c_str(), MNT_DETACH);
+    EXPECT_TRUE(after.complete);
+    EXPECT_EQ(before.regularFiles, 2U);
+    EXPECT_EQ(after.regularFiles, 1U);
+    EXPECT_EQ(ofMount.regularFiles, 1U) << "a mounted file system is measured by itself";
+    EXPECT_TRUE(told[0] && told[1]);
+    EXPECT_FALSE(told[2] || told[3]);
 }
 
 TEST(VisibleNames, AreThoseWithoutADotInFront) {

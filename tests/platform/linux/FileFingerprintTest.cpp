@@ -1,4 +1,4 @@
-#include "platform/FileFingerprint.h"
+#include "platform/FoundItem.h"
 
 #include "base/UniqueFd.h"
 #include "tests/support/ChildProcess.h"

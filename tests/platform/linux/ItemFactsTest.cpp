@@ -1,5 +1,5 @@
-#include "platform/ItemFacts.h"
-
+#include "platform/FoundItem.h"
+#include "platform/linux/LinkTargets.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <fcntl.h>
@@ -45,6 +45,29 @@ protected:
 
     TemporaryFolder folder;
 };
+
+TEST_F(Items, AreFoundWithWhatIdentifiesThemOnlyWhereTheyAreWanted) {
+    const auto path = file("file", 8192);
+    std::vector<ItemFacts> seen;
+    const auto found = [&](bool wanted) {
+        return readFoundItem(path, [&](const ItemFacts& facts) {
+            seen.push_back(facts);
+            return wanted;
+        });
+    };
+    const auto facts = readItemFacts(path).value();
+    const auto unwanted = found(false);
+    const auto wanted = found(true);
+    ASSERT_TRUE(unwanted && wanted);
+    EXPECT_EQ(*unwanted, (FoundItem{facts, {}}));
+    EXPECT_EQ(wanted->facts, facts);
+    EXPECT_EQ(wanted->fingerprint, readFileFingerprint(path));
+    EXPECT_TRUE(wanted->fingerprint.resourceIdentifier);
+    EXPECT_EQ(seen, (std::vector{facts, facts}));
+    const auto missing = readFoundItem(folder / "missing", [](const auto&) { return true; });
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().kind, ErrorKind::notFound);
+}
 
 TEST_F(Items, AreOfTheKindThatStandsAtThePathLinksNotFollowed) {
     const auto target = file("file");

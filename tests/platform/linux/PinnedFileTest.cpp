@@ -1,5 +1,6 @@
 #include "platform/PinnedFile.h"
 
+#include "platform/FoundItem.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/RefusedCall.h"

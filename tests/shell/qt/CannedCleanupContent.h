@@ -18,7 +18,7 @@ namespace vantry {
                                        name + " of the archives that were made in the last year, second part.dmg"
                                  : "Installer " + name + ".dmg";
     row.sizeText = "Uses " + std::to_string(100 + number * 7 % 900) + "." + std::to_string(number % 10) + " MB";
-    row.path = "/home/somebody/Downloads/" + row.title;
+    row.tooltip = "/home/somebody/Downloads/" + row.title;
     row.revealAccessibilityLabel = "Reveal " + row.title + " in Finder";
     if (number % 3 == 0) {
         row.kind = CandidateRowContent::Kind::lowRisk;

@@ -264,7 +264,7 @@ TEST_F(CleanupResultsViewTest, AScreenReaderHearsEverythingOfARow) {
 
 TEST_F(CleanupResultsViewTest, ThePathIsATooltipWhateverItsCharacters) {
     CleanupWindowContent content = cannedFiles(6);
-    firstLowRisk(content).path = "/home/<b>x</b> & y";
+    firstLowRisk(content).tooltip = "/home/<b>x</b> & y";
     show(content);
     EXPECT_TRUE(window.results().row(0)->toolTip().contains(QStringLiteral("&lt;b&gt;x&lt;/b&gt; &amp; y")));
 }

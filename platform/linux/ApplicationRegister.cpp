@@ -1,0 +1,7 @@
+#include "platform/ApplicationRegister.h"
+
+namespace vantry {
+
+ApplicationRegister applicationRegister() { return {}; }
+
+} // namespace vantry

@@ -1,0 +1,15 @@
+// Declaration-only subset of the public API for type-checking; see README.md.
+#pragma once
+#pragma clang system_header
+#include <CoreFoundation/CoreFoundation.h>
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+enum { kLSApplicationNotFoundErr = -10814 };
+
+CFArrayRef LSCopyApplicationURLsForBundleIdentifier(CFStringRef inBundleIdentifier, CFErrorRef *outError);
+
+#ifdef __cplusplus
+}
+#endif
