@@ -20,6 +20,7 @@ struct InterceptedCall {
     static inline long number = 0;
     static inline int count = 0;
     static inline std::int64_t firstArgument = 0; ///< of the call that is about to be made
+    static inline int refusal = 0; ///< set by `before`: the errno that the call is answered with, instead of being made
     /// A sixth argument that no caller gives: the call is let through.
     static constexpr std::uint32_t pass = 0x5ca1ab1e;
 
@@ -29,12 +30,20 @@ struct InterceptedCall {
         auto& all = machine.gregs;
         firstArgument = static_cast<std::int64_t>(all[REG_RDI]);
         before(++count);
+        if (const int refused = std::exchange(refusal, 0); refused != 0) {
+            all[REG_RAX] = -refused;
+            return;
+        }
         const long result = syscall(number, all[REG_RDI], all[REG_RSI], all[REG_RDX], all[REG_R10], all[REG_R8], pass);
         all[REG_RAX] = result < 0 ? -errno : result;
 #elif defined(__aarch64__)
         auto& all = machine.regs;
         firstArgument = static_cast<std::int64_t>(all[0]);
         before(++count);
+        if (const int refused = std::exchange(refusal, 0); refused != 0) {
+            all[0] = static_cast<std::uint64_t>(-refused);
+            return;
+        }
         const long result = syscall(number, all[0], all[1], all[2], all[3], all[4], pass);
         all[0] = static_cast<std::uint64_t>(result < 0 ? -errno : result);
 #else

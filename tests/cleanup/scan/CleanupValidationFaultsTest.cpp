@@ -15,6 +15,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sched.h>
+#include <set>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -190,6 +191,28 @@ TEST_F(CleanupValidationFaults, WhatChangesBetweenTwoReadingsIsRefusedForWhatItB
             GTEST_SKIP() << "may not see system calls, or not under this tool";
         EXPECT_EQ(answers, each.expected) << each.name;
     }
+}
+
+// The call fails for want of its descriptor, which is closed just before.
+TEST_F(CleanupValidationFaults, FactsThatCannotBeReadAreARefusal) {
+    const CleanupCandidate candidate = log();
+    std::set<std::string> answers;
+    for (int turn = 1; !answers.contains("nothing failed"); ++turn) {
+        answers.insert(inChildProcess([&]() -> std::string {
+            bool failed = false;
+            const bool isIntercepted = interceptCall(SYS_statx, [&](int current) {
+                if (current == turn)
+                    failed = close(static_cast<int>(InterceptedCall::firstArgument)) == 0;
+            });
+            const std::string text = answer(candidate);
+            return isIntercepted && failed ? text : "nothing failed";
+        }));
+    }
+    if (answers.size() == 1)
+        GTEST_SKIP() << "may not see system calls, or not under this tool";
+    EXPECT_FALSE(answers.contains("safe"));
+    EXPECT_TRUE(answers.contains("its current file details could not be verified"));
+    EXPECT_TRUE(answers.contains("the approved cleanup folder could not be verified"));
 }
 
 TEST_F(CleanupValidationFaults, ASystemWithoutTheCallThatFollowsNoLinksIsAsSafe) {

@@ -382,6 +382,13 @@ TEST(ValidationDecisions, AnItemIsAsOldAsItsCategoryDemands) {
     }
 }
 
+TEST(ValidationDecisions, AnItemWithoutADateIsNotOldEnough) {
+    Item item;
+    ASSERT_EQ(item.byRules(), std::nullopt);
+    item.facts.fingerprint.contentModificationDate.reset();
+    EXPECT_EQ(item.byRules(), tooYoung);
+}
+
 TEST(ValidationDecisions, InTheEndTheNameLeadsToTheItem) {
     EXPECT_EQ(refusalByPlace(PinnedPlace::unchanged), std::nullopt);
     EXPECT_EQ(refusalByPlace(PinnedPlace::folderMoved), relocatedRoot);

@@ -307,8 +307,8 @@ TEST_F(CleanupHistory, SavingRemovesRecordsThatAreTooOld) {
     makeFile("exactly.json", lifetime);
     makeFile("89 days.json", days(89));
     makeFile("future.json", -days(5));
-    for (const char* kept :
-         {"old.txt", "old.JSON", "old.json.bak", "json", "old", ".hidden.json", ".json", "old.jsonx"})
+    for (const char* kept : {"old.txt", "old.JSON", "old.json.bak", "json", "old", ".hidden.json", ".json", "old.jsonx",
+                             ".cleanup", ".cleanup-1769840000-01234567.json", ".hidden.json.new", "old.json.new"})
         makeFile(kept, days(400));
     std::filesystem::create_directories(folder / "folder.json/inside");
     age("folder.json", days(400));
@@ -327,7 +327,8 @@ TEST_F(CleanupHistory, SavingRemovesRecordsThatAreTooOld) {
     names.erase(record);
     EXPECT_THAT(names, UnorderedElementsAre("exactly.json", "89 days.json", "future.json", "old.txt", "old.JSON",
                                             "old.json.bak", "json", "old", ".hidden.json", ".json", "old.jsonx",
-                                            "folder.json", "empty.json", "link.json", "fifo.json"));
+                                            ".cleanup", ".cleanup-1769840000-01234567.json", ".hidden.json.new",
+                                            "old.json.new", "folder.json", "empty.json", "link.json", "fifo.json"));
     EXPECT_TRUE(std::filesystem::exists(home / "target.json"));
     EXPECT_TRUE(std::filesystem::exists(folder / "folder.json/inside"));
 }

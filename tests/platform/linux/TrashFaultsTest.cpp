@@ -196,6 +196,53 @@ TEST_F(TrashFaults, AMoveThatWasMadeAndReportedAsFailedWasMade) {
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
 }
 
+TEST_F(TrashFaults, AnInterruptedRenameIsTriedSixteenTimes) {
+    for (const int errorNumber : {EINTR, EAGAIN}) {
+        const auto moveWithInterruptions = [&](int interruptions) {
+            return moveWhile([&](int count) {
+                if (count <= interruptions)
+                    InterceptedCall::refusal = errorNumber;
+            });
+        };
+        EXPECT_EQ(moveWithInterruptions(16), "it could not be moved: the system was busy");
+        EXPECT_TRUE(nothingMoved());
+        EXPECT_EQ(moveWithInterruptions(15), "moved");
+        EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
+        fs::rename(inTrash, file);
+        fs::remove(info);
+    }
+}
+
+// The first fifty names are counted, the next fifty end in eight random digits.
+TEST_F(TrashFaults, AHundredNamesAreTried) {
+    struct Case {
+        int taken;
+        const char* answer;
+        std::string name;
+    };
+    for (const auto& [taken, answer, name] :
+         {Case{49, "moved", "report.50.log"}, Case{50, "moved", "report.########.log"},
+          Case{99, "moved", "report.########.log"},
+          Case{100, "too many files in the Trash have its name", "report.log"}}) {
+        fs::remove_all(trash);
+        writeFile(file, "what the file holds");
+        EXPECT_EQ(moveWhile([&](int count) {
+                      if (count <= taken)
+                          InterceptedCall::refusal = EEXIST;
+                  }),
+                  answer);
+        ASSERT_EQ(origins().size(), std::string_view(answer) == "moved" ? 1U : 0U);
+        for (const auto& [found, origin] : origins()) {
+            EXPECT_EQ(origin, file);
+            EXPECT_EQ(found.size(), name.size());
+            if (name.contains('#'))
+                EXPECT_EQ(found.find_first_not_of("0123456789ABCDEF", name.find('#')), found.rfind('.')) << found;
+            else
+                EXPECT_EQ(found, name);
+        }
+    }
+}
+
 // What is there may be what was moved.
 TEST_F(TrashFaults, WhatMayHaveBeenMovedKeepsItsOrigin) {
     EXPECT_EQ(moveWhile([&](int count) {
