@@ -14,9 +14,9 @@
 #include <optional>
 #include <string>
 
-// The C library forgets the list that it makes of $LOCPATH each time it opens a locale.
-// NOLINTNEXTLINE(readability-identifier-naming): named by the leak sanitizer
-extern "C" const char* __lsan_default_suppressions() { return "leak:__argz_add_sep"; }
+#ifdef OMBREL_ADDRESS_SANITIZER
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace vantry {
 
@@ -51,6 +51,10 @@ protected:
         return std::filesystem::exists(folder / full / "LC_TIME");
     }
 
+#ifdef OMBREL_ADDRESS_SANITIZER
+    const __lsan::ScopedDisabler
+        disabler; // the C library forgets what it makes of $LOCPATH each time it opens a locale
+#endif
     const TemporaryFolder folder;
     const ScopedEnvironment locales{"LOCPATH", folder.path().c_str()};
     const ScopedEnvironment timeZone{"TZ", "UTC0"};
