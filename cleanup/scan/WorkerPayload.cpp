@@ -13,7 +13,7 @@ namespace vantry {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr const char* sizeKey = "size";
 constexpr const char* newestKey = "newestModificationTime";
@@ -29,7 +29,7 @@ bool canBeInAFolder(std::string_view name) {
 // Reads one object without making a document of it. What a payload may hold is taken by `take`; everything else, and a
 // key that comes twice, ends the reading.
 template <class Derived>
-class ObjectReader : public nlohmann::json_sax<Json> {
+class ObjectReader : public nlohmann::json_sax<OrderedJson> {
 public:
     bool null() override { return false; }
     bool boolean(bool value) override { return atTop() && self().take(key_, value); }
@@ -63,7 +63,7 @@ public:
 
     /// Whether `json` was such an object. The parser takes a zero for the end of the text.
     [[nodiscard]] bool reads(std::string_view json) {
-        return json.find('\0') == std::string_view::npos && Json::sax_parse(json, this) && self().isWhole();
+        return json.find('\0') == std::string_view::npos && OrderedJson::sax_parse(json, this) && self().isWhole();
     }
     [[nodiscard]] bool has(const char* key) const { return keys_.contains(key); }
 
@@ -135,7 +135,7 @@ private:
 } // namespace
 
 std::string encoded(const DirectoryMetricsPayload& payload) {
-    Json object{{sizeKey, payload.size}};
+    OrderedJson object{{sizeKey, payload.size}};
     if (payload.newestModificationTime)
         object[newestKey] = *payload.newestModificationTime;
     object[completeKey] = payload.complete;
@@ -150,14 +150,14 @@ std::string encoded(const ChildrenMetricsPayload& payload) {
 }
 
 std::string encoded(const ShallowChildrenPayload& payload) {
-    Json names = Json::array();
-    Json encodedNames = Json::array();
+    OrderedJson names = OrderedJson::array();
+    OrderedJson encodedNames = OrderedJson::array();
     for (const auto& name : payload.names)
         if (isUtf8(name))
             names.push_back(name);
         else
             encodedNames.push_back(base64Text(name));
-    Json object{{namesKey, std::move(names)}, {completeKey, payload.complete}};
+    OrderedJson object{{namesKey, std::move(names)}, {completeKey, payload.complete}};
     if (!encodedNames.empty())
         object[encodedNamesKey] = std::move(encodedNames);
     return object.dump();

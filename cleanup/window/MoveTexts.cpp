@@ -10,11 +10,11 @@ namespace vantry {
 
 namespace {
 
-constexpr std::size_t mostLines = 4;
+constexpr std::size_t mostFailures = 4;
 
 AlertContent changedAlert(const char* message, std::span<const std::string> failureLines, const char* outcome) {
     std::string text;
-    for (const auto& line : failureLines.first(std::min(failureLines.size(), mostLines)))
+    for (const auto& line : failureLines.first(std::min(failureLines.size(), mostFailures)))
         text += (text.empty() ? "" : "\n") + line;
     return {message, text + "\n\n" + outcome, {"OK"}};
 }

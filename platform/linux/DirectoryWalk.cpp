@@ -2,6 +2,7 @@
 
 #include "base/UniqueFd.h"
 #include "platform/linux/DirectoryReader.h"
+#include "platform/linux/Statx.h"
 #include "platform/linux/TreeTally.h"
 #include "platform/linux/WalkedFolder.h"
 
@@ -35,7 +36,6 @@ constexpr std::size_t fewestEntriesToShare = 128;
 constexpr std::size_t tasksToLookAt = 512; // for some that can be shared
 constexpr std::chrono::milliseconds patienceWithOtherThreads{20};
 
-constexpr int statxFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
 constexpr unsigned statxMask = STATX_TYPE | STATX_BLOCKS | STATX_MTIME;
 
 // An entry that cannot be read is passed over. Not so when it is this process that cannot: there is more to be seen.
@@ -198,7 +198,7 @@ private:
 
     void count(const std::shared_ptr<WalkedFolder>& folder, const DirectoryEntry& entry) {
         struct statx facts;
-        if (statx(folder->fd.get(), entry.name, statxFlags, statxMask, &facts) != 0)
+        if (statx(folder->fd.get(), entry.name, statxByPath, statxMask, &facts) != 0)
             missed(errno);
         else if (isMountRoot(facts))
             return; // of another file system
@@ -340,7 +340,7 @@ TreeTotals walkFolder(UniqueFd root, Deadline deadline, const std::shared_ptr<Sp
 TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
                     const std::shared_ptr<SpareThreads>& helpers) {
     struct statx facts;
-    if (statx(AT_FDCWD, path.c_str(), statxFlags, statxMask, &facts) != 0)
+    if (statx(AT_FDCWD, path.c_str(), statxByPath, statxMask, &facts) != 0)
         return {};
     if (S_ISREG(facts.stx_mode)) {
         TreeTally tally;
@@ -355,7 +355,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
 
 bool isMountPoint(const std::filesystem::path& path) {
     struct statx facts;
-    return statx(AT_FDCWD, path.c_str(), statxFlags, STATX_TYPE, &facts) == 0 && isMountRoot(facts);
+    return statx(AT_FDCWD, path.c_str(), statxByPath, STATX_TYPE, &facts) == 0 && isMountRoot(facts);
 }
 
 Result<std::vector<std::string>> allNames(const std::filesystem::path& folder) {

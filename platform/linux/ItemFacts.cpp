@@ -3,6 +3,7 @@
 #include "base/Utf8.h"
 #include "platform/linux/LinkTargets.h"
 #include "platform/linux/PromptLookup.h"
+#include "platform/linux/Statx.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,9 +17,7 @@ namespace vantry {
 
 namespace {
 
-constexpr int byPath = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
 constexpr int ofItem = AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
-constexpr std::int64_t bytesPerBlock = 512; // of stx_blocks, whatever the file system's own block
 
 ItemFacts::Kind kindOf(unsigned mode) {
     return S_ISREG(mode)   ? ItemFacts::Kind::regularFile
@@ -66,9 +65,7 @@ Result<ItemFacts> factsOf(int fd, const char* path, int flags) {
         facts.kind = kindOf(said.stx_mode);
     if ((said.stx_mask & STATX_MTIME) != 0)
         facts.contentModificationDate = systemTimeFromUnix(said.stx_mtime.tv_sec, said.stx_mtime.tv_nsec);
-    std::int64_t bytes = 0;
-    if ((said.stx_mask & STATX_BLOCKS) != 0 && !__builtin_mul_overflow(said.stx_blocks, bytesPerBlock, &bytes))
-        facts.allocatedBytes = bytes;
+    facts.allocatedBytes = allocatedBytesOf(said);
     return facts;
 }
 
@@ -85,7 +82,7 @@ Result<FoundItem> readFoundItem(const std::filesystem::path& path,
     const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then by its path
     if (!fd && !noneLeft)
         return std::unexpected(lookupError(fd.error()));
-    const auto facts = noneLeft ? factsOf(AT_FDCWD, path.c_str(), byPath) : factsOf(fd->get(), "", ofItem);
+    const auto facts = noneLeft ? factsOf(AT_FDCWD, path.c_str(), statxByPath) : factsOf(fd->get(), "", ofItem);
     if (!facts)
         return std::unexpected(facts.error());
     return FoundItem{*facts, isWanted(*facts) && fd ? readFileFingerprint(fd->get()) : FileFingerprint()};

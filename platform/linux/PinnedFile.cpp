@@ -1,5 +1,7 @@
 #include "platform/PinnedFile.h"
 
+#include "platform/linux/Statx.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -14,15 +16,13 @@ namespace vantry {
 
 namespace {
 
-constexpr int statxFlags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | AT_SYMLINK_NOFOLLOW;
 constexpr int itemFlags = O_PATH | O_NOFOLLOW | O_CLOEXEC;
-constexpr std::int64_t bytesPerBlock = 512; // of stx_blocks, whatever the file system's own block
 
 using Opened = std::expected<UniqueFd, int>; // the error is an errno
 
-std::optional<struct statx> factsOf(int fd, const char* name, unsigned mask) {
+std::optional<struct statx> statxOf(int fd, const char* name, unsigned mask) {
     struct statx facts = {};
-    if (statx(fd, name, statxFlags | (*name == 0 ? AT_EMPTY_PATH : 0), mask | STATX_TYPE, &facts) != 0)
+    if (statx(fd, name, statxByPath | (*name == 0 ? AT_EMPTY_PATH : 0), mask | STATX_TYPE, &facts) != 0)
         return std::nullopt;
     return facts;
 }
@@ -47,7 +47,7 @@ Opened walkToFolder(std::string_view path) {
         folder.reset(openat(folder.get(), name.c_str(), itemFlags));
         if (!folder)
             break;
-        const auto facts = factsOf(folder.get(), "", 0);
+        const auto facts = statxOf(folder.get(), "", 0);
         if (!facts)
             break;
         if (!S_ISDIR(facts->stx_mode))
@@ -108,13 +108,13 @@ bool PinnedFolder::isInPlace() const {
     const auto there = openFolder(path_.native());
     if (!there)
         return false;
-    const auto found = factsOf(there->get(), "", STATX_INO | STATX_MNT_ID);
-    const auto pinned = factsOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
+    const auto found = statxOf(there->get(), "", STATX_INO | STATX_MNT_ID);
+    const auto pinned = statxOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
     return found && pinned && isSameItem(*found, *pinned);
 }
 
 std::optional<PinnedFolderFacts> PinnedFolder::facts() const {
-    const auto said = factsOf(descriptor(), "", 0);
+    const auto said = statxOf(descriptor(), "", 0);
     if (!said)
         return std::nullopt;
     PinnedFolderFacts facts;
@@ -138,7 +138,7 @@ std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const Pin
     UniqueFd item(openat(folder->descriptor(), name.c_str(), itemFlags));
     if (!item)
         return std::unexpected(failureOf(errno));
-    const auto said = factsOf(item.get(), "", 0);
+    const auto said = statxOf(item.get(), "", 0);
     if (!said || (said->stx_mask & STATX_TYPE) == 0)
         return std::unexpected(PinFailure::unavailable);
     if (S_ISLNK(said->stx_mode))
@@ -149,7 +149,7 @@ std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const Pin
 }
 
 std::optional<PinnedFileFacts> PinnedFile::facts() const {
-    const auto said = factsOf(descriptor(), "", STATX_SIZE | STATX_BLOCKS | STATX_UID);
+    const auto said = statxOf(descriptor(), "", STATX_SIZE | STATX_BLOCKS | STATX_UID);
     if (!said)
         return std::nullopt;
     PinnedFileFacts facts{.isPackage = false, .isUbiquitousItem = false};
@@ -159,11 +159,7 @@ std::optional<PinnedFileFacts> PinnedFile::facts() const {
     }
     if ((said->stx_mask & STATX_SIZE) != 0)
         facts.contentBytes = static_cast<std::int64_t>(said->stx_size);
-    std::int64_t bytes = 0;
-    if ((said->stx_mask & STATX_BLOCKS) != 0 && !__builtin_mul_overflow(said->stx_blocks, bytesPerBlock, &bytes)) {
-        facts.allocatedBytes = bytes;
-        facts.totalAllocated = bytes;
-    }
+    facts.allocatedBytes = facts.totalAllocated = allocatedBytesOf(*said);
     if ((said->stx_mask & STATX_UID) != 0)
         facts.owner = said->stx_uid;
     // Last: the date tells of whatever was written while the rest was read.
@@ -178,8 +174,8 @@ PinnedPlace PinnedFile::place() const {
 PinnedPlace PinnedFile::placeIn(int folder, const std::string& name) const {
     // Without a name it would be the folder itself.
     const auto found =
-        name.empty() || !isWhole(name) ? std::nullopt : factsOf(folder, name.c_str(), STATX_INO | STATX_MNT_ID);
-    const auto pinned = factsOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
+        name.empty() || !isWhole(name) ? std::nullopt : statxOf(folder, name.c_str(), STATX_INO | STATX_MNT_ID);
+    const auto pinned = statxOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
     if (!found || !pinned)
         return PinnedPlace::missing;
     if (isSameItem(*found, *pinned))
