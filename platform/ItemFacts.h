@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -26,8 +27,8 @@ struct ItemFacts {
 /// What can be done with a folder; `none` where no folder stands, `unknown` where that cannot be found out.
 enum class FolderAccess { none, readable, unreadable, unknown };
 
-// On Linux none of these waits for a server or for another process: what the kernel does not know of a file system that
-// does not answer by itself is an error of kind `timedOut`, or unknown. On macOS the file system is asked. Any thread.
+// None of these waits for a server or for another process: what is on a file system that does not answer by itself is
+// an error of kind `timedOut`, or unknown. On Linux what the kernel has in its memory of one is told. Any thread.
 
 /// The item at `path` itself, a link not followed. An error of kind `notFound` where there is none.
 [[nodiscard]] Result<ItemFacts> readItemFacts(const std::filesystem::path& path);
@@ -35,6 +36,14 @@ enum class FolderAccess { none, readable, unreadable, unknown };
 /// The folder that `path` leads to, links followed. On Linux file systems that are asked through others are judged by
 /// owner, group and permission bits alone.
 [[nodiscard]] FolderAccess folderAccess(const std::filesystem::path& path);
+
+/// Opens a folder for reading, for which the system may ask the user first. Blocks until the user has answered; any
+/// thread. A refusal is `unreadable`.
+using FolderOpener = std::function<FolderAccess(const std::filesystem::path&)>;
+
+/// The system's: macOS asks about some folders, Downloads among them, once for each application. Empty on Linux, which
+/// asks about none.
+[[nodiscard]] FolderOpener folderOpener();
 
 /// The name of the item that users see, as UTF-8. Linux: the last component, with U+FFFD for bytes that are no UTF-8;
 /// macOS: what the Finder shows.

@@ -26,6 +26,7 @@ namespace vantry::CleanupScanner {
 
 namespace {
 
+constexpr std::chrono::seconds questionTime{60}; // for the user
 constexpr std::chrono::seconds findingTime{10};
 constexpr std::chrono::seconds measuringTime{8}; // of each of the two passes
 
@@ -126,6 +127,8 @@ void mergeLimitedCategories(const std::set<CleanupCategory>& limited,
 
 CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& askedWorkers,
                        std::span<const std::string> runningBundleIdentifiers) {
+    if (environment.questions)
+        environment.questions->ask(questionTime, environment.workers.stopSwitch.get());
     const auto start = std::chrono::steady_clock::now();
     ScanBudget budget{.deadline = start + findingTime, .limitedCategories = {}};
     RememberingWorkers workers(askedWorkers);

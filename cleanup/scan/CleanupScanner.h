@@ -13,7 +13,8 @@ namespace vantry::CleanupScanner {
 
 /// Looks through the places of every category, by names, kinds, sizes and dates, and by the property lists that say
 /// what applications and device backups are called. Changes nothing. Takes 10 s at most to find candidates, 8 s each
-/// for the states and the metrics, and half a second more for a worker that was under way. Never fails: what could not
+/// for the states and the metrics, and half a second more for a worker that was under way;
+/// the first scan waits a minute at most for the system's questions before. Never fails: what could not
 /// be looked at is told by the states and the metrics. Data of `runningBundleIdentifiers` is never offered as left
 /// behind. Each call stands alone. Blocking; any thread but the main one.
 [[nodiscard]] CleanupScanReport scan(const ScanEnvironment& environment,

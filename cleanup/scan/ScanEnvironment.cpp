@@ -31,6 +31,7 @@ Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> sto
         return std::unexpected(workers.error());
     workers->stopSwitch = std::move(stopSwitch);
     environment->workers = std::move(*workers);
+    environment->questions = FolderQuestions::create(*environment);
     return environment;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 #include "base/Time.h"
+#include "cleanup/scan/FolderQuestions.h"
 #include "cleanup/scan/WorkerHost.h"
 #include "platform/ApplicationRegister.h"
 
@@ -18,10 +19,12 @@ struct ScanEnvironment {
     std::filesystem::path systemApplications = "/System/Applications";
     WorkerHost::Environment workers;
     std::function<SystemTime()> now;
-    ApplicationRegister isRegisteredApplication = {}; ///< empty where the system has none
+    ApplicationRegister isRegisteredApplication = {};     ///< empty where the system has none
+    std::shared_ptr<FolderQuestions> questions = nullptr; ///< that the first scan asks; none where nobody is asked
 
     /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
-    /// executable cannot be started again. `stopSwitch` ends the scans that use it. Blocking; any thread.
+    /// executable cannot be started again. `stopSwitch` ends the scans that use it, which share the questions.
+    /// Blocking; any thread.
     [[nodiscard]] static Result<ScanEnvironment> current(std::shared_ptr<StopSwitch> stopSwitch = nullptr);
     /// The same for validation, which starts no workers: fails only when there is no home folder.
     [[nodiscard]] static Result<ScanEnvironment> currentWithoutWorkers();

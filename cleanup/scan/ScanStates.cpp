@@ -6,13 +6,14 @@
 
 namespace vantry::CleanupScanner {
 
-CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesystem::path> places, Deadline deadline) {
+CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesystem::path> places, Deadline deadline,
+                             const FolderQuestions* questions) {
     bool sawUnreadable = false;
     bool sawIncomplete = false;
     for (const auto& place : places) {
         if (hasPassed(deadline))
             return sawUnreadable ? CleanupScanState::permissionNeeded : CleanupScanState::unavailable;
-        switch (folderAccess(place)) {
+        switch (questions ? questions->access(place) : folderAccess(place)) {
         case FolderAccess::none: break;
         case FolderAccess::unreadable: sawUnreadable = true; break;
         case FolderAccess::readable:
@@ -30,7 +31,7 @@ CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesyst
 std::map<CleanupCategory, CleanupScanState> scanStates(ScanWorkers& workers, const ScanEnvironment& environment,
                                                        Deadline deadline) {
     const auto stateOf = [&](CleanupCategory category) {
-        return accessState(workers, approvedRoots(category, environment), deadline);
+        return accessState(workers, approvedRoots(category, environment), deadline, environment.questions.get());
     };
     std::map<CleanupCategory, CleanupScanState> states;
     const auto downloads = stateOf(CleanupCategory::installer);

@@ -13,9 +13,10 @@ namespace vantry::CleanupScanner {
 
 // How the places of the categories could be looked at. Blocking; one thread, the scan's own.
 
-/// One place that is listed completely is enough; what may not be read outranks what is slow.
+/// One place that is listed completely is enough; what may not be read outranks what is slow. The `questions`, if any,
+/// know what may be read.
 [[nodiscard]] CleanupScanState accessState(ScanWorkers& workers, std::span<const std::filesystem::path> places,
-                                           Deadline deadline);
+                                           Deadline deadline, const FolderQuestions* questions = nullptr);
 
 /// The state of every category: of the downloads first, then of the backups of devices, then of the others in their
 /// order.

@@ -29,8 +29,13 @@ CleanupScanReport nothingChecked() {
     return report;
 }
 
-CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers, std::shared_ptr<StopSwitch> stopSwitch) {
-    const auto environment = ScanEnvironment::current(std::move(stopSwitch));
+CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers, std::shared_ptr<StopSwitch> stopSwitch,
+                       std::shared_ptr<FolderQuestions>& questions) {
+    auto environment = ScanEnvironment::current(std::move(stopSwitch));
+    if (environment && questions)
+        environment->questions = questions; // that were asked already
+    else if (environment)
+        questions = environment->questions;
     return environment ? CleanupScanner::scan(*environment, runningBundleIdentifiers) : nothingChecked();
 }
 
@@ -56,7 +61,8 @@ CleanupServices systemCleanupServices() {
     const auto stopSwitch = StopSwitch::create().value_or(nullptr); // without one, scans end by themselves
     return {.home = home,
             .applications = "/Applications",
-            .scan = [stopSwitch](std::span<const std::string> running) { return scan(running, stopSwitch); },
+            .scan = [stopSwitch, questions = std::shared_ptr<FolderQuestions>()](
+                        std::span<const std::string> running) mutable { return scan(running, stopSwitch, questions); },
             .stopScanning =
                 [stopSwitch] {
                     if (stopSwitch)

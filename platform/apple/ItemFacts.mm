@@ -1,12 +1,15 @@
 #include "platform/FoundItem.h"
 
+#include "base/UniqueFd.h"
 #include "base/Utf8.h"
 #include "platform/apple/FoundationValues.h"
+#include "platform/apple/PromptLookup.h"
 
 #include <Foundation/Foundation.h>
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,12 +59,28 @@ ItemFacts::Kind kindIn(NSDictionary<NSURLResourceKey, id>* values) {
                                        : ItemFacts::Kind::other;
 }
 
+// That somebody would have to be waited for is a kind of its own.
+Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN ? ETIMEDOUT : errorNumber); }
+
+FolderAccess accessAfter(int errorNumber) {
+    switch (errorNumber) {
+    case ENOENT:
+    case ENOTDIR:
+    case ELOOP:
+    case ENAMETOOLONG: return FolderAccess::none;
+    case EACCES:
+    case EPERM: return FolderAccess::unreadable;
+    default: return FolderAccess::unknown;
+    }
+}
+
 } // namespace
 
 Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
+    const auto item = promptPath(path, FinalLink::isKept);
     struct stat said = {};
-    if (lstat(path.c_str(), &said) != 0)
-        return std::unexpected(errorFromErrno(errno));
+    if (!item || lstat(item->c_str(), &said) != 0)
+        return std::unexpected(lookupError(item ? errno : item.error()));
     ItemFacts facts;
     facts.kind = S_ISREG(said.st_mode)   ? ItemFacts::Kind::regularFile
                  : S_ISDIR(said.st_mode) ? ItemFacts::Kind::folder
@@ -71,24 +90,24 @@ Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     if (facts.kind == ItemFacts::Kind::regularFile)
         @autoreleasepool {
             facts.allocatedBytes =
-                allocatedBytes(resourceValues(path, @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ]));
+                allocatedBytes(resourceValues(*item, @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ]));
         }
     return facts;
 }
 
-// One request answers everything; `lstat` only says why there is no answer.
+// One request answers everything.
 Result<FoundItem> readFoundItem(const std::filesystem::path& path,
                                 const std::function<bool(const ItemFacts&)>& isWanted) {
-    struct stat said = {};
-    if (lstat(path.c_str(), &said) != 0)
-        return std::unexpected(errorFromErrno(errno));
+    const auto place = promptPath(path, FinalLink::isKept);
+    if (!place)
+        return std::unexpected(lookupError(place.error()));
     @autoreleasepool {
         NSArray<NSURLResourceKey>* keys = @[
             NSURLIsSymbolicLinkKey, NSURLIsRegularFileKey, NSURLIsDirectoryKey, NSURLContentModificationDateKey,
             NSURLFileResourceIdentifierKey, NSURLVolumeIdentifierKey, NSURLTotalFileAllocatedSizeKey,
             NSURLFileAllocatedSizeKey
         ];
-        NSDictionary<NSURLResourceKey, id>* values = resourceValues(path, keys);
+        NSDictionary<NSURLResourceKey, id>* values = resourceValues(*place, keys);
         if (!values)
             return std::unexpected(Error{ErrorKind::system, "The item could not be looked at."});
         FoundItem item;
@@ -105,25 +124,29 @@ Result<FoundItem> readFoundItem(const std::filesystem::path& path,
 }
 
 FolderAccess folderAccess(const std::filesystem::path& path) {
+    const auto place = promptPath(path, FinalLink::isFollowed);
     struct stat facts = {};
-    if (stat(path.c_str(), &facts) != 0)
-        switch (errno) {
-        case ENOENT:
-        case ENOTDIR:
-        case ELOOP:
-        case ENAMETOOLONG: return FolderAccess::none;
-        case EACCES:
-        case EPERM: return FolderAccess::unreadable;
-        default: return FolderAccess::unknown;
-        }
+    if (!place || stat(place->c_str(), &facts) != 0)
+        return accessAfter(place ? errno : place.error());
     if (!S_ISDIR(facts.st_mode))
         return FolderAccess::none;
-    return access(path.c_str(), R_OK) == 0 ? FolderAccess::readable : FolderAccess::unreadable;
+    return access(place->c_str(), R_OK) == 0 ? FolderAccess::readable : FolderAccess::unreadable;
+}
+
+FolderOpener folderOpener() {
+    return [](const std::filesystem::path& path) {
+        const auto place = promptPath(path, FinalLink::isFollowed);
+        if (!place)
+            return accessAfter(place.error());
+        const UniqueFd folder(open(place->c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+        return folder ? FolderAccess::readable : accessAfter(errno);
+    };
 }
 
 std::string displayName(const std::filesystem::path& path) {
     @autoreleasepool {
-        NSString* name = foundationText(path.native());
+        const auto place = promptPath(path, FinalLink::isKept);
+        NSString* name = place ? foundationText(place->native()) : nil;
         const auto shown = name ? textFromFoundation([NSFileManager.defaultManager displayNameAtPath:name]) : "";
         return !shown.empty() ? shown : withReplacementCharacters(path.filename().native());
     }

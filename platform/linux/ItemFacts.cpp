@@ -122,6 +122,8 @@ Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
     return resolved;
 }
 
+FolderOpener folderOpener() { return {}; }
+
 std::string displayName(const std::filesystem::path& path) {
     return withReplacementCharacters((path.has_filename() ? path : path.parent_path()).filename().native());
 }

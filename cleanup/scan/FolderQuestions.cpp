@@ -1,0 +1,75 @@
+#include "cleanup/scan/FolderQuestions.h"
+
+#include "cleanup/model/CleanupCategory.h"
+#include "cleanup/scan/CleanupPlaces.h"
+#include "cleanup/scan/ScanEnvironment.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace vantry {
+
+struct FolderQuestions::Questions {
+    const FolderOpener opener;
+    const std::vector<std::filesystem::path> folders;
+    std::mutex mutex;
+    std::condition_variable answered;
+    std::size_t answers = 0; ///< how many of the folders, from the first on, were opened
+};
+
+std::shared_ptr<FolderQuestions> FolderQuestions::create(const ScanEnvironment& environment) {
+    auto opener = folderOpener();
+    if (!opener)
+        return nullptr;
+    std::vector<std::filesystem::path> folders;
+    for (const auto& row : allCleanupCategories)
+        for (auto& root : CleanupScanner::approvedRoots(row.value, environment))
+            if (std::ranges::count(folders, root) == 0)
+                folders.push_back(std::move(root));
+    return std::make_shared<FolderQuestions>(std::move(opener), std::move(folders));
+}
+
+FolderQuestions::FolderQuestions(FolderOpener opener, std::vector<std::filesystem::path> folders)
+    : questions_(new Questions{.opener = std::move(opener), .folders = std::move(folders)}) {}
+
+void FolderQuestions::ask(std::chrono::milliseconds longest, const StopSwitch* stopSwitch) {
+    if (std::exchange(asked_, true))
+        return;
+    const auto askAll = [questions = questions_] {
+        for (const auto& folder : questions->folders) {
+            static_cast<void>(questions->opener(folder));
+            const std::lock_guard lock(questions->mutex);
+            ++questions->answers;
+            questions->answered.notify_all();
+        }
+    };
+    try {
+        std::thread(askAll).detach();    // a user who never answers does not keep the process from ending
+    } catch (const std::system_error&) { // no thread can be started: the workers meet the questions
+        return;
+    }
+    constexpr std::chrono::milliseconds betweenLooks{50}; // at the switch
+    const auto end = std::chrono::steady_clock::now() + longest;
+    std::unique_lock lock(questions_->mutex);
+    while (questions_->answers < questions_->folders.size() && std::chrono::steady_clock::now() < end &&
+           !(stopSwitch && stopSwitch->isStopped()))
+        questions_->answered.wait_for(lock, betweenLooks);
+}
+
+FolderAccess FolderQuestions::access(const std::filesystem::path& folder) const {
+    const auto found = std::ranges::find(questions_->folders, folder);
+    if (found == questions_->folders.end())
+        return folderAccess(folder);
+    {
+        const std::lock_guard lock(questions_->mutex);
+        if (std::cmp_greater_equal(found - questions_->folders.begin(), questions_->answers))
+            return FolderAccess::unknown;
+    }
+    return questions_->opener(folder); // whose answer the user may have changed since
+}
+
+} // namespace vantry

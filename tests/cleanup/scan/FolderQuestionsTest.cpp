@@ -1,0 +1,141 @@
+#include "cleanup/scan/FolderQuestions.h"
+
+#include "cleanup/scan/CleanupScanner.h"
+#include "cleanup/scan/ScanStates.h"
+#include "tests/cleanup/scan/ScanFixture.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <gtest/gtest.h>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <tuple>
+
+namespace vantry::CleanupScanner {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A user who is asked about every folder, and answers when the test says so.
+struct User {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::map<std::filesystem::path, FolderAccess> answers;
+    std::map<std::filesystem::path, int> asked;
+
+    void answer(const std::filesystem::path& folder, FolderAccess access) {
+        const std::lock_guard lock(mutex);
+        answers[folder] = access;
+        changed.notify_all();
+    }
+    FolderAccess open(const std::filesystem::path& folder) {
+        std::unique_lock lock(mutex);
+        ++asked[folder];
+        changed.notify_all();
+        changed.wait(lock, [&] { return answers.contains(folder); });
+        return answers[folder];
+    }
+    void waitUntilAsked(const std::filesystem::path& folder) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return asked[folder] > 0; });
+    }
+};
+
+class FolderQuestionsTest : public testing::Test, public ScanFixture {
+protected:
+    // The thread that asks ends with the last answer.
+    ~FolderQuestionsTest() override {
+        for (const auto& folder : folders)
+            user->answer(folder, FolderAccess::readable);
+    }
+
+    const std::shared_ptr<User> user = std::make_shared<User>();
+    const std::vector<std::filesystem::path> folders{directory("Downloads"), directory("Backups")};
+    FolderQuestions questions{[user = user](const auto& folder) { return user->open(folder); }, folders};
+
+    CleanupScanState stateOf(const std::filesystem::path& folder) {
+        return accessState(workers, std::vector{folder}, budget.deadline, &questions);
+    }
+};
+
+TEST_F(FolderQuestionsTest, WaitForTheUserWhoReadsTheQuestion) {
+    std::atomic<bool> answered = false;
+    std::thread reader([&] {
+        user->waitUntilAsked(folders[0]);
+        answered = true;
+        for (const auto& folder : folders)
+            user->answer(folder, FolderAccess::readable);
+    });
+    questions.ask(1min, nullptr);
+    EXPECT_TRUE(answered);
+    reader.join();
+    EXPECT_EQ(stateOf(folders[0]), CleanupScanState::checked);
+}
+
+TEST_F(FolderQuestionsTest, ARefusalIsFolderAccessNeededAndALaterLeaveCounts) {
+    user->answer(folders[0], FolderAccess::unreadable);
+    user->answer(folders[1], FolderAccess::readable);
+    questions.ask(1min, nullptr);
+    EXPECT_EQ(stateOf(folders[0]), CleanupScanState::permissionNeeded);
+    EXPECT_EQ(stateOf(folders[1]), CleanupScanState::checked);
+    user->answer(folders[0], FolderAccess::readable);
+    EXPECT_EQ(stateOf(folders[0]), CleanupScanState::checked);
+}
+
+TEST_F(FolderQuestionsTest, WhileOneIsOpenTheFolderIsLookedAtByAWorkerOnly) {
+    questions.ask(0ms, nullptr);
+    user->waitUntilAsked(folders[0]);
+    EXPECT_EQ(questions.access(folders[0]), FolderAccess::unknown);
+    EXPECT_EQ(questions.access(folders[1]), FolderAccess::unknown); // it comes after the other
+    workers.hung.insert(folders[0]);
+    EXPECT_EQ(stateOf(folders[0]), CleanupScanState::unavailable);
+    EXPECT_EQ(user->asked[folders[0]], 1);
+}
+
+TEST_F(FolderQuestionsTest, AreAskedOnce) {
+    questions.ask(0ms, nullptr); // not answered in time
+    questions.ask(24h, nullptr); // would wait for ever
+    user->waitUntilAsked(folders[0]);
+    for (const auto& folder : folders)
+        user->answer(folder, FolderAccess::readable);
+    user->waitUntilAsked(folders[1]);
+    EXPECT_EQ(user->asked[folders[0]], 1);
+    EXPECT_EQ(user->asked[folders[1]], 1);
+}
+
+TEST_F(FolderQuestionsTest, TheEndOfTheApplicationDoesNotWaitForTheUser) {
+    const auto stopSwitch = StopSwitch::create();
+    ASSERT_TRUE(stopSwitch);
+    std::thread end([&] {
+        user->waitUntilAsked(folders[0]);
+        (*stopSwitch)->stop();
+    });
+    questions.ask(24h, stopSwitch->get());
+    end.join();
+    EXPECT_EQ(questions.access(folders[0]), FolderAccess::unknown);
+}
+
+TEST_F(FolderQuestionsTest, OtherFoldersAreNotAskedAbout) {
+    const auto other = directory("other");
+    EXPECT_EQ(questions.access(other), FolderAccess::readable);
+    EXPECT_EQ(questions.access(home() / "missing"), FolderAccess::none);
+    EXPECT_EQ(user->asked.size(), 0U);
+}
+
+TEST_F(FolderQuestionsTest, AScanAsksBeforeItsWorkersLook) {
+    std::vector<std::size_t> lookedBefore;
+    environment.questions = std::make_shared<FolderQuestions>(
+        [&](const auto&) {
+            lookedBefore.push_back(workers.asked.size());
+            return FolderAccess::readable;
+        },
+        folders);
+    std::ignore = scan(environment, workers, {});
+    ASSERT_GE(lookedBefore.size(), folders.size());
+    EXPECT_EQ(lookedBefore[folders.size() - 1], 0U);
+    EXPECT_FALSE(workers.asked.empty());
+}
+
+} // namespace
+} // namespace vantry::CleanupScanner
