@@ -1,5 +1,6 @@
 #include "app/ProcessEvents.h"
 
+#include <chrono>
 #include <unistd.h>
 #include <utility>
 
@@ -19,7 +20,8 @@ void answer(AppDelegate& delegate, InstanceRequest request) {
 ProcessEvents::ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDelegate> delegate,
                              std::unique_ptr<SingleInstance> instance, int terminationDescriptor)
     : instance_(std::move(instance)) {
-    if (instance_)
+    if (instance_) {
+        touching_ = queue.repeatEvery(std::chrono::hours(1), [instance = instance_.get()] { instance->touch(); });
         requests_ =
             queue.whenReadable(instance_->descriptor(), [from = instance_.get(), delegate = std::move(delegate)] {
                 const auto target = delegate.lock();
@@ -27,6 +29,7 @@ ProcessEvents::ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDe
                     if (target)
                         answer(*target, *request);
             });
+    }
     if (terminationDescriptor >= 0)
         termination_ = queue.whenReadable(terminationDescriptor, [terminationDescriptor, &shell] {
             char signal = 0;

@@ -18,6 +18,7 @@ public:
 private:
     std::unique_ptr<SingleInstance> instance_;
     std::unique_ptr<Subscription> requests_;
+    std::unique_ptr<Subscription> touching_;
     std::unique_ptr<Subscription> termination_;
 };
 

@@ -120,6 +120,11 @@ std::optional<InstanceRequest> SingleInstance::receive() {
     }
 }
 
+void SingleInstance::touch() const {
+    futimens(lock_.get(), nullptr);
+    utimensat(AT_FDCWD, socketPath_.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
+}
+
 std::string instanceName(const std::filesystem::path& home, const std::string& session) {
     // FNV-1a, 64 bits: a short file name, the same in every start.
     std::uint64_t hash = 14695981039346656037U;

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] int descriptor() const { return socket_.get(); }
     /// The next waiting request; absent when none waits. What is no request is passed over.
     [[nodiscard]] std::optional<InstanceRequest> receive();
+    /// Dates lock and socket anew: the system removes what is some days old from the folder.
+    void touch() const;
 
 private:
     SingleInstance(UniqueFd lock, UniqueFd socket, std::filesystem::path socketPath);

@@ -6,6 +6,9 @@
 
 #include <array>
 #include <csignal>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vantry {
@@ -77,6 +80,22 @@ TEST_F(LaterStarts, AreAllAnsweredInTheirOrder) {
     EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "nothing is left over";
 }
 
+TEST_F(LaterStarts, FindAnInstanceThatHasRunForDays) {
+    listen();
+    const auto lock = folder / (std::string(name) + ".lock");
+    const auto socket = folder / (std::string(name) + ".socket");
+    const timespec longAgo[2] = {{1'000'000, 0}, {1'000'000, 0}};
+    for (const auto& file : {lock, socket})
+        ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), longAgo, AT_SYMLINK_NOFOLLOW), 0);
+    world.mainQueue->fireTimers();
+    for (const auto& file : {lock, socket}) {
+        struct stat facts = {};
+        ASSERT_EQ(lstat(file.c_str(), &facts), 0);
+        EXPECT_GT(facts.st_mtime, 2'000'000) << file << " would be taken for one that was left behind";
+        EXPECT_GT(facts.st_atime, 2'000'000);
+    }
+}
+
 TEST_F(LaterStarts, AreHeardAndForgottenWhenTheDelegateIsGone) {
     launchAndSettle();
     listen();
@@ -95,7 +114,7 @@ TEST_F(LaterStarts, AreNotHeardAnyMoreWhenTheEventsEnd) {
     launchAndSettle();
     listen();
     events.reset();
-    EXPECT_THAT(log.calls(), ElementsAre("mainQueue.stopWatching"));
+    EXPECT_THAT(log.calls(), ElementsAre("mainQueue.stopTimer", "mainQueue.stopWatching"));
     const auto next = SingleInstance::claim(folder.path(), name);
     EXPECT_TRUE(next && *next) << "the place is free again";
 }
