@@ -20,6 +20,9 @@ namespace vantry {
 
 [[nodiscard]] NSColor* nsColor(const Rgba& color);
 
+/// Like the colour of the role whenever it is drawn, light or dark, but translucent.
+[[nodiscard]] NSColor* nsColor(SystemColor role, CGFloat alpha);
+
 [[nodiscard]] NSFont* nsFont(const Font& font);
 
 /// Light or dark, whatever variant of them (high contrast, vibrant) `view` has.

@@ -27,6 +27,18 @@ NSColor* nsColor(const Rgba& color) {
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
 }
 
+// What `colorWithAlphaComponent` answers stays as the colour is when it is asked.
+NSColor* nsColor(SystemColor role, CGFloat alpha) {
+    return [NSColor colorWithName:nil
+                  dynamicProvider:^NSColor*(NSAppearance* appearance) {
+                      __block NSColor* color = nil;
+                      [appearance performAsCurrentDrawingAppearance:^{
+                          color = [nsColor(role) colorWithAlphaComponent:alpha];
+                      }];
+                      return color;
+                  }];
+}
+
 NSFont* nsFont(const Font& font) {
     const NSFontWeight weight = nsWeight(font.weight);
     return font.monospacedDigits ? [NSFont monospacedDigitSystemFontOfSize:font.size weight:weight]

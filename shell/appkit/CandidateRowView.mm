@@ -125,7 +125,7 @@ constexpr CGFloat badgeAlpha = 0.15;
     _sizeLabel.stringValue = nsString(content.sizeText);
     _badgeLabel.stringValue = nsString(content.badge);
     _badgeLabel.textColor = nsColor(content.badgeColor);
-    _badge.fillColor = [nsColor(content.badgeColor) colorWithAlphaComponent:badgeAlpha];
+    _badge.fillColor = nsColor(content.badgeColor, badgeAlpha);
     _revealButton.identifier = identifier;
     _revealButton.accessibilityLabel = nsString(content.revealAccessibilityLabel);
 }

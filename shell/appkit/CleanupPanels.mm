@@ -79,9 +79,8 @@ constexpr CGFloat noticeFillAlpha = 0.09;
 
 - (instancetype)initWithFrame:(NSRect)frame {
     if ((self = [super initWithFrame:frame])) {
-        NSColor* green = nsColor(SystemColor::green);
-        self.fillColor = [green colorWithAlphaComponent:noticeFillAlpha];
-        self.edgeColor = [green colorWithAlphaComponent:noticeEdgeAlpha];
+        self.fillColor = nsColor(SystemColor::green, noticeFillAlpha);
+        self.edgeColor = nsColor(SystemColor::green, noticeEdgeAlpha);
         self.cornerRadius = cleanupCardRadius;
         _symbol = makeSymbolView(cleanupSymbolSide);
         _label = makeCleanupWrappingLabel(cleanupBodyFont, SystemColor::label);

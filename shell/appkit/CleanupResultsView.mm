@@ -180,8 +180,10 @@ constexpr CGFloat emptyRaise = 80;
 - (void)showSections {
     for (NSView* view in _resultsStack.arrangedSubviews)
         [view removeFromSuperview];
-    for (OmbrelCleanupSectionView* section : _sections)
+    for (OmbrelCleanupSectionView* section : _sections) {
+        section.hidden = NO; // a stack takes a hidden view out of itself, where no constraint can reach it
         addFullWidth(_resultsStack, section);
+    }
 }
 
 /// Places rows from the top until `newRows` had to be made. A section is shown once those above it are complete, so

@@ -6,6 +6,8 @@ namespace vantry {
 
 NSImage* symbolPicture(std::string_view name, CGFloat pointSize) {
     NSImage* symbol = [NSImage imageWithSystemSymbolName:nsString(name) accessibilityDescription:nil];
+    if (!symbol) // each version of the system has more of them
+        symbol = [NSImage imageWithSystemSymbolName:@"circle" accessibilityDescription:nil];
     return [symbol
         imageWithSymbolConfiguration:[NSImageSymbolConfiguration configurationWithPointSize:pointSize
                                                                                      weight:NSFontWeightRegular]];
