@@ -11,8 +11,12 @@ AppKitShell::AppKitShell()
           if (const auto target = delegate->lock())
               target->performMenuItem(item);
       })),
-      statusItem_([delegate = delegate_](std::optional<MouseEvent> event) {
-          if (const auto target = delegate->lock())
+      statusItem_([this](std::optional<MouseEvent> event) {
+          const auto target = delegate_->lock();
+          if (event == MouseEvent::leftMouseUp &&
+              popover_.wasShownAtPress([NSApplication sharedApplication].currentEvent))
+              popover_.close();
+          else if (target)
               target->statusItemPressed(event);
       }) {}
 
@@ -46,8 +50,15 @@ bool AppKitShell::popoverIsShown() const { return popover_.isVisible(); }
 void AppKitShell::popUpContextMenu(const ContextMenuContent& content) {
     NSEvent* event = [NSApplication sharedApplication].currentEvent;
     NSView* button = statusItem_.button();
-    if (event && button)
-        [NSMenu popUpContextMenu:makeContextMenu(content, menuTarget_) withEvent:event forView:button];
+    if (!event || !button)
+        return;
+    NSMenu* menu = makeContextMenu(content, menuTarget_);
+    if (event.type == NSEventTypeRightMouseUp)
+        [NSMenu popUpContextMenu:menu withEvent:event forView:button];
+    else // the click was seen by a monitor, and the event is an older one
+        [menu popUpMenuPositioningItem:nil
+                            atLocation:NSMakePoint(0, button.flipped ? NSMaxY(button.bounds) : 0)
+                                inView:button];
 }
 
 CleanupWindow& AppKitShell::cleanupWindow() {

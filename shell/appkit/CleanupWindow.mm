@@ -5,6 +5,7 @@
 #include "shell/appkit/CleanupLook.h"
 #include "shell/appkit/CleanupPanels.h"
 #include "shell/appkit/CleanupResultsView.h"
+#include "shell/appkit/KeyGuard.h"
 #include "shell/appkit/Stacks.h"
 
 #include <AppKit/AppKit.h>
@@ -49,13 +50,15 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
 @implementation OmbrelCleanupPanel
 
 - (BOOL)performKeyEquivalent:(NSEvent*)event {
-    const NSEventModifierFlags modifiers = event.modifierFlags & NSEventModifierFlagDeviceIndependentFlagsMask;
-    if ((modifiers & ~static_cast<NSEventModifierFlags>(NSEventModifierFlagCapsLock)) == NSEventModifierFlagCommand &&
-        [event.charactersIgnoringModifiers.lowercaseString isEqualToString:@"w"]) {
-        [self performClose:nil];
-        return YES;
-    }
-    return [super performKeyEquivalent:event];
+    if (!isCloseShortcut(event))
+        return [super performKeyEquivalent:event];
+    [self performClose:nil];
+    return YES;
+}
+
+- (void)keyDown:(NSEvent*)event {
+    if (!pressFocusedButton(event, self))
+        [super keyDown:event];
 }
 
 // Escape, unless a control has a use for it.
@@ -117,6 +120,8 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     _window = panel;
     _window.releasedWhenClosed = NO;
     _window.delegate = self;
+    _window.collectionBehavior =
+        NSWindowCollectionBehaviorMoveToActiveSpace | NSWindowCollectionBehaviorFullScreenAuxiliary;
 
     _noticeBox = [[OmbrelNoticeBox alloc] initWithFrame:NSZeroRect];
     NSStackView* top =
@@ -290,7 +295,9 @@ void CleanupWindow::showInFront() {
         [window deminiaturize:nil];
     else if (!window.visible)
         [window center];
+    activateApplication();
     [window makeKeyAndOrderFront:nil];
+    [window orderFrontRegardless];
     activateApplication();
 }
 

@@ -1,6 +1,5 @@
 #include "shell/appkit/KeyGuard.h"
 
-#include <AppKit/AppKit.h>
 #include <algorithm>
 #include <array>
 
@@ -8,14 +7,33 @@ namespace vantry {
 
 namespace {
 
-constexpr std::array<unsigned short, 4> guardedKeys{36, 76, 49,
-                                                    53}; // Return, Enter, Space, Escape, whatever the layout
+// The places of the keys, whatever the layout (Events.h of HIToolbox).
+constexpr unsigned short returnKey = 36;
+constexpr unsigned short enterKey = 76;
+constexpr unsigned short spaceKey = 49;
+constexpr unsigned short escapeKey = 53;
+constexpr std::array guardedKeys{returnKey, enterKey, spaceKey, escapeKey};
 
 bool isRepetition(NSEvent* event) {
     return event.isARepeat && std::ranges::find(guardedKeys, event.keyCode) != guardedKeys.end();
 }
 
 } // namespace
+
+bool isCloseShortcut(NSEvent* event) {
+    const NSEventModifierFlags modifiers = event.modifierFlags & NSEventModifierFlagDeviceIndependentFlagsMask;
+    return (modifiers & ~static_cast<NSEventModifierFlags>(NSEventModifierFlagCapsLock)) ==
+               NSEventModifierFlagCommand &&
+           [event.charactersIgnoringModifiers.lowercaseString isEqualToString:@"w"];
+}
+
+bool pressFocusedButton(NSEvent* event, NSWindow* window) {
+    NSResponder* responder = window.firstResponder;
+    if ((event.keyCode != returnKey && event.keyCode != enterKey) || ![responder isKindOfClass:[NSButton class]])
+        return false;
+    [static_cast<NSButton*>(responder) performClick:nil];
+    return true;
+}
 
 KeyGuard::KeyGuard()
     : monitor_([NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown

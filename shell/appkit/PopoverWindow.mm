@@ -2,6 +2,8 @@
 
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/BarView.h"
+#include "shell/appkit/KeyGuard.h"
+#include "shell/appkit/MouseMonitor.h"
 #include "shell/appkit/Stacks.h"
 
 #include <AppKit/AppKit.h>
@@ -66,7 +68,25 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
 
 } // namespace
 
-@interface OmbrelPopoverViewController : NSViewController
+/// ⌘W closes the popover.
+@interface OmbrelPopoverView : NSView
+@property(nonatomic, weak) NSPopover* popover;
+@end
+
+@implementation OmbrelPopoverView
+
+- (BOOL)performKeyEquivalent:(NSEvent*)event {
+    if (!isCloseShortcut(event))
+        return [super performKeyEquivalent:event];
+    [_popover performClose:nil];
+    return YES;
+}
+
+@end
+
+@interface OmbrelPopoverViewController : NSViewController <NSPopoverDelegate>
+@property(nonatomic, weak) NSPopover* popover;
+@property(nonatomic, copy) void (^closed)(void);
 - (void)setController:(std::weak_ptr<StoragePopoverViewController>)controller;
 - (void)render:(const PopoverContent&)content;
 @end
@@ -100,7 +120,9 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
 
 - (void)loadView {
     const vantry::Size size = PopoverContent{}.size;
-    self.view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
+    OmbrelPopoverView* view = [[OmbrelPopoverView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
+    view.popover = _popover;
+    self.view = view;
 
     _titleLabel = [self makeLabel:titleFont];
     _summaryLabel = [self makeLabel:bodyFont];
@@ -200,6 +222,20 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
     return horizontalStack(8, @[ _refreshButton, _settingsButton, makeFlexibleSpace(), _quitButton ]);
 }
 
+- (void)popoverDidClose:(NSNotification*)notification {
+    if (_closed)
+        _closed();
+}
+
+- (void)cancelOperation:(id)sender {
+    [_popover performClose:sender];
+}
+
+- (void)keyDown:(NSEvent*)event {
+    if (!pressFocusedButton(event, self.view.window))
+        [super keyDown:event];
+}
+
 - (void)refreshPressed:(id)sender {
     if (const auto controller = _controller.lock())
         controller->refreshPressed();
@@ -275,6 +311,20 @@ PopoverWindow::PopoverWindow() : view_([[OmbrelPopoverViewController alloc] init
     popover_.animates = YES;
     popover_.contentViewController = view_;
     popover_.contentSize = nsSize(PopoverContent{}.size);
+    popover_.delegate = view_;
+    view_.popover = popover_;
+    view_.closed = ^{
+        monitor_.reset();
+        [place_ orderOut:nil];
+        place_ = nil;
+    };
+}
+
+PopoverWindow::~PopoverWindow() {
+    view_.closed = nil;
+    popover_.delegate = nil;
+    [popover_ close];
+    [place_ orderOut:nil];
 }
 
 void PopoverWindow::setController(std::weak_ptr<StoragePopoverViewController> controller) {
@@ -289,9 +339,50 @@ void PopoverWindow::render(const PopoverContent& content) {
 }
 
 void PopoverWindow::openAt(NSView* button) {
-    [popover_ showRelativeToRect:button.bounds ofView:button preferredEdge:NSRectEdgeMinY];
+    NSView* place = button.window ? button : placeAtPointer(); // without a window, showing it there would raise
+    monitor_ =
+        std::make_unique<MouseMonitor>(NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown,
+                                       [this, button](NSEvent* event) { mousePressed(event, button); });
+    activateApplication();
+    [popover_ showRelativeToRect:place.bounds ofView:place preferredEdge:NSRectEdgeMinY];
+    [view_.view.window orderFrontRegardless];
     activateApplication();
     [view_.view.window makeKeyWindow];
+}
+
+// A transient popover does not close for other items of the menu bar. This one's button does what the press says.
+void PopoverWindow::mousePressed(NSEvent* event, NSView* button) {
+    if (pointerIsOver(button)) {
+        if (event.type == NSEventTypeLeftMouseDown)
+            press_ = event.eventNumber;
+    } else if (!event.window) {
+        close();
+    }
+}
+
+// A press and its release have the same number (kCGMouseEventNumber).
+bool PopoverWindow::wasShownAtPress(NSEvent* release) const {
+    return press_ && release.type == NSEventTypeLeftMouseUp && release.eventNumber == *press_;
+}
+
+NSView* PopoverWindow::placeAtPointer() {
+    const NSPoint pointer = NSEvent.mouseLocation;
+    NSScreen* screen = NSScreen.mainScreen;
+    for (NSScreen* candidate in NSScreen.screens)
+        if (NSPointInRect(pointer, candidate.frame))
+            screen = candidate;
+    const NSRect room = screen.visibleFrame;
+    place_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(pointer.x, NSMaxY(room) - 1, 1, 1)
+                                         styleMask:NSWindowStyleMaskBorderless
+                                           backing:NSBackingStoreBuffered
+                                             defer:NO];
+    place_.releasedWhenClosed = NO;
+    place_.opaque = NO;
+    place_.backgroundColor = [NSColor clearColor];
+    place_.ignoresMouseEvents = YES;
+    place_.level = NSStatusWindowLevel;
+    [place_ orderFrontRegardless];
+    return place_.contentView;
 }
 
 void PopoverWindow::close() { [popover_ performClose:nil]; }

@@ -45,6 +45,7 @@ struct Interface {
 
 @implementation OmbrelApplicationDelegate {
     vantry::Interface _interface;
+    NSTimeInterval _launchTime; ///< since the system started, in seconds
 }
 
 - (instancetype)initWithLaunch:(vantry::ShellLaunch)launch {
@@ -64,12 +65,16 @@ struct Interface {
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    _launchTime = NSProcessInfo.processInfo.systemUptime;
     _interface.delegate->applicationDidFinishLaunching();
 }
 
-// Opening the application once more does not start a second one.
+// Opening the application once more does not start a second one. So does the login agent when the session has restored
+// it already, which is no user who wants to see something.
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows {
-    _interface.delegate->showPopover();
+    constexpr NSTimeInterval timeToLogIn = 10;
+    if (NSProcessInfo.processInfo.systemUptime - _launchTime >= timeToLogIn)
+        _interface.delegate->showPopover();
     return NO;
 }
 
@@ -104,8 +109,9 @@ int runShell(ShellLaunch launch) {
             return noDisplayStatus;
         }
         NSApplication* application = [NSApplication sharedApplication];
-        // The application holds its delegate weakly.
-        OmbrelApplicationDelegate* delegate = [[OmbrelApplicationDelegate alloc] initWithLaunch:std::move(launch)];
+        // The application holds its delegate weakly, and a local goes after its last use.
+        NS_VALID_UNTIL_END_OF_SCOPE OmbrelApplicationDelegate* delegate =
+            [[OmbrelApplicationDelegate alloc] initWithLaunch:std::move(launch)];
         application.delegate = delegate;
         [application run];
         return EXIT_SUCCESS;

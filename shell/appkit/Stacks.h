@@ -26,7 +26,8 @@ void setHorizontalHugging(NSView* view, NSLayoutPriority priority);
 /// Below the default, a view gives way to others before it is cut off.
 void setHorizontalResistance(NSView* view, NSLayoutPriority priority);
 
-/// Makes the application the active one, whatever has the keyboard.
+/// Makes the application the active one, whatever has the keyboard. Not by `activate` of macOS 14, a request that the
+/// system refuses to an application that the user did not just turn to.
 void activateApplication();
 
 } // namespace vantry

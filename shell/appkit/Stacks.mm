@@ -80,12 +80,6 @@ void setHorizontalResistance(NSView* view, NSLayoutPriority priority) {
     [view setContentCompressionResistancePriority:priority forOrientation:NSLayoutConstraintOrientationHorizontal];
 }
 
-void activateApplication() {
-    NSApplication* application = [NSApplication sharedApplication];
-    if (@available(macOS 14.0, *))
-        [application activate];
-    else
-        [application activateIgnoringOtherApps:YES];
-}
+void activateApplication() { [[NSApplication sharedApplication] activateIgnoringOtherApps:YES]; }
 
 } // namespace vantry

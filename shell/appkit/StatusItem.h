@@ -4,11 +4,14 @@
 #include "app/StatusItemContent.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 @class NSStatusItem, NSView, OmbrelBarView, OmbrelStatusItemTarget;
 
 namespace vantry {
+
+class MouseMonitor;
 
 /// The item in the menu bar: a button that hosts the bar.
 class StatusItem {
@@ -27,6 +30,7 @@ private:
     OmbrelStatusItemTarget* target_;
     OmbrelBarView* barView_;
     NSStatusItem* item_;
+    std::unique_ptr<MouseMonitor> rightClicks_;
 };
 
 } // namespace vantry

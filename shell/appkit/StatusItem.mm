@@ -2,8 +2,10 @@
 
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/BarView.h"
+#include "shell/appkit/MouseMonitor.h"
 
 #include <AppKit/AppKit.h>
+#include <dispatch/dispatch.h>
 #include <utility>
 
 using namespace vantry;
@@ -23,10 +25,12 @@ std::optional<MouseEvent> currentMouseEvent() {
 @interface OmbrelStatusItemTarget : NSObject
 - (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed;
 - (void)statusItemPressed:(id)sender;
+- (void)rightClickSeen;
 @end
 
 @implementation OmbrelStatusItemTarget {
     std::function<void(std::optional<MouseEvent>)> _pressed;
+    unsigned _rightClicks; ///< that reached the button's action
 }
 
 - (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed {
@@ -36,7 +40,18 @@ std::optional<MouseEvent> currentMouseEvent() {
 }
 
 - (void)statusItemPressed:(id)sender {
-    _pressed(currentMouseEvent());
+    const auto event = currentMouseEvent();
+    _rightClicks += event == MouseEvent::rightMouseUp ? 1 : 0;
+    _pressed(event);
+}
+
+// Some versions of the system keep right clicks from the action. Whether this one does shows in the next turn.
+- (void)rightClickSeen {
+    const unsigned before = _rightClicks;
+    dispatch_async(dispatch_get_main_queue(), ^{
+        if (self->_rightClicks == before)
+            self->_pressed(MouseEvent::rightMouseUp);
+    });
 }
 
 @end
@@ -62,6 +77,10 @@ StatusItem::StatusItem(std::function<void(std::optional<MouseEvent>)> pressed)
         [barView_.topAnchor constraintEqualToAnchor:button.topAnchor],
         [barView_.bottomAnchor constraintEqualToAnchor:button.bottomAnchor],
     ]];
+    rightClicks_ = std::make_unique<MouseMonitor>(NSEventMaskRightMouseUp, [target = target_, button](NSEvent*) {
+        if (pointerIsOver(button))
+            [target rightClickSeen];
+    });
 }
 
 StatusItem::~StatusItem() { [[NSStatusBar systemStatusBar] removeStatusItem:item_]; }
