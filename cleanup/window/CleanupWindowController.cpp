@@ -69,7 +69,6 @@ void CleanupWindowController::finishScan(CleanupScanReport report) {
     scanSummary_ = scanSummaryText(report_);
     updateSummaryCards();
     renderResults();
-    updateSelectionSummary();
     render();
     shell_.scrollCleanupResultsToTop();
 }
@@ -109,7 +108,6 @@ void CleanupWindowController::selectSuggestedPressed() {
         if (found.canMoveToTrash())
             selectedPaths_.insert(found.url.native());
     renderResults();
-    updateSelectionSummary();
     render();
 }
 
@@ -144,7 +142,6 @@ void CleanupWindowController::trashPressed() {
         if (!found.canMoveToTrash())
             selectedPaths_.erase(found.url.native());
     renderResults();
-    updateSelectionSummary();
     ask(protectedSelectionAlert(), {});
 }
 
@@ -231,7 +228,6 @@ void CleanupWindowController::finishMove(const MoveOutcome& outcome) {
     scanSummary_ = movedText(outcome.moved.size(), outcome.failureLines.size(), outcome.recordWritten);
     updateSummaryCards();
     renderResults();
-    updateSelectionSummary();
     render();
     if (outcome.misplaced.empty())
         return;

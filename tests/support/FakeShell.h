@@ -51,6 +51,7 @@ public:
     void renderCleanupWindow(const CleanupWindowContent& content) override {
         log_->add("shell.renderCleanupWindow");
         cleanupWindow = content;
+        renderings.push_back(content);
     }
     void scrollCleanupResultsToTop() override { log_->add("shell.scrollCleanupResultsToTop"); }
     void ask(const AlertContent& content, std::function<void(AlertAnswer)> answered) override {
@@ -72,7 +73,8 @@ public:
     std::optional<ContextMenuContent> menu;     ///< popped up last
     bool cleanupWindowShown = false;
     std::optional<CleanupWindowContent> cleanupWindow;
-    std::optional<AlertContent> alert; ///< asked last
+    std::vector<CleanupWindowContent> renderings; ///< of the cleanup window, in their order
+    std::optional<AlertContent> alert;            ///< asked last
     std::function<void(AlertAnswer)> answer;
 
 private:

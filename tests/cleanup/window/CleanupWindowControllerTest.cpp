@@ -6,6 +6,7 @@ namespace vantry {
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -56,28 +57,41 @@ TEST_F(CleanupWindow, ShowsItselfAndScansInTheBackground) {
 }
 
 TEST_F(CleanupWindow, SaysWhileItScansThatItDoes) {
-    std::vector<std::string> statuses;
-    class StatusShell : public FakeShell {
-    public:
-        StatusShell(std::shared_ptr<FakeCallLog> log, std::vector<std::string>& statuses)
-            : FakeShell(std::move(log)),
-              statuses_(statuses) {}
-        void renderCleanupWindow(const CleanupWindowContent& content) override {
-            statuses_.push_back(content.statusLabel);
-            FakeShell::renderCleanupWindow(content);
-        }
-
-    private:
-        std::vector<std::string>& statuses_;
-    } statusShell(calls, statuses);
-    const auto other =
-        std::make_shared<CleanupWindowController>(statusShell, mainQueue, backgroundQueue, workspace, disk.services());
     disk.report = reportOf({});
-    other->showAndScan();
+    controller->showAndScan();
     settle();
+    std::vector<std::string> statuses;
+    for (const auto& content : shell.renderings)
+        statuses.push_back(content.statusLabel);
     EXPECT_THAT(statuses, ElementsAre(measuringStatus, checkingStatus,
                                       "Scan complete · This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · "
                                       "0 low-risk files can be selected"));
+}
+
+TEST_F(CleanupWindow, HasNothingSelectedFromTheBeginOfANewScanOn) {
+    openWith({logAt("/home/a.log")});
+    tick("/home/a.log");
+    ASSERT_TRUE(shown().trashButton.enabled);
+    shell.renderings.clear();
+    controller->scanPressed();
+    ASSERT_FALSE(shell.renderings.empty());
+    for (const auto& content : shell.renderings) {
+        EXPECT_EQ(content.selectionLabel, nothingSelected);
+        EXPECT_EQ(content.selectedCard.value, "0 B");
+    }
+}
+
+TEST_F(CleanupWindow, KnowsInItsFirstScanWhatTheGuideCannotOpen) {
+    workspace->closed = {disk.services().home / "Downloads"};
+    controller->showAndScan();
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    std::vector<bool> enabled;
+    for (const auto& section : shown().sections)
+        for (const auto& avenue : section.avenues)
+            if (avenue.button)
+                enabled.push_back(avenue.button->enabled);
+    EXPECT_THAT(enabled, Contains(false));
+    EXPECT_THAT(enabled, Contains(true));
 }
 
 TEST_F(CleanupWindow, CanStartNothingWhileItScans) {
