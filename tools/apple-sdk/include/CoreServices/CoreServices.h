@@ -2,10 +2,12 @@
 #pragma once
 #pragma clang system_header
 #include <CoreFoundation/CoreFoundation.h>
+#include <SdkAvailability.h>
 #ifdef __cplusplus
 extern "C" {
 #endif
 
+SDK_IN_13_BEGIN
 enum { kLSApplicationNotFoundErr = -10814 };
 
 CFArrayRef LSCopyApplicationURLsForBundleIdentifier(CFStringRef inBundleIdentifier, CFErrorRef *outError);
@@ -13,3 +15,4 @@ CFArrayRef LSCopyApplicationURLsForBundleIdentifier(CFStringRef inBundleIdentifi
 #ifdef __cplusplus
 }
 #endif
+SDK_IN_13_END
