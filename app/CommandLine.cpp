@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -29,6 +30,14 @@ std::vector<std::string> runningBundleIdentifiers(std::span<const std::string> a
         if (arguments[i] == "--running")
             identifiers.push_back(arguments[++i]);
     return identifiers;
+}
+
+std::optional<InstanceRequest> requestOfSecondStart(std::span<const std::string> arguments) {
+    if (std::ranges::count(arguments, "--show-cleanup") > 0)
+        return InstanceRequest::showCleanup;
+    if (std::ranges::count(arguments, "-session") > 0)
+        return std::nullopt;
+    return InstanceRequest::showPopover;
 }
 
 std::string helpText() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/SingleInstance.h"
+
 #include <functional>
 #include <optional>
 #include <span>
@@ -16,6 +18,10 @@ enum class LaunchMode { userInterface, help, version, status, statusJson, report
 
 /// The values of every "--running ID", in their order; one without a value counts for nothing.
 [[nodiscard]] std::vector<std::string> runningBundleIdentifiers(std::span<const std::string> arguments);
+
+/// What a start that finds Ombrel running asks of it. Absent for a start by a session manager that restores a session
+/// ("-session"): nobody has asked for a popover.
+[[nodiscard]] std::optional<InstanceRequest> requestOfSecondStart(std::span<const std::string> arguments);
 
 [[nodiscard]] std::string helpText();
 [[nodiscard]] std::string versionText();

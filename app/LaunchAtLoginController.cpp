@@ -5,7 +5,9 @@
 #include "platform/PropertyList.h"
 #include "platform/UserSession.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -15,7 +17,7 @@ namespace vantry::LaunchAtLoginController {
 namespace {
 
 constexpr mode_t readableByAll = 0644;
-constexpr std::size_t largestAgent = 1 << 20;
+constexpr std::size_t largestFile = 1 << 20;
 
 bool fileExists(const std::filesystem::path& path) {
     std::error_code ignored;
@@ -37,10 +39,21 @@ Result<void> removeFile(const std::filesystem::path& file) {
     return {};
 }
 
-std::filesystem::path applicationToStart(const Environment& environment) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(environment.installedApplication, ignored) ? environment.installedApplication
-                                                                                    : environment.runningApplication;
+std::optional<std::string> bytesIfReadable(const std::filesystem::path& file) {
+    auto bytes = readSmallFile(file, largestFile);
+    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
+}
+
+// The copies that may be started at login, the preferred one first; never empty. A copy that lies anywhere, in a build
+// tree for instance, counts only while none is installed.
+std::vector<std::filesystem::path> applicationsToStart(const Environment& environment) {
+    std::vector<std::filesystem::path> applications;
+    if (std::ranges::find(environment.installedApplications, environment.runningApplication) ==
+        environment.installedApplications.end())
+        std::ranges::copy_if(environment.installedApplications, std::back_inserter(applications), isApplication);
+    if (applications.empty())
+        applications.push_back(environment.runningApplication);
+    return applications;
 }
 
 PropertyList launchAgent(const std::filesystem::path& application) {
@@ -55,29 +68,33 @@ PropertyList launchAgent(const std::filesystem::path& application) {
     }};
 }
 
+Result<void> writeAgent(const Environment& environment, const std::filesystem::path& application) {
+    const auto xml = xmlPropertyList(launchAgent(application));
+    if (!xml)
+        return std::unexpected(xml.error());
+    return writeWithFolder(launchAgentURL(environment), *xml);
+}
+
 // Both files or neither: when the second step fails, the first is undone.
 
 Result<void> enable(const Environment& environment) {
     const auto agent = launchAgentURL(environment);
-    const auto application = applicationToStart(environment);
-    const auto xml = xmlPropertyList(launchAgent(application));
-    if (!xml)
-        return std::unexpected(xml.error());
+    const auto application = applicationsToStart(environment).front();
     const auto autostart = autostartFile(label);
     if (!autostart)
-        return writeWithFolder(agent, *xml);
+        return writeAgent(environment, application);
 
     const auto entry = autostartEntry(label, application);
     if (!entry)
         return std::unexpected(entry.error());
     std::optional<std::string> agentBefore;
     if (fileExists(agent)) {
-        auto bytes = readSmallFile(agent, largestAgent);
+        auto bytes = readSmallFile(agent, largestFile);
         if (!bytes)
             return std::unexpected(bytes.error());
         agentBefore = std::move(*bytes);
     }
-    if (const auto written = writeWithFolder(agent, *xml); !written)
+    if (const auto written = writeAgent(environment, application); !written)
         return written;
     const auto written = writeWithFolder(*autostart, *entry);
     if (!written)
@@ -87,14 +104,13 @@ Result<void> enable(const Environment& environment) {
 
 Result<void> disable(const Environment& environment) {
     const auto autostart = autostartFile(label);
-    const bool hadAutostart = autostart && fileExists(*autostart);
-    if (hadAutostart)
+    const auto entryBefore = autostart ? bytesIfReadable(*autostart) : std::nullopt;
+    if (autostart)
         if (const auto removed = removeFile(*autostart); !removed)
             return removed;
     const auto removed = removeFile(launchAgentURL(environment));
-    if (!removed && hadAutostart)
-        if (const auto entry = autostartEntry(label, applicationToStart(environment)))
-            std::ignore = writeWithFolder(*autostart, *entry);
+    if (!removed && entryBefore)
+        std::ignore = writeWithFolder(*autostart, *entryBefore);
     return removed;
 }
 
@@ -107,21 +123,38 @@ Result<Environment> currentEnvironment() {
     auto application = runningApplicationPath();
     if (!application)
         return std::unexpected(application.error());
-    return Environment{.home = std::move(*home), .runningApplication = std::move(*application)};
+    return Environment{.home = std::move(*home),
+                       .runningApplication = std::move(*application),
+                       .installedApplications = installedApplicationPaths()};
 }
 
 std::filesystem::path launchAgentURL(const Environment& environment) {
     return environment.home / "Library" / "LaunchAgents" / (std::string(label) + ".plist");
 }
 
-bool isEnabled(const Environment& environment) { return fileExists(launchAgentURL(environment)); }
+bool isEnabled(const Environment& environment) {
+    if (!fileExists(launchAgentURL(environment)))
+        return false;
+    const auto autostart = autostartFile(label);
+    if (!autostart)
+        return true;
+    const auto entry = bytesIfReadable(*autostart);
+    return entry && autostartEntryIsHonoured(*entry);
+}
 
 Result<void> setEnabled(const Environment& environment, bool enabled) {
     return enabled ? enable(environment) : disable(environment);
 }
 
 Result<void> refreshIfEnabled(const Environment& environment) {
-    return isEnabled(environment) ? setEnabled(environment, true) : Result<void>{};
+    if (!isEnabled(environment))
+        return {};
+    if (const auto autostart = autostartFile(label))
+        if (const auto entry = bytesIfReadable(*autostart))
+            for (const auto& application : applicationsToStart(environment))
+                if (autostartEntryStarts(*entry, application))
+                    return writeAgent(environment, application);
+    return enable(environment);
 }
 
 } // namespace vantry::LaunchAtLoginController

@@ -100,9 +100,8 @@ int runUserInterface(std::vector<std::string> arguments) {
         const auto name = instanceName(*home, graphicalSessionName());
         auto instance = SingleInstance::claim(*folder, name);
         if (instance && !*instance) {
-            const bool cleanup = std::ranges::count(launch.arguments, "--show-cleanup") > 0;
-            if (SingleInstance::ask(*folder, name,
-                                    cleanup ? InstanceRequest::showCleanup : InstanceRequest::showPopover))
+            const auto request = requestOfSecondStart(launch.arguments);
+            if (!request || SingleInstance::ask(*folder, name, *request))
                 return EXIT_SUCCESS;
             instance = SingleInstance::claim(*folder, name); // it may have been about to end
             if (instance && !*instance)

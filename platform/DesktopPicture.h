@@ -14,8 +14,9 @@ namespace vantry {
 /// but on macOS.
 [[nodiscard]] std::optional<std::filesystem::path> movingWallpaper();
 
-/// The picture chosen for `screen`, if it can be read. On Linux by the settings of the desktop that runs: GNOME,
-/// Cinnamon, MATE, KDE Plasma, Xfce, LXQt, sway, Hyprland, and elsewhere what feh or nitrogen was last told.
+/// The picture chosen for `screen`, or the one that the chosen slideshow shows now, if it can be read. On Linux by the
+/// settings of the desktop that runs: GNOME, Cinnamon, MATE, KDE Plasma, Xfce, LXQt, sway, Hyprland, and elsewhere what
+/// feh or nitrogen was last told.
 [[nodiscard]] std::optional<std::filesystem::path> desktopPicture(const Screen& screen);
 
 /// Where the system keeps the picture that is shown when none was chosen; it need not be there.

@@ -17,8 +17,8 @@ enum class ByteUnits { all, gigabytesAndTerabytes };
 /// from zero, and a figure that rounds up to 1000 takes the next unit. Nothing is "0 B". Any thread; never fails.
 [[nodiscard]] std::string byteCountText(std::int64_t bytes, ByteUnits units = ByteUnits::all);
 
-/// A fraction as a percentage with 0 to 1 fraction digits in the user's locale; absent for what is no number.
-/// Any thread; never fails otherwise.
+/// A fraction as a percentage with 0 to 1 fraction digits in the user's locale, halves rounded to even; absent for what
+/// is no number. Any thread; never fails otherwise.
 [[nodiscard]] std::optional<std::string> percentText(double fraction);
 
 /// The time of day without seconds, as the user's locale writes it, in their time zone. Any thread; never fails.

@@ -95,22 +95,26 @@ double vibrance(const RGB& color) {
 }
 
 std::vector<ColorBin> colorBins(std::span<const PicturePixel> pixels) {
-    std::vector<ColorBin> bins(levels * levels * levels); // sums of the components, at first
+    // At first the colours are sums of bytes. Those are exact, so that components with equal means are equal: a red
+    // whose green is less than its blue by a rounding error has the hue 1 instead of 0.
+    std::vector<ColorBin> bins(levels * levels * levels);
     for (const auto& pixel : pixels) {
         if (component(pixel.alpha) <= 0.5)
             continue;
         const RGB color{component(pixel.red), component(pixel.green), component(pixel.blue)};
         const int place = (quantized(color.red) * levels + quantized(color.green)) * levels + quantized(color.blue);
         ColorBin& bin = bins[static_cast<std::size_t>(place)];
-        bin.color.red += color.red;
-        bin.color.green += color.green;
-        bin.color.blue += color.blue;
+        bin.color.red += pixel.red;
+        bin.color.green += pixel.green;
+        bin.color.blue += pixel.blue;
         bin.weight += 1;
         bin.vibranceWeight += vibrance(color);
     }
     std::erase_if(bins, [](const ColorBin& bin) { return bin.weight == 0; });
-    for (auto& bin : bins)
-        bin.color = {bin.color.red / bin.weight, bin.color.green / bin.weight, bin.color.blue / bin.weight};
+    for (auto& bin : bins) {
+        const double whole = 255 * bin.weight;
+        bin.color = {bin.color.red / whole, bin.color.green / whole, bin.color.blue / whole};
+    }
     std::ranges::stable_sort(bins, std::ranges::greater(), &ColorBin::weight);
     return bins;
 }

@@ -17,10 +17,21 @@ Result<std::filesystem::path> runningApplicationPath() {
     }
 }
 
+std::vector<std::filesystem::path> installedApplicationPaths() { return {"/Applications/Ombrel.app"}; }
+
+bool isApplication(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
+}
+
 std::optional<std::filesystem::path> autostartFile(const std::string&) { return std::nullopt; }
 
 Result<std::string> autostartEntry(const std::string&, const std::filesystem::path&) {
     return std::unexpected(Error{ErrorKind::unsupported, "macOS has no autostart entries."});
 }
+
+bool autostartEntryIsHonoured(std::string_view) { return false; }
+
+bool autostartEntryStarts(std::string_view, const std::filesystem::path&) { return false; }
 
 } // namespace vantry

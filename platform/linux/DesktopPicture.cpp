@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -24,6 +25,7 @@ namespace fs = std::filesystem;
 using Picture = std::optional<fs::path>;
 
 constexpr std::size_t largestSettings = 4 << 20;
+constexpr std::size_t largestSlideshow = 1 << 20;
 constexpr std::chrono::seconds longestAnswer{1};
 
 fs::path home() { return homeFolder().value_or("/"); }
@@ -126,6 +128,9 @@ bool isListed(std::string_view list, std::string_view name) {
 }
 
 Picture readable(Picture picture) {
+    if (picture && picture->extension() == ".xml")
+        picture =
+            slideshowPicture(readSmallFile(*picture, largestSlideshow).value_or(std::string()), std::time(nullptr));
     const auto real = picture ? resolvedPath(*picture) : Result<fs::path>(std::unexpected(Error{}));
     return real && isReadableFile(*real) ? picture : std::nullopt;
 }

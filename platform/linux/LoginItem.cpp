@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <map>
+#include <ranges>
 #include <string_view>
+#include <unistd.h>
 
 namespace vantry {
 
@@ -33,6 +36,51 @@ std::string execArgument(std::string_view argument) {
     return value;
 }
 
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t\r");
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (const auto part : std::views::split(text, separator))
+        if (!part.empty())
+            parts.emplace_back(part.begin(), part.end());
+    return parts;
+}
+
+// The keys of the group "Desktop Entry".
+std::map<std::string_view, std::string_view> desktopEntryKeys(std::string_view entry) {
+    std::map<std::string_view, std::string_view> keys;
+    bool inGroup = false;
+    for (const auto part : split(entry, '\n')) {
+        const auto line = trimmed(part);
+        if (line.starts_with('['))
+            inGroup = line == "[Desktop Entry]";
+        else if (const auto equals = line.find('='); inGroup && !line.starts_with('#') && equals != line.npos)
+            keys.emplace(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+    return keys;
+}
+
+// Whether one of `names` is a name of the desktop that runs.
+bool namesCurrentDesktop(std::string_view names) {
+    const char* desktops = std::getenv("XDG_CURRENT_DESKTOP");
+    const auto current = split(desktops ? desktops : "", ':');
+    return std::ranges::any_of(split(names, ';'),
+                               [&](std::string_view name) { return std::ranges::count(current, name) > 0; });
+}
+
+bool canBeRun(std::string_view program) {
+    if (program.contains('/'))
+        return isApplication(program);
+    const char* folders = std::getenv("PATH");
+    return std::ranges::any_of(split(folders ? folders : "", ':'), [&](std::string_view folder) {
+        return isApplication(std::filesystem::path(folder) / program);
+    });
+}
+
 } // namespace
 
 Result<std::filesystem::path> runningApplicationPath() {
@@ -45,6 +93,15 @@ Result<std::filesystem::path> runningApplicationPath() {
     if (path.ends_with(deletedMark) && !std::filesystem::exists(path, failure))
         path.resize(path.size() - deletedMark.size());
     return path;
+}
+
+std::vector<std::filesystem::path> installedApplicationPaths() {
+    return {"/usr/local/bin/ombrel", "/usr/bin/ombrel"}; // as PATH has them
+}
+
+bool isApplication(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored) && access(path.c_str(), X_OK) == 0;
 }
 
 std::optional<std::filesystem::path> autostartFile(const std::string& label) {
@@ -73,6 +130,27 @@ Result<std::string> autostartEntry(const std::string& label, const std::filesyst
                        "Terminal=false\n"
                        "StartupNotify=false\n",
                        execArgument(path), label);
+}
+
+bool autostartEntryIsHonoured(std::string_view entry) {
+    const auto keys = desktopEntryKeys(entry);
+    const auto value = [&](std::string_view key) {
+        const auto found = keys.find(key);
+        return found == keys.end() ? std::nullopt : std::optional(found->second);
+    };
+    const auto only = value("OnlyShowIn");
+    const auto tried = value("TryExec");
+    return !value("Exec").value_or("").empty() && value("Hidden") != "true" &&
+           value("X-GNOME-Autostart-enabled") != "false" && value("X-MATE-Autostart-enabled") != "false" &&
+           (!only || namesCurrentDesktop(*only)) && !namesCurrentDesktop(value("NotShowIn").value_or("")) &&
+           (!tried || canBeRun(*tried));
+}
+
+bool autostartEntryStarts(std::string_view entry, const std::filesystem::path& application) {
+    const auto keys = desktopEntryKeys(entry);
+    const auto exec = keys.find("Exec");
+    return exec != keys.end() &&
+           (exec->second == application.native() || exec->second == execArgument(application.native()));
 }
 
 } // namespace vantry

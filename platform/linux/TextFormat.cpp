@@ -1,5 +1,6 @@
 #include "platform/TextFormat.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <ctime>
@@ -88,6 +89,32 @@ std::string magnitudeText(std::uint64_t bytes, ByteUnits allowed) {
     }
 }
 
+// What stands before and after a percentage's figure.
+struct PercentSigns {
+    std::string_view before;
+    std::string_view after;
+};
+
+// The percent formats of the Unicode CLDR, release 48. All other languages and regions write "47%".
+PercentSigns percentSigns() {
+    static constexpr std::array<std::string_view, 33> spaced{
+        "be", "br", "ca", "ce", "cs", "cv",  "da", "de", "dsb", "en_DK", "es_ES", "fi", "fo", "fr", "gl", "hr", "hsb",
+        "kl", "lb", "lt", "mk", "nb", "nds", "nn", "no", "ro",  "ru",    "se",    "sk", "sl", "sv", "tk", "tt"};
+    static constexpr std::array<std::string_view, 3> unspaced{"de_CH", "de_LI", "fr_CH"};
+
+    const std::string name = UserLocale(LC_NUMERIC_MASK).item(NL_LOCALE_NAME(LC_NUMERIC), "C");
+    const auto region = std::string_view(name).substr(0, name.find_first_of(".@"));
+    const auto language = region.substr(0, region.find('_'));
+    const auto isListed = [&](const auto& list) {
+        return std::ranges::find(list, language) != list.end() || std::ranges::find(list, region) != list.end();
+    };
+    if (language == "tr" || language == "ku")
+        return {"%", ""};
+    if (language == "eu")
+        return {"%\u00a0", ""};
+    return {"", isListed(spaced) && !isListed(unspaced) ? "\u00a0%" : "%"};
+}
+
 std::tm localTime(SystemTime time) {
     const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
     std::tm moment = {};
@@ -105,11 +132,12 @@ std::string byteCountText(std::int64_t bytes, ByteUnits units) {
 }
 
 std::optional<std::string> percentText(double fraction) {
-    const double tenths = std::round(fraction * 1000);
+    const double tenths = std::nearbyint(fraction * 1000);
     if (!std::isfinite(tenths) || std::abs(tenths) > 1e15)
         return std::nullopt;
-    const auto text = decimalText(static_cast<std::uint64_t>(std::abs(tenths)), 1) + "%";
-    return tenths < 0 ? "-" + text : text;
+    const auto [before, after] = percentSigns();
+    return fmt::format("{}{}{}{}", tenths < 0 ? "-" : "", before,
+                       decimalText(static_cast<std::uint64_t>(std::abs(tenths)), 1), after);
 }
 
 std::string shortTimeText(SystemTime time) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,6 +17,11 @@ namespace vantry {
 
 /// What `gsettings get` prints: a text in quotes of the language of GVariant.
 [[nodiscard]] std::optional<std::string> textOfGVariant(std::string_view printed);
+
+/// The picture that a slideshow of GNOME or MATE (an XML file) shows at `now`, seconds since 1970. In the first half of
+/// a transition that is the picture that goes, then the one that comes; of one in several sizes it is the largest.
+/// Absent for a slideshow of more than a few thousand slides.
+[[nodiscard]] std::optional<std::filesystem::path> slideshowPicture(std::string_view xml, std::int64_t now);
 
 /// "plasma-org.kde.plasma.desktop-appletsrc". The picture may be a folder with one picture in several sizes.
 [[nodiscard]] std::optional<std::filesystem::path> plasmaPicture(std::string_view settings);

@@ -1,5 +1,6 @@
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/CleanupRowView.h"
+#include "shell/qt/FigureText.h"
 #include "shell/qt/QtConversions.h"
 #include "shell/qt/SymbolPicture.h"
 

@@ -29,26 +29,6 @@ double contrast(const QColor& one, const QColor& other) {
     return std::max(first, second) / std::min(first, second);
 }
 
-int digitWidth(const QFontMetrics& metrics) {
-    int widest = 0;
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
-    return widest;
-}
-
-bool isDigit(QChar character) { return character >= u'0' && character <= u'9'; }
-
-// Calls `visit` with every run of other characters, and with every digit.
-template <class Visit>
-void forEachRun(const QString& text, Visit visit) {
-    for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {
-        end = begin + 1;
-        while (!isDigit(text[begin]) && end < text.size() && !isDigit(text[end]))
-            ++end;
-        visit(text.mid(begin, end - begin), isDigit(text[begin]));
-    }
-}
-
 } // namespace
 
 QColor roleColor(SystemColor role, Appearance appearance) { return qColor(DynamicColor{role}, appearance); }
@@ -85,26 +65,6 @@ void drawFocusRing(QPainter& painter, const QWidget& control, const QRect& rect)
         return;
     option.rect = rect;
     control.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, &control);
-}
-
-void drawFigures(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, const QString& text) {
-    const QFontMetrics metrics = painter.fontMetrics();
-    const int digit = digitWidth(metrics);
-    double x = alignment & Qt::AlignRight ? rect.right() - figuresWidth(metrics, text) : rect.left();
-    const double baseline = rect.top() + (rect.height() - metrics.height()) / 2 + metrics.ascent();
-    forEachRun(text, [&](const QString& run, bool isFigure) {
-        const int advance = metrics.horizontalAdvance(run);
-        painter.drawText(QPointF(x + (isFigure ? (digit - advance) / 2.0 : 0), baseline), run);
-        x += isFigure ? digit : advance;
-    });
-}
-
-int figuresWidth(const QFontMetrics& metrics, const QString& text) {
-    const int digit = digitWidth(metrics);
-    int width = 0;
-    forEachRun(text,
-               [&](const QString& run, bool isFigure) { width += isFigure ? digit : metrics.horizontalAdvance(run); });
-    return width;
 }
 
 int wrappedHeight(const QFontMetrics& metrics, const QString& text, int width) {

@@ -45,11 +45,6 @@ void drawCard(QPainter& painter, const QRectF& rect, Appearance appearance);
 /// The ring around a control that has the keyboard, while the keyboard is what the user moves about with.
 void drawFocusRing(QPainter& painter, const QWidget& control, const QRect& rect);
 
-/// One line whose digits are all as wide as the widest one, so that figures below each other line up. Starts at the
-/// left of `rect`, or ends at its right.
-void drawFigures(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, const QString& text);
-[[nodiscard]] int figuresWidth(const QFontMetrics& metrics, const QString& text);
-
 /// How high `text` is when it is wrapped at `width`.
 [[nodiscard]] int wrappedHeight(const QFontMetrics& metrics, const QString& text, int width);
 

@@ -1,6 +1,7 @@
 #include "shell/qt/CleanupSectionView.h"
 
 #include "shell/qt/CleanupLook.h"
+#include "shell/qt/FigureText.h"
 #include "shell/qt/QtCanvas.h"
 #include "shell/qt/QtConversions.h"
 #include "shell/qt/SymbolPicture.h"

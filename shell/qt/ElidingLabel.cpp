@@ -1,5 +1,6 @@
 #include "shell/qt/ElidingLabel.h"
 
+#include "shell/qt/FigureText.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QFontMetrics>
@@ -7,12 +8,28 @@
 #include <QStyle>
 #include <QTextLayout>
 #include <algorithm>
+#include <cmath>
 
 namespace vantry {
 
 ElidingLabel::ElidingLabel(QWidget* parent, int mostLines) : QLabel(parent), mostLines_(mostLines) {
     setWordWrap(mostLines > 1);
 }
+
+void ElidingLabel::setMonospacedDigits(bool monospaced) {
+    monospacedDigits_ = monospaced;
+    updateGeometry();
+}
+
+// What digits of one width take beyond the width of the text.
+int ElidingLabel::widthOfCells() const {
+    if (!monospacedDigits_)
+        return 0;
+    const QFontMetricsF metrics(font(), this);
+    return std::max(0, static_cast<int>(std::ceil(figuresWidth(metrics, text()) - metrics.horizontalAdvance(text()))));
+}
+
+QSize ElidingLabel::sizeHint() const { return QLabel::sizeHint() + QSize(widthOfCells(), 0); }
 
 // A word that no line can hold, as a path may be, goes on in the next one.
 QStringList ElidingLabel::linesFor(int width) const {
@@ -48,9 +65,14 @@ int ElidingLabel::heightForWidth(int width) const {
 
 void ElidingLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const QStringList lines = linesFor(width());
-    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(),
-                          lines.join(QLatin1Char('\n')), foregroundRole());
+    const QStringList lines = linesFor(width() - widthOfCells());
+    if (monospacedDigits_) {
+        painter.setPen(palette().color(foregroundRole()));
+        drawFigures(painter, rect(), alignment(), lines.last());
+    } else {
+        style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(),
+                              lines.join(QLatin1Char('\n')), foregroundRole());
+    }
     const bool isWhole = text().endsWith(lines.last());
     setToolTip(isWhole ? QString() : wrappedToolTip(text()));
     setAccessibleDescription(isWhole ? QString() : text()); // or it would be the tooltip with its marks

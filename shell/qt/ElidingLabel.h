@@ -13,6 +13,10 @@ class ElidingLabel : public QLabel {
 public:
     explicit ElidingLabel(QWidget* parent, int mostLines = 1);
 
+    /// Makes all digits equally wide (see FigureText.h). For one line.
+    void setMonospacedDigits(bool monospaced);
+
+    [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] int heightForWidth(int width) const override;
     /// The text as it is shown at `width`.
@@ -22,7 +26,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] int widthOfCells() const;
+
     int mostLines_;
+    bool monospacedDigits_ = false;
 };
 
 } // namespace vantry

@@ -137,6 +137,7 @@ void PopoverWindow::build() {
 QLabel* PopoverWindow::makeLabel(const Font& font, int mostLines) {
     auto* label = new ElidingLabel(this, mostLines);
     label->setFont(qFont(font, *this));
+    label->setMonospacedDigits(font.monospacedDigits);
     label->setTextFormat(Qt::PlainText);
     return label;
 }

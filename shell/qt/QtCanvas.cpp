@@ -1,6 +1,7 @@
 #include "shell/qt/QtCanvas.h"
 
 #include "platform/linux/SystemColors.h"
+#include "shell/qt/FigureText.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QFontDatabase>
@@ -96,7 +97,10 @@ void QtCanvas::fillGradient(const Rect& rect, std::span<const GradientStop> stop
 void QtCanvas::drawText(std::string_view text, const Font& font, const Color& color, const Rect& rect) {
     painter_.setFont(qFont(font, *painter_.device()));
     painter_.setPen(qColor(color, appearance_));
-    painter_.drawText(qRect(rect), Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, qString(text));
+    if (font.monospacedDigits)
+        drawFigures(painter_, qRect(rect), Qt::AlignCenter, qString(text));
+    else
+        painter_.drawText(qRect(rect), Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, qString(text));
 }
 
 double QtCanvas::boundingHeight(const Font& font) const {
@@ -104,7 +108,8 @@ double QtCanvas::boundingHeight(const Font& font) const {
 }
 
 double QtCanvas::textWidth(std::string_view text, const Font& font) const {
-    return QFontMetricsF(qFont(font, *painter_.device()), painter_.device()).horizontalAdvance(qString(text));
+    const QFontMetricsF metrics(qFont(font, *painter_.device()), painter_.device());
+    return font.monospacedDigits ? figuresWidth(metrics, qString(text)) : metrics.horizontalAdvance(qString(text));
 }
 
 } // namespace vantry

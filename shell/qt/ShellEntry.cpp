@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
+#include <QSessionManager>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -63,6 +64,13 @@ void terminateAtExit(const std::shared_ptr<AppDelegate>& delegate) {
     });
 }
 
+// Whether Ombrel starts at login is for "Launch at Login" to say, not for a session manager that restores programs.
+void stayOutOfRestoredSessions() {
+    const auto decline = [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); };
+    for (const auto request : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
+        QObject::connect(qApp, request, qApp, decline, Qt::DirectConnection);
+}
+
 int runShell(ShellLaunch launch) {
     if (!choosePlatform()) {
         std::fputs("ombrel: There is no display to show the bar on.\n", stderr);
@@ -74,6 +82,7 @@ int runShell(ShellLaunch launch) {
     QApplication::setDesktopFileName(QStringLiteral("app.ombrel.Ombrel"));
     GuardedApplication application(argumentCount, argumentValues);
     QApplication::setApplicationName(QStringLiteral("ombrel"));
+    stayOutOfRestoredSessions();
     installBarAccessibility();
     installCleanupAccessibility();
     QIcon::setFallbackThemeName(QStringLiteral("breeze")); // a bare session has no theme

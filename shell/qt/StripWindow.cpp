@@ -2,12 +2,14 @@
 
 #include "shell/qt/QtCanvas.h"
 #include "shell/qt/QtConversions.h"
+#include "shell/qt/X11Strut.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <cstdlib>
 #include <utility>
 
 namespace vantry {
@@ -51,9 +53,29 @@ void StripWindow::setContent(const StatusItemContent& content) {
 void StripWindow::place() {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
-        placedAt_ = {area.right() + 1 - width(), area.top()};
+        // An area that begins right below the strip is what the strip itself has left.
+        const bool pushesItself = reserved_ && std::abs(area.top() - placedAt_.y() - height()) <= 1;
+        placedAt_ = {area.right() + 1 - width(), pushesItself ? placedAt_.y() : area.top()};
         move(placedAt_);
+        reserve();
     }
+}
+
+// Else the strip would cover the close button of a maximised window.
+void StripWindow::reserve() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen || !isVisible())
+        return;
+    const QPoint origin = screen->geometry().topLeft(); // the same in points and in pixels
+    reserved_ = origin.y() == 0;
+    const qreal scale = screen->devicePixelRatio();
+    const QRectF inPixels(origin + QPointF(placedAt_ - origin) * scale, QSizeF(size()) * scale);
+    reserveTopEdge(winId(), reserved_ ? inPixels.toAlignedRect() : QRect());
+}
+
+void StripWindow::showEvent(QShowEvent* event) {
+    QAbstractButton::showEvent(event);
+    reserve();
 }
 
 void StripWindow::paintEvent(QPaintEvent* /*event*/) {

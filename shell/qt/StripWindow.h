@@ -10,7 +10,9 @@
 namespace vantry {
 
 /// Stands in for the tray where there is none: a slim strip at the top right edge of the screen, above other windows,
-/// that shows the bar in its natural shape. One button with the item's accessibility text; the bar inside is silent.
+/// that shows the bar in its natural shape. Maximised windows stay below it, where the window manager is asked by X11
+/// and the screen reaches up to the edge of them all. One button with the item's accessibility text; the bar inside is
+/// silent.
 class StripWindow : public QAbstractButton {
     Q_OBJECT
 
@@ -24,6 +26,7 @@ public:
     [[nodiscard]] QRect itemGeometry() const { return {placedAt_, size()}; }
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -31,6 +34,7 @@ protected:
 
 private:
     void place();
+    void reserve();
 
     const QtAppearance& appearance_;
     std::function<bool()> closesPopover_;
@@ -38,6 +42,7 @@ private:
     StatusItemContent content_;
     Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none for a press that the popover had, or that is spent
     QPoint placedAt_;
+    bool reserved_ = false; ///< the screen's available area lacks what is above the strip's lower edge
 };
 
 } // namespace vantry

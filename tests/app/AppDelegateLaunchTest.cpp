@@ -48,9 +48,8 @@ TEST_F(AppDelegateLaunch, DoesNothingSlowByItself) {
 TEST_F(AppDelegateLaunch, RewritesTheLaunchAgentOnlyWhenThereIsOne) {
     const TemporaryFolder home;
     const ScopedEnvironment configuration("XDG_CONFIG_HOME", (home / "configuration").c_str());
-    const LaunchAtLoginController::Environment environment{.home = home.path(),
-                                                           .runningApplication = "/opt/ombrel/bin/ombrel",
-                                                           .installedApplication = home / "no such bundle"};
+    const LaunchAtLoginController::Environment environment{
+        .home = home.path(), .runningApplication = "/opt/ombrel/bin/ombrel", .installedApplications = {}};
     const auto agent = LaunchAtLoginController::launchAgentURL(environment);
     AppServices services = world.appServices();
     services.loginItem.refreshIfEnabled = [environment] {
@@ -59,7 +58,7 @@ TEST_F(AppDelegateLaunch, RewritesTheLaunchAgentOnlyWhenThereIsOne) {
     launchWith(services);
     EXPECT_TRUE(std::filesystem::is_empty(home.path()));
 
-    std::filesystem::create_directories(agent.parent_path());
+    ASSERT_TRUE(LaunchAtLoginController::setEnabled(environment, true));
     writeFile(agent, "of an application that has moved");
     launchWith(services);
     EXPECT_THAT(readFile(agent), testing::HasSubstr("<string>/opt/ombrel/bin/ombrel</string>"));

@@ -52,6 +52,13 @@ TEST(CommandLine, EveryRunningApplicationIsNamedByTheArgumentAfterItsOption) {
     EXPECT_THAT(runningBundleIdentifiers(Arguments{"--running", "--running", "b"}), ElementsAre("--running"));
 }
 
+TEST(CommandLine, ASecondStartAsksForThePopoverUnlessItRestoresASession) {
+    EXPECT_EQ(requestOfSecondStart(Arguments{}), InstanceRequest::showPopover);
+    EXPECT_EQ(requestOfSecondStart(Arguments{"--show-cleanup"}), InstanceRequest::showCleanup);
+    EXPECT_EQ(requestOfSecondStart(Arguments{"-session", "10a2b_3"}), std::nullopt);
+    EXPECT_EQ(requestOfSecondStart(Arguments{"--session"}), InstanceRequest::showPopover);
+}
+
 TEST(CommandLine, TheHelpNamesEveryOption) {
     for (const char* option : {"--show-cleanup", "--status", "--status=json", "--report", "--report=json",
                                "--running ID", "--help", "--version"})

@@ -11,6 +11,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <vector>
 
 namespace vantry {
 namespace {
@@ -23,7 +24,23 @@ protected:
     [[nodiscard]] Controller::Environment environment(const std::string& application = "/opt/ombrel/ombrel") const {
         return {.home = home_.path(),
                 .runningApplication = application,
-                .installedApplication = home_ / "Applications/Ombrel.app"};
+                .installedApplications = {home_ / "local/ombrel", home_ / "usr/ombrel"}};
+    }
+    /// An executable file of that name in the home folder.
+    [[nodiscard]] std::string install(const std::string& name) const {
+        const auto file = home_ / name;
+        std::filesystem::create_directories(file.parent_path());
+        writeFile(file, "");
+        std::filesystem::permissions(file, std::filesystem::perms(0755));
+        return file.native();
+    }
+    void expectBothStart(const std::string& application) const {
+        EXPECT_NE(readFile(agent()).find("<string>" + application + "</string>"), std::string::npos) << application;
+        EXPECT_NE(readFile(autostart()).find("Exec=\"" + application + "\"\n"), std::string::npos) << application;
+    }
+    void addToEntry(const std::string& line) const {
+        auto entry = readFile(autostart());
+        writeFile(autostart(), entry + line + "\n");
     }
     [[nodiscard]] std::filesystem::path agents() const { return home_ / "Library/LaunchAgents"; }
     [[nodiscard]] std::filesystem::path agent() const { return agents() / "app.ombrel.Ombrel.plist"; }
@@ -119,19 +136,66 @@ TEST_F(LaunchAtLogin, DisablingWithNoFilePresentSucceedsAndMakesNothing) {
     EXPECT_FALSE(std::filesystem::exists(home_ / ".config"));
 }
 
-TEST_F(LaunchAtLogin, AnInstalledBundleIsPreferredToTheRunningCopy) {
-    std::filesystem::create_directories(home_ / "Applications/Ombrel.app");
+TEST_F(LaunchAtLogin, AnInstalledCopyIsPreferredToARunningOneThatIsNotInstalled) {
+    const auto usr = install("usr/ombrel");
     enableOrFail();
-    const std::string expected = "<string>" + (home_ / "Applications/Ombrel.app").native() + "</string>";
-    EXPECT_NE(readFile(agent()).find(expected), std::string::npos);
-    EXPECT_EQ(readFile(agent()).find("/opt/ombrel/ombrel"), std::string::npos);
+    expectBothStart(usr);
+    const auto local = install("local/ombrel");
+    enableOrFail();
+    expectBothStart(local);
+    ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
+    expectBothStart(usr);
 }
 
-TEST_F(LaunchAtLogin, AFileCalledLikeTheBundleIsNoBundle) {
-    std::filesystem::create_directories(home_ / "Applications");
-    writeFile(home_ / "Applications/Ombrel.app", "");
+TEST_F(LaunchAtLogin, WhatCannotBeRunIsNoInstalledCopy) {
+    std::filesystem::create_directories(home_ / "local/ombrel");
+    std::filesystem::create_directories(home_ / "usr");
+    writeFile(home_ / "usr/ombrel", "not executable");
     enableOrFail();
-    EXPECT_NE(readFile(agent()).find("<string>/opt/ombrel/ombrel</string>"), std::string::npos);
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLogin, ACopyThatIsNotInstalledLeavesTheEntryToAnInstalledOne) {
+    install("local/ombrel");
+    const auto usr = install("usr/ombrel");
+    ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart(usr);
+    std::filesystem::remove_all(home_ / "usr");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart(home_ / "local/ombrel");
+    std::filesystem::remove_all(home_ / "local");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLogin, RefreshingKeepsWhatTheUserAddedToARightEntry) {
+    enableOrFail();
+    addToEntry("X-GNOME-Autostart-Delay=20");
+    const auto entry = readFile(autostart());
+    writeFile(agent(), "outdated");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    EXPECT_EQ(readFile(autostart()), entry);
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLogin, AnEntryThatTheUserSwitchedOffOrRemovedIsOffAndStaysAsItIs) {
+    for (const char* line : {"Hidden=true", "X-GNOME-Autostart-enabled=false", ""}) {
+        enableOrFail();
+        writeFile(agent(), "outdated");
+        if (*line)
+            addToEntry(line);
+        else
+            std::filesystem::remove(autostart());
+        const auto entry = *line ? readFile(autostart()) : "";
+        EXPECT_FALSE(Controller::isEnabled(environment())) << line;
+        ASSERT_TRUE(Controller::refreshIfEnabled(environment("/new/place/ombrel")));
+        EXPECT_EQ(readFile(agent()), "outdated") << line;
+        EXPECT_EQ(std::filesystem::exists(autostart()) ? readFile(autostart()) : "", entry) << line;
+        enableOrFail();
+        EXPECT_TRUE(Controller::isEnabled(environment())) << line;
+        expectBothStart("/opt/ombrel/ombrel");
+    }
 }
 
 TEST_F(LaunchAtLogin, RefreshingWritesAnExistingAgentForTheCurrentLocation) {
@@ -160,12 +224,16 @@ TEST_F(LaunchAtLogin, APathThatNeitherFileCanHoldIsAnErrorAndChangesNothing) {
     EXPECT_EQ(readFile(agent()), before);
 }
 
-TEST_F(LaunchAtLogin, TheFilesExistenceIsTheOnlyTruth) {
+TEST_F(LaunchAtLogin, BothFilesAreTheOnlyTruth) {
     enableOrFail();
     std::filesystem::remove(agent());
     EXPECT_FALSE(Controller::isEnabled(environment()));
     writeFile(agent(), "anything");
     EXPECT_TRUE(Controller::isEnabled(environment()));
+    std::filesystem::remove(autostart());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    std::filesystem::create_directory(autostart());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
 }
 
 TEST_F(LaunchAtLogin, AFolderInThePlaceOfTheFileIsNoAgentAndStays) {
@@ -188,9 +256,11 @@ TEST_F(LaunchAtLogin, ADanglingLinkIsNoAgentAndIsReplacedByEnabling) {
 }
 
 TEST_F(LaunchAtLogin, WhatALinkLeadsToIsNeverRemoved) {
-    std::filesystem::create_directories(agents());
+    enableOrFail();
     writeFile(home_ / "kept", "kept");
+    std::filesystem::remove(agent());
     std::filesystem::create_symlink(home_ / "kept", agent());
+    EXPECT_TRUE(Controller::isEnabled(environment()));
     ASSERT_TRUE(Controller::setEnabled(environment(), false));
     EXPECT_FALSE(Controller::isEnabled(environment()));
     EXPECT_EQ(readFile(home_ / "kept"), "kept");
@@ -247,6 +317,7 @@ TEST_F(LaunchAtLogin, AnAgentOfMoreThanAMebibyteIsNotReplaced) {
 
 TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
     enableOrFail();
+    addToEntry("X-GNOME-Autostart-Delay=20");
     const std::string entry = readFile(autostart());
     std::filesystem::permissions(agents(), std::filesystem::perms(0555));
     for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
@@ -264,7 +335,7 @@ TEST_F(LaunchAtLogin, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatItDidNot
     for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
         std::filesystem::permissions(folder, std::filesystem::perms::all);
     EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
-    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_TRUE(std::filesystem::exists(agent()));
     EXPECT_FALSE(std::filesystem::exists(autostart()));
 }
 
@@ -291,7 +362,8 @@ TEST_F(LaunchAtLogin, TheCurrentEnvironmentIsTheUsersHomeAndTheRunningApplicatio
     ASSERT_TRUE(current) << current.error().message;
     EXPECT_EQ(current->home, home_.path());
     EXPECT_EQ(current->runningApplication, std::filesystem::read_symlink("/proc/self/exe"));
-    EXPECT_EQ(current->installedApplication, "/Applications/Ombrel.app");
+    EXPECT_EQ(current->installedApplications,
+              (std::vector<std::filesystem::path>{"/usr/local/bin/ombrel", "/usr/bin/ombrel"}));
 }
 
 TEST_F(LaunchAtLogin, ThereIsNoCurrentEnvironmentForAUserWithoutAHome) {

@@ -4,7 +4,7 @@ import time
 from collections import namedtuple
 
 from PIL import Image
-from Xlib import X, XK, display, error
+from Xlib import X, XK, Xatom, display, error
 from Xlib.ext import xtest
 
 from waiting import wait_until
@@ -79,6 +79,23 @@ class Screen:
 
         visit(self.root, 0)
         return found
+
+    def open_maximised_window(self):
+        """A window that fills what the window manager leaves it: its place with its frame, and itself."""
+        handle = self.root.create_window(100, 100, 300, 200, 0, X.CopyFromParent, background_pixel=0x336699)
+        states = [self.display.intern_atom(f"_NET_WM_STATE_MAXIMIZED_{way}") for way in ("VERT", "HORZ")]
+        handle.change_property(self.display.intern_atom("_NET_WM_STATE"), Xatom.ATOM, 32, states)
+        handle.map()
+        self.display.sync()
+
+        def frame():
+            outer = handle
+            while (parent := outer.query_tree().parent) != self.root:
+                outer = parent
+            geometry = outer.get_geometry()
+            return geometry.width >= 900 and Rect(geometry.x, geometry.y, geometry.width, geometry.height)
+
+        return wait_until(frame, "a maximised window"), handle
 
     def selection_owner(self, name):
         """The id of the window that owns a selection, 0 when none does."""

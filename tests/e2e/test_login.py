@@ -5,6 +5,7 @@ import plistlib
 import shutil
 import signal
 import subprocess
+import unittest
 from pathlib import Path
 
 from case import DesktopCase
@@ -12,6 +13,7 @@ from desktop import PROGRAM
 from waiting import wait_for_equal, wait_until
 
 BOX = "Launch at Login"
+INSTALLED = next((path for path in ("/usr/local/bin/ombrel", "/usr/bin/ombrel") if os.access(path, os.X_OK)), None)
 
 
 class Login(DesktopCase):
@@ -31,12 +33,12 @@ class Login(DesktopCase):
         with home.agent_file.open("rb") as file:
             agent = plistlib.load(file)
         self.assertEqual(agent, {"Label": "app.ombrel.Ombrel",
-                                 "ProgramArguments": ["/usr/bin/open", "-g", str(PROGRAM)], "RunAtLoad": True,
+                                 "ProgramArguments": ["/usr/bin/open", "-g", INSTALLED or str(PROGRAM)], "RunAtLoad": True,
                                  "LimitLoadToSessionType": "Aqua", "ProcessType": "Interactive"})
         self.assertTrue(home.agent_file.read_bytes().startswith(b"<?xml"))
         self.assertEqual(home.agent_file.stat().st_mode & 0o7777, 0o644)
         entry = home.autostart_file.read_text()
-        self.assertIn(f'\nExec="{PROGRAM}"\n', entry)
+        self.assertIn(f'\nExec="{INSTALLED or PROGRAM}"\n', entry)
         check = subprocess.run(["desktop-file-validate", home.autostart_file], capture_output=True, text=True, check=False)
         self.assertEqual((check.returncode, check.stdout), (0, ""))
         for file in (home.agent_file, home.autostart_file):
@@ -66,15 +68,18 @@ class Login(DesktopCase):
         self.expect_files(application.home, True)
         self.expect_right_contents(application.home)
 
-    def test_box_and_menu_follow_the_file(self):
+    def test_box_and_menu_follow_the_files(self):
         application = self.start_and_wait()
         home = application.home
         for present in (True, False):
             if present:
                 home.agent_file.parent.mkdir(parents=True)
                 home.agent_file.write_text("written by somebody else")
+                home.autostart_file.parent.mkdir(parents=True, exist_ok=True)
+                home.autostart_file.write_text("[Desktop Entry]\nType=Application\nName=Ombrel\nExec=ombrel\n")
             else:
-                home.agent_file.unlink()
+                with home.autostart_file.open("a") as file:
+                    file.write("Hidden=true\n")
             popover = self.open_and_read_popover(application, application.strip().rect)
             self.assertEqual(popover.find("check box", BOX).has("checked"), present)
             self.desktop.screen.key("Escape")
@@ -89,9 +94,25 @@ class Login(DesktopCase):
         home = self.desktop.new_home()
         home.agent_file.parent.mkdir(parents=True)
         home.agent_file.write_text("for a place where the application was once")
+        home.autostart_file.parent.mkdir(parents=True, exist_ok=True)
+        home.autostart_file.write_text("[Desktop Entry]\nType=Application\nName=Ombrel\nExec=/gone/ombrel\n")
         self.start_and_wait(home=home)
         self.expect_files(home, True)
         self.expect_right_contents(home)
+
+    def test_a_start_leaves_an_entry_that_the_user_removed_or_switched_off(self):
+        for entry in (None, "[Desktop Entry]\nType=Application\nName=Ombrel\nExec=/gone/ombrel\nHidden=true\n"):
+            with self.subTest(entry=entry):
+                home = self.desktop.new_home()
+                home.agent_file.parent.mkdir(parents=True)
+                home.agent_file.write_text("an agent")
+                if entry:
+                    home.autostart_file.parent.mkdir(parents=True, exist_ok=True)
+                    home.autostart_file.write_text(entry)
+                application = self.start_and_wait(home=home)
+                self.assertEqual(home.agent_file.read_text(), "an agent")
+                self.assertEqual(home.autostart_file.read_text() if home.autostart_file.exists() else None, entry)
+                self.assertEqual(application.close(), 0)
 
     def test_a_start_makes_no_agent_where_there_is_none(self):
         home = self.desktop.new_home()
@@ -122,6 +143,7 @@ class Login(DesktopCase):
                                            for label in popover.find_all("label")), "the failure to go")
                 self.assertEqual(application.close(), 0)
 
+    @unittest.skipIf(INSTALLED, "SKIPPED: an installed copy takes the entry")
     def test_the_entry_starts_the_application(self):
         # A copy in a folder with a name that needs escaping. (GLib starts nothing that has a percent sign in its path.)
         folder = self.desktop.folder / 'a "quoted" $name & <more> \\ ü'

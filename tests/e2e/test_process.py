@@ -1,5 +1,6 @@
 """Starting and ending: what a session, another start and a broken environment do to the application."""
 
+import ast
 import json
 import os
 import shutil
@@ -40,6 +41,22 @@ class Process(DesktopCase):
             self.desktop.screen.key("Escape")
             first.wait_until_popover_closed()
         self.assertTrue(first.is_running())
+
+    def test_a_start_that_restores_a_session_opens_no_popover(self):
+        first = self.start_and_wait()
+        self.assertEqual(self.start(home=first.home, arguments=("-session", "10a2b_3")).wait_for_end(), 0)
+        holds(lambda: not first.popover(), "the closed popover")
+        self.assertIsNone(self.start_and_wait(arguments=("-session", "10a2b_3")).popover())
+
+    def test_a_session_manager_is_told_never_to_restart_it(self):
+        manager = self.desktop.spawn(["/usr/bin/python3", Path(__file__).with_name("session_manager.py")],
+                                     stdout=subprocess.PIPE, text=True)
+        self.addCleanup(manager.stdout.close)
+        address = manager.stdout.readline().strip()
+        self.start_and_wait(environment={"SESSION_MANAGER": address})
+        properties = ast.literal_eval(manager.stdout.readline())
+        self.assertEqual(properties["Program"], [b"ombrel"])
+        self.assertEqual(properties["RestartStyleHint"][0][0], 3)  # SmRestartNever
 
     def test_a_second_start_leaves_an_open_popover_open(self):
         first = self.start_and_wait()

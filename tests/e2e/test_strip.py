@@ -36,6 +36,24 @@ class Strip(DesktopCase):
         self.assertEqual(button.description, HALF_FULL)
         self.assertEqual((button.rect.width, button.rect.height), (60, 24))
 
+    def test_covers_no_maximised_window(self):
+        application, strip = self.start_and_wait()
+        for shows in (True, False):
+            self.choose_from_menu(self.open_menu(application, application.strip().rect), "Show % Used")
+            width = 94 if shows else 60
+            strip = application.wait_for_strip(width)
+            frame, window = self.desktop.screen.open_maximised_window()
+            self.assertEqual((frame.y, frame.y + frame.height), (24, 760))
+            holds(lambda: application.strip().rect == Rect(1000 - width, 0, width, 24), "the strip's place")
+            window.destroy()
+
+    def test_leaves_nothing_reserved_when_it_ends(self):
+        application, _strip = self.start_and_wait()
+        application.close()
+        frame, window = self.desktop.screen.open_maximised_window()
+        self.assertEqual(frame.y, 0)
+        window.destroy()
+
     def test_shows_how_full_the_volume_is(self):
         # The bar is 50 points wide; its ends are round.
         for used, low, high in ((0.0, 0, 0), (0.1, 3, 6), (0.5, 23, 26), (0.9, 43, 46), (1.0, 48, 50)):

@@ -97,7 +97,7 @@ void readWallpaperSettings(std::string_view bytes) {
     for (const auto& picture :
          {pathOfUrl(settings), plasmaPicture(settings), xfcePicture(settings, screen), lxqtPicture(settings),
           swayPicture(settings, screen, "/home"), hyprlandPicture(settings, screen, "/home"), fehPicture(settings),
-          nitrogenPicture(settings)})
+          nitrogenPicture(settings), slideshowPicture(settings, 1'700'000'000)})
         requireThat(!picture || picture->is_absolute(), "a picture has an absolute path");
     const auto text = textOfGVariant(settings);
     requireThat(!text || text->size() + 2 <= settings.size(), "a text is no longer than what is printed of it");

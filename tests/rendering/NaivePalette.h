@@ -33,11 +33,11 @@ public:
 
 private:
     struct Bin {
-        std::array<double, 3> sums{};
+        std::array<int, 3> sums{};
         double weight = 0;
         double vibrance = 0;
 
-        [[nodiscard]] double average(int i) const { return sums[static_cast<std::size_t>(i)] / weight; }
+        [[nodiscard]] double average(int i) const { return sums[static_cast<std::size_t>(i)] / (255 * weight); }
     };
     struct Hue {
         double h, s, v;
@@ -56,8 +56,7 @@ private:
             const double low = *std::ranges::min_element(c);
             const double s = v > 0 ? (v - low) / v : 0;
             Bin& bin = counted[key];
-            for (std::size_t i = 0; i < 3; ++i)
-                bin.sums[i] += c[i];
+            bin.sums = {bin.sums[0] + pixel.red, bin.sums[1] + pixel.green, bin.sums[2] + pixel.blue};
             bin.weight += 1;
             bin.vibrance += 0.18 + 3.4 * s * s + 0.65 * s * std::sqrt(v);
         }

@@ -222,6 +222,13 @@ TEST(WallpaperPalette, IsOrderedByHueWithTheNearGreysBehindByBrightness) {
     EXPECT_EQ(order, "0.10 1.00 0.50 0.09 0.05 ");
 }
 
+TEST(WallpaperPalette, ARedWithEquallyMuchGreenAndBlueComesFirst) {
+    const auto palette = paletteOfPixels(std::vector<PicturePixel>{{255, 18, 17}, {255, 32, 33}, {0, 255, 0}}, 7);
+    ASSERT_EQ(palette.size(), 2U);
+    EXPECT_EQ(hsbOf(palette[0]).hue, 0);
+    EXPECT_DOUBLE_EQ(hsbOf(palette[1]).hue, 1.0 / 3);
+}
+
 TEST(WallpaperPalette, OfATransparentPictureIsEmpty) {
     EXPECT_TRUE(paletteOfPixels(filled({200, 30, 40, 0}), 7).empty());
     EXPECT_TRUE(paletteOfPixels(filled({200, 30, 40, 127}), 7).empty());

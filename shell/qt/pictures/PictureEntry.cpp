@@ -1,6 +1,7 @@
 #include "platform/linux/PictureDecoders.h"
 #include "shell/qt/pictures/FilmFrame.h"
 #include "shell/qt/pictures/HeifPicture.h"
+#include "shell/qt/pictures/JxlPicture.h"
 #include "shell/qt/pictures/QtPicture.h"
 #include "shell/qt/pictures/WebpPicture.h"
 
@@ -11,6 +12,8 @@ namespace {
 std::optional<PicturePixels> decodePicture(std::span<const std::byte> contents) {
     if (isHeif(contents))
         return decodeHeif(contents);
+    if (isJxl(contents))
+        return decodeJxl(contents);
     return isWebp(contents) ? decodeWebp(contents) : decodeWithQt(contents);
 }
 

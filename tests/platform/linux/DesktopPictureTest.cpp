@@ -59,6 +59,22 @@ TEST_F(DesktopPicture, IsWhatGnomeSays) {
     EXPECT_EQ(desktopPicture(screen), root / "two.png");
 }
 
+TEST_F(DesktopPicture, IsTheOneThatTheSlideshowShows) {
+    const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "GNOME");
+    program("gsettings", "echo \"'" + url("slides.xml") + "'\"");
+    const auto slide = [this](const char* name) {
+        return "<static><duration>5</duration><file>" + (root / name).native() + "</file></static>";
+    };
+    write("slides.xml", slide("one.png"));
+    EXPECT_EQ(desktopPicture(screen), root / "one.png");
+    write(".fehbg", "feh --bg-fill " + (root / "two.png").native());
+    for (const std::string& text :
+         {slide("missing.png"), slide("one.png") + std::string(1 << 20, ' '), std::string()}) {
+        write("slides.xml", text);
+        EXPECT_EQ(desktopPicture(screen), root / "two.png") << text.size();
+    }
+}
+
 TEST_F(DesktopPicture, IsNotWaitedForWhenTheDesktopDoesNotAnswer) {
     const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "X-Cinnamon");
     program("gsettings", "exec sleep 600");

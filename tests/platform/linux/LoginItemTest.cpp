@@ -4,6 +4,7 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace vantry {
 namespace {
@@ -67,6 +68,61 @@ TEST(LoginItem, TheValidatorOfDesktopEntriesHasNothingToSay) {
         EXPECT_EQ(std::system(("test -z \"$(desktop-file-validate '" + file.native() + "' 2>&1)\"").c_str()), 0)
             << path;
     }
+}
+
+TEST(LoginItem, TheDesktopHonoursAnEntryThatNothingSwitchesOff) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "bin");
+    std::filesystem::create_directory(folder / "folder");
+    writeFile(folder / "bin/program", "");
+    std::filesystem::permissions(folder / "bin/program", std::filesystem::perms(0755));
+    writeFile(folder / "bin/text", "");
+    const ScopedEnvironment path("PATH", (folder.path().native() + ":" + (folder / "bin").native()).c_str());
+    const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+    struct Case {
+        std::string keys;
+        bool honoured;
+    };
+    const std::vector<Case> cases{
+        {"", true},
+        {"Hidden=false\nX-GNOME-Autostart-enabled=true\n", true},
+        {"Hidden=true\n", false},
+        {" Hidden = true \r\n", false},
+        {"#Hidden=true\n", true},
+        {"X-GNOME-Autostart-enabled=false\n", false},
+        {"X-MATE-Autostart-enabled=false\n", false},
+        {"OnlyShowIn=KDE;GNOME;\n", true},
+        {"OnlyShowIn=KDE;XFCE;\n", false},
+        {"OnlyShowIn=\n", false},
+        {"NotShowIn=KDE\n", true},
+        {"NotShowIn=KDE;ubuntu\n", false},
+        {"TryExec=program\n", true},
+        {"TryExec=text\n", false},
+        {"TryExec=folder\n", false},
+        {"TryExec=missing\n", false},
+        {"TryExec=" + (folder / "bin/program").native() + "\n", true},
+        {"TryExec=" + (folder / "program").native() + "\n", false},
+        {"[Desktop Action Other]\nHidden=true\n", true},
+    };
+    for (const auto& [keys, honoured] : cases)
+        EXPECT_EQ(autostartEntryIsHonoured(*autostartEntry("id", "/usr/bin/ombrel") + keys), honoured) << keys;
+    for (const char* entry :
+         {"", "[Desktop Entry]\nType=Application\n", "[Desktop Entry]\nExec=\n", "Exec=/usr/bin/x\n"})
+        EXPECT_FALSE(autostartEntryIsHonoured(entry)) << entry;
+
+    const ScopedEnvironment none("XDG_CURRENT_DESKTOP", nullptr);
+    EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nOnlyShowIn=GNOME;\n"));
+    EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=GNOME;\n"));
+}
+
+TEST(LoginItem, AnEntryStartsTheApplicationThatItsExecNames) {
+    for (const char* path : {"/usr/bin/ombrel", R"(/opt/My "A\pp" & <é> $`100%/ombrel)"}) {
+        EXPECT_TRUE(autostartEntryStarts(*autostartEntry("id", path), path));
+        EXPECT_FALSE(autostartEntryStarts(*autostartEntry("id", path), "/usr/local/bin/ombrel"));
+    }
+    EXPECT_TRUE(autostartEntryStarts("[Desktop Entry]\nExec=/usr/bin/ombrel\n", "/usr/bin/ombrel"));
+    EXPECT_FALSE(autostartEntryStarts("[Desktop Entry]\nExec=/usr/bin/ombrel --status\n", "/usr/bin/ombrel"));
+    EXPECT_FALSE(autostartEntryStarts("[Desktop Entry]\n", "/usr/bin/ombrel"));
 }
 
 TEST(LoginItem, TheRunningApplicationIsThisExecutable) {

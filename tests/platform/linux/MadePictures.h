@@ -2,9 +2,11 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <jxl/encode.h>
 #include <libheif/heif.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -95,6 +97,64 @@ inline std::string withLinearGreyProfile(const std::string& jpeg) {
     profile += number(2) + "wtpt" + number(tags) + number(20) + "kTRC" + number(tags + 20) + number(12) + white + curve;
     profile.replace(0, 4, number(static_cast<std::uint32_t>(profile.size())));
     return withSegment(jpeg, '\xe2', std::string("ICC_PROFILE\0\1\1", 14) + profile);
+}
+
+struct JxlOptions {
+    bool isLossless = true;
+    bool isContained = false; ///< in boxes, as a file with metadata is
+    JxlOrientation orientation = JXL_ORIENT_IDENTITY;
+    std::optional<QByteArray> icc = std::nullopt;
+};
+
+/// `image` as JPEG XL.
+inline std::string jxlOf(const QImage& image, const JxlOptions& options = {}) {
+    const auto check = [](bool succeeded) {
+        if (!succeeded)
+            throw std::runtime_error("cannot encode JPEG XL");
+    };
+    const bool hasAlpha = image.hasAlphaChannel();
+    const QImage source = image.convertToFormat(QImage::Format_RGBA8888);
+    const std::unique_ptr<JxlEncoder, decltype(&JxlEncoderDestroy)> encoder(JxlEncoderCreate(nullptr),
+                                                                            JxlEncoderDestroy);
+    JxlEncoderUseContainer(encoder.get(), options.isContained ? JXL_TRUE : JXL_FALSE);
+    JxlBasicInfo facts;
+    JxlEncoderInitBasicInfo(&facts);
+    facts.xsize = static_cast<std::uint32_t>(source.width());
+    facts.ysize = static_cast<std::uint32_t>(source.height());
+    facts.bits_per_sample = 8;
+    facts.orientation = options.orientation;
+    facts.uses_original_profile = options.isLossless ? JXL_TRUE : JXL_FALSE;
+    facts.num_extra_channels = hasAlpha ? 1 : 0;
+    facts.alpha_bits = hasAlpha ? 8 : 0;
+    check(JxlEncoderSetBasicInfo(encoder.get(), &facts) == JXL_ENC_SUCCESS);
+    if (options.icc) {
+        check(JxlEncoderSetICCProfile(encoder.get(), reinterpret_cast<const std::uint8_t*>(options.icc->constData()),
+                                      static_cast<std::size_t>(options.icc->size())) == JXL_ENC_SUCCESS);
+    } else {
+        JxlColorEncoding srgb;
+        JxlColorEncodingSetToSRGB(&srgb, JXL_FALSE);
+        check(JxlEncoderSetColorEncoding(encoder.get(), &srgb) == JXL_ENC_SUCCESS);
+    }
+    auto* settings = JxlEncoderFrameSettingsCreate(encoder.get(), nullptr);
+    JxlEncoderFrameSettingsSetOption(settings, JXL_ENC_FRAME_SETTING_EFFORT, 3);
+    constexpr float hardlyVisible = 0.3F;
+    check(options.isLossless || JxlEncoderSetFrameDistance(settings, hardlyVisible) == JXL_ENC_SUCCESS);
+    check(JxlEncoderSetFrameLossless(settings, options.isLossless ? JXL_TRUE : JXL_FALSE) == JXL_ENC_SUCCESS);
+    const QImage pixels = hasAlpha ? source : source.convertToFormat(QImage::Format_RGB888);
+    const JxlPixelFormat format{hasAlpha ? 4U : 3U, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 4}; // as QImage aligns rows
+    check(JxlEncoderAddImageFrame(settings, &format, pixels.constBits(),
+                                  static_cast<std::size_t>(pixels.sizeInBytes())) == JXL_ENC_SUCCESS);
+    JxlEncoderCloseInput(encoder.get());
+    std::string file;
+    std::vector<std::uint8_t> chunk(1 << 16);
+    for (auto status = JXL_ENC_NEED_MORE_OUTPUT; status == JXL_ENC_NEED_MORE_OUTPUT;) {
+        std::uint8_t* next = chunk.data();
+        std::size_t left = chunk.size();
+        status = JxlEncoderProcessOutput(encoder.get(), &next, &left);
+        check(status != JXL_ENC_ERROR);
+        file.append(chunk.begin(), chunk.end() - static_cast<std::ptrdiff_t>(left));
+    }
+    return file;
 }
 
 struct HeicOptions {

@@ -83,8 +83,14 @@ std::string gifThatClaims(unsigned width, unsigned height) {
 TEST_F(HostilePicture, ThatIsCutOffIsNone) {
     const QImage image = quarteredPicture();
     std::vector<std::pair<std::string, std::string>> whole{
-        {"a.png", encoded(image, "png")},        {"a.jpg", encoded(image, "jpeg")},  {"a.tif", encoded(image, "tiff")},
-        {"a.webp", encoded(image, "webp", 100)}, {"b.webp", encoded(image, "webp")}, {"a.gif", gifOf({image})},
+        {"a.png", encoded(image, "png")},
+        {"a.jpg", encoded(image, "jpeg")},
+        {"a.tif", encoded(image, "tiff")},
+        {"a.webp", encoded(image, "webp", 100)},
+        {"b.webp", encoded(image, "webp")},
+        {"a.gif", gifOf({image})},
+        {"a.jxl", jxlOf(image)},
+        {"b.jxl", jxlOf(image, {.isLossless = false})},
     };
     if (canEncodeHeic()) {
         writeHeic(image, root / "whole.heic");
@@ -107,7 +113,7 @@ TEST_F(HostilePicture, WithMoreBehindItsEndIsReadAllTheSame) {
 
 TEST_F(HostilePicture, ThatIsSomethingElseIsNone) {
     for (const char* extension :
-         {"gif", "heic", "heif", "jpeg", "jpg", "m4v", "mov", "mp4", "png", "tif", "tiff", "webp"}) {
+         {"gif", "heic", "heif", "jpeg", "jpg", "jxl", "m4v", "mov", "mp4", "png", "tif", "tiff", "webp"}) {
         const std::string name = std::string("a.") + extension;
         expectNone(save("This is a text and no picture.\n", name));
         expectNone(save("", name));

@@ -37,6 +37,17 @@ TEST_F(LargePicture, IsReadInEveryFormat) {
     }
 }
 
+// The decoder keeps it in floating-point or whole numbers of 32 bits.
+TEST_F(LargePicture, OfTheLargestScreensIsReadInJpegXl) {
+    if (!std::getenv("OMBREL_LARGE_PICTURES"))
+        GTEST_SKIP() << "OMBREL_LARGE_PICTURES is not set";
+    for (const bool isLossless : {true, false}) {
+        SCOPED_TRACE(isLossless);
+        writeFile(root / "a.jxl", jxlOf(quarteredPicture(quarters, QSize(7'680, 4'320)), {.isLossless = isLossless}));
+        expectQuarters(read(root / "a.jxl"), quarters, 6);
+    }
+}
+
 TEST_F(LargePicture, ThatDoesNotFitIsNone) {
     if (!std::getenv("OMBREL_LARGE_PICTURES"))
         GTEST_SKIP() << "OMBREL_LARGE_PICTURES is not set";

@@ -67,6 +67,17 @@ TEST_F(Picture, InHeicIsRead) {
         }
 }
 
+TEST_F(Picture, InJpegXlIsRead) {
+    for (const QSize size : {QSize(400, 300), QSize(1001, 701), QSize(64, 40)})
+        for (const bool isLossless : {true, false})
+            for (const bool isContained : {true, false}) {
+                SCOPED_TRACE(testing::Message() << size.width() << isLossless << isContained);
+                writeFile(root / "a.jxl", jxlOf(quarteredPicture(quarters, size),
+                                                {.isLossless = isLossless, .isContained = isContained}));
+                expectQuarters(read(root / "a.jxl"), quarters, isLossless ? 0 : 12); // small ones have edges all over
+            }
+}
+
 TEST_F(Picture, OfManyInAGifIsTheFirst) {
     constexpr Quarters first{{{204, 51, 51}, {51, 153, 51}, {51, 51, 204}, {255, 204, 51}}};
     constexpr Quarters second{{{0, 0, 0}, {0, 0, 0}, {255, 255, 255}, {0, 0, 0}}};
@@ -85,6 +96,8 @@ TEST_F(Picture, IsReadByItsContentsNotByItsName) {
         SCOPED_TRACE(name);
         expectQuarters(read(root / name), quarters, 6);
     }
+    writeFile(root / "jxl.png", jxlOf(quarteredPicture()));
+    expectQuarters(read(root / "jxl.png"), quarters, 0);
     if (canEncodeHeic()) {
         writeHeic(quarteredPicture(), root / "heic.png");
         expectQuarters(read(root / "heic.png"), quarters, 6);
@@ -118,6 +131,8 @@ TEST_F(Picture, KeepsItsTransparency) {
         SCOPED_TRACE(name);
         expectQuarters(read(save(quarteredPicture(colors), name, 100)), colors, 3);
     }
+    writeFile(root / "a.jxl", jxlOf(quarteredPicture(colors)));
+    expectQuarters(read(root / "a.jxl"), colors, 3);
     if (canEncodeHeic()) {
         writeHeic(quarteredPicture(colors), root / "a.heic");
         expectQuarters(read(root / "a.heic"), colors, 6);
@@ -185,6 +200,14 @@ TEST_F(Picture, InHeicIsUprightToo) {
     }
 }
 
+TEST_F(Picture, InJpegXlIsUprightToo) {
+    for (const auto& [orientation, from] : orientations) {
+        SCOPED_TRACE(orientation);
+        writeFile(root / "a.jxl", jxlOf(quarteredPicture(), {.orientation = static_cast<JxlOrientation>(orientation)}));
+        expectQuarters(read(root / "a.jxl"), turned(from), 0);
+    }
+}
+
 TEST_F(Picture, OfAnotherColorSpaceIsInSrgb) {
     const QColorSpace p3(QColorSpace::DisplayP3);
     // One that swaps red and blue.
@@ -198,6 +221,12 @@ TEST_F(Picture, OfAnotherColorSpaceIsInSrgb) {
         for (const char* name : {"a.png", "a.jpg", "a.tif", "a.webp"}) {
             SCOPED_TRACE(name);
             expectQuarters(read(save(image, name, 100)), expected, 4);
+        }
+        for (const bool isLossless : {true, false}) {
+            SCOPED_TRACE(isLossless);
+            writeFile(root / "a.jxl",
+                      jxlOf(quarteredPicture(muted), {.isLossless = isLossless, .icc = space.iccProfile()}));
+            expectQuarters(read(root / "a.jxl"), expected, 6);
         }
         if (canEncodeHeic()) {
             writeHeic(quarteredPicture(muted), root / "a.heic", {.icc = space.iccProfile()});

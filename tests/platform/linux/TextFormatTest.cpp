@@ -179,8 +179,8 @@ TEST_F(TextFormat, APercentageHasUpToOneFractionDigit) {
     } cases[] = {
         {0, "0%"},         {-0.0, "0%"},      {0.5, "50%"},      {1, "100%"},        {0.123, "12.3%"},
         {0.1234, "12.3%"}, {0.1238, "12.4%"}, {0.0004, "0%"},    {0.0006, "0.1%"},   {0.9994, "99.9%"},
-        {0.9996, "100%"},  {0.0625, "6.3%"},  {0.1875, "18.8%"}, {10, "1000%"},      {1234.5, "123450%"},
-        {-0.5, "-50%"},    {-0.001, "-0.1%"}, {-0.0001, "0%"},   {-0.0625, "-6.3%"}, {1e9, "100000000000%"},
+        {0.9996, "100%"},  {0.0625, "6.2%"},  {0.1875, "18.8%"}, {10, "1000%"},      {1234.5, "123450%"},
+        {-0.5, "-50%"},    {-0.001, "-0.1%"}, {-0.0001, "0%"},   {-0.0625, "-6.2%"}, {1e9, "100000000000%"},
     };
     for (const auto& [fraction, text] : cases)
         EXPECT_EQ(percentText(fraction), text) << fraction;
@@ -263,14 +263,32 @@ TEST_F(TextFormatOfLocale, WithADecimalCommaAndAClockOfTwentyFourHours) {
     EXPECT_EQ(byteCountText(-1'234'567'890'123), "-1,23 TB");
     EXPECT_EQ(byteCountText(1'500'000'000, ByteUnits::gigabytesAndTerabytes), "1,5 GB");
     EXPECT_EQ(byteCountText(1'000'000), "1 MB");
-    EXPECT_EQ(percentText(0.123), "12,3%");
-    EXPECT_EQ(percentText(0.12), "12%");
+    EXPECT_EQ(percentText(0.123), "12,3\u00a0%");
+    EXPECT_EQ(percentText(0.12), "12\u00a0%");
     EXPECT_EQ(shortTimeText(momentAt(morning)), "08:15");
     EXPECT_EQ(shortTimeText(momentAt(morning + 12 * 3600)), "20:15");
     const std::string dateAndTime = dateTimeText(momentAt(morning));
     EXPECT_TRUE(dateAndTime.starts_with("Sa")) << dateAndTime;
     EXPECT_NE(dateAndTime.find("08:15:42"), dateAndTime.npos) << dateAndTime;
     EXPECT_EQ(iso8601Text(momentAt(morning)), "2026-01-31T08:15:42Z");
+}
+
+TEST_F(TextFormatOfLocale, APercentageHasItsSignWhereTheLanguageWritesIt) {
+    if (!use("de_DE"))
+        GTEST_SKIP() << cannotCompile;
+    const struct {
+        const char* locale;
+        const char* text;
+    } cases[] = {
+        {"fr_FR", "47,3\u00a0%"}, {"fr_CH", "47,3%"}, {"de_AT", "47,3\u00a0%"}, {"de_CH", "47,3%"},
+        {"es_ES", "47,3\u00a0%"}, {"es_AR", "47,3%"}, {"ru_RU", "47,3\u00a0%"}, {"it_IT", "47,3%"},
+        {"en_DK", "47,3\u00a0%"}, {"tr_TR", "%47,3"}, {"eu_ES", "%\u00a047,3"}, {"ca_ES@euro", "47,3\u00a0%"},
+    };
+    for (const auto& [name, text] : cases) { // its own figures do not matter, and take seconds to compile
+        std::filesystem::create_directory_symlink(folder / "de_DE.UTF-8", folder / name);
+        locale.emplace("LC_ALL", name);
+        EXPECT_EQ(percentText(0.473), text) << name;
+    }
 }
 
 TEST_F(TextFormatOfLocale, WithADecimalPointAndAClockOfTwelveHours) {

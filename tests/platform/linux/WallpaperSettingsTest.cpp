@@ -1,7 +1,11 @@
 #include "platform/linux/WallpaperSettings.h"
 
+#include "tests/support/ScopedEnvironment.h"
+
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -116,6 +120,64 @@ TEST(WallpaperSettings, ReadTheTextThatGsettingsPrints) {
     };
     for (const auto& [printed, text] : cases)
         EXPECT_EQ(textOfGVariant(printed), text) << printed;
+}
+
+constexpr const char* slideshow = R"(<?xml version="1.0"?>
+<!-- <static><duration>1</duration><file>/commented out.jpg</file></static> -->
+<background>
+  <starttime>
+    <year>2026</year><month>1</month><day>31</day>
+    <hour>08</hour><minute>00</minute><second>00</second>
+  </starttime>
+  <static> <duration>3590.0</duration> <file>/pictures/Morning &amp; Dew.jpg</file> </static>
+  <transition type="overlay">
+    <duration>10.5</duration> <from>/pictures/Morning &amp; Dew.jpg</from> <to>/pictures/noon.jxl</to>
+  </transition>
+  <static>
+    <duration>600</duration>
+    <file>
+      <size width="1024" height="768">/pictures/small.jpg</size>
+      <size width="3840" height="2160">/pictures/noon.jxl</size>
+      <size width="1600" height="1200">/pictures/middle.jpg</size>
+    </file>
+  </static>
+</background>)";
+
+TEST(WallpaperSettings, OfASlideshowNameThePictureOfTheMoment) {
+    const ScopedEnvironment zone("TZ", "HERE-2");
+    constexpr std::int64_t start = 1'769'839'200; // 2026-01-31T08:00:00 two hours east of Greenwich
+    constexpr double round = 3590 + 10.5 + 600;
+    const struct {
+        double seconds;
+        const char* picture;
+    } cases[] = {
+        {0, "/pictures/Morning & Dew.jpg"},    {3589, "/pictures/Morning & Dew.jpg"},
+        {3595, "/pictures/Morning & Dew.jpg"}, {3596, "/pictures/noon.jxl"},
+        {3601, "/pictures/noon.jxl"},          {4200, "/pictures/noon.jxl"},
+        {4201, "/pictures/Morning & Dew.jpg"}, {2 * round, "/pictures/Morning & Dew.jpg"},
+        {2 * round - 1, "/pictures/noon.jxl"}, {-1, "/pictures/noon.jxl"},
+        {-601, "/pictures/noon.jxl"},          {-611, "/pictures/Morning & Dew.jpg"},
+    };
+    for (const auto& [seconds, picture] : cases)
+        EXPECT_EQ(slideshowPicture(slideshow, start + static_cast<std::int64_t>(seconds)),
+                  std::filesystem::path(picture))
+            << seconds;
+}
+
+TEST(WallpaperSettings, OfASlideshowThatIsNoneNameNoPicture) {
+    const std::string slide = "<static><duration>5</duration><file>/a.png</file></static>";
+    EXPECT_EQ(slideshowPicture(slide, 0), std::filesystem::path("/a.png"));
+    EXPECT_EQ(slideshowPicture("<static><duration>0</duration><file>/a.png</file></static>", 7),
+              std::filesystem::path("/a.png"));
+    EXPECT_EQ(slideshowPicture("<static><file>\n /a.png \n</file></static>", 7), std::filesystem::path("/a.png"));
+    for (const std::string text : {"", "<", "<background></background>", "<static><duration>5</duration></static>",
+                                   "<static><file>a.png</file></static>", "<static><file>/a.png</file>", "<!-- "})
+        EXPECT_EQ(slideshowPicture(text, 0), std::nullopt) << text;
+    std::string many;
+    for (int i = 0; i < 4096; ++i)
+        many += slide;
+    EXPECT_EQ(slideshowPicture(many, 0), std::filesystem::path("/a.png"));
+    EXPECT_EQ(slideshowPicture(many + slide + slide, 0), std::nullopt);
 }
 
 TEST(WallpaperSettings, OfPlasmaNameThePictureOfTheFirstScreen) {

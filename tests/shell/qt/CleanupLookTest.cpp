@@ -37,12 +37,6 @@ TEST(CleanupLook, StatusColoursCanBeReadOnACard) {
         }
 }
 
-TEST(CleanupLook, FiguresAreAsWideWhateverTheirDigits) {
-    const QFontMetrics metrics{QFont()};
-    EXPECT_EQ(figuresWidth(metrics, QStringLiteral("111.11 GB")), figuresWidth(metrics, QStringLiteral("888.08 GB")));
-    EXPECT_LT(figuresWidth(metrics, QStringLiteral("1 B")), figuresWidth(metrics, QStringLiteral("10 B")));
-}
-
 TEST(CleanupLook, ATextIsAsHighAsItsLines) {
     const QFontMetrics metrics{QFont()};
     EXPECT_EQ(wrappedHeight(metrics, QString(), 100), 0);

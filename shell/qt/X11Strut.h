@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QRect>
+#include <QWindow>
+
+namespace vantry {
+
+/// Asks the window manager to keep maximised windows below `area`, which lies in pixels of X11 and whose columns reach
+/// up to the root window's upper edge without another screen between. An empty area takes that back. Does nothing
+/// outside of X11.
+void reserveTopEdge(WId window, const QRect& area);
+
+} // namespace vantry
