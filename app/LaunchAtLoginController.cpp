@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <iterator>
 #include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -24,8 +25,17 @@ bool fileExists(const std::filesystem::path& path) {
     return std::filesystem::exists(path, ignored) && !std::filesystem::is_directory(path, ignored);
 }
 
+std::optional<std::string> bytesIfReadable(const std::filesystem::path& file) {
+    auto bytes = readSmallFile(file, largestFile);
+    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
+}
+
+// What is there already is not written again: macOS may announce each writing as a new item in the background.
 Result<void> writeWithFolder(const std::filesystem::path& file, const std::string& contents) {
     std::error_code failure;
+    if (std::filesystem::is_regular_file(std::filesystem::symlink_status(file, failure)) &&
+        bytesIfReadable(file) == contents && chmod(file.c_str(), readableByAll) == 0)
+        return {};
     std::filesystem::create_directories(file.parent_path(), failure);
     if (failure)
         return std::unexpected(errorFromErrno(failure.value(), file.parent_path().native()));
@@ -37,11 +47,6 @@ Result<void> removeFile(const std::filesystem::path& file) {
     if (fileExists(file) && unlink(file.c_str()) != 0 && errno != ENOENT)
         return std::unexpected(errorFromErrno(errno, file.native()));
     return {};
-}
-
-std::optional<std::string> bytesIfReadable(const std::filesystem::path& file) {
-    auto bytes = readSmallFile(file, largestFile);
-    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
 // The copies that may be started at login, the preferred one first; never empty. A copy that lies anywhere, in a build

@@ -121,6 +121,18 @@ TEST_F(LaunchAtLogin, EnablingTwiceLeavesOneFileWithTheSameContent) {
     EXPECT_EQ(agentNames(), std::set<std::string>{"app.ombrel.Ombrel.plist"});
 }
 
+TEST_F(LaunchAtLogin, WhatIsThereAlreadyIsNotWrittenAgainButReadableByAll) {
+    enableOrFail();
+    struct stat before = {};
+    struct stat after = {};
+    ASSERT_EQ(chmod(agent().c_str(), 0600), 0);
+    ASSERT_EQ(stat(agent().c_str(), &before), 0);
+    enableOrFail();
+    ASSERT_EQ(stat(agent().c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino) << "each writing may be announced to the user";
+    EXPECT_EQ(after.st_mode & 07777, 0644U);
+}
+
 TEST_F(LaunchAtLogin, DisablingRemovesTheAgentAndTheAutostartEntry) {
     enableOrFail();
     ASSERT_TRUE(std::filesystem::exists(autostart()));
@@ -156,14 +168,14 @@ TEST_F(LaunchAtLogin, WhatCannotBeRunIsNoInstalledCopy) {
 }
 
 TEST_F(LaunchAtLogin, ACopyThatIsNotInstalledLeavesTheEntryToAnInstalledOne) {
-    install("local/ombrel");
+    const auto local = install("local/ombrel");
     const auto usr = install("usr/ombrel");
     ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
     ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
     expectBothStart(usr);
     std::filesystem::remove_all(home_ / "usr");
     ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
-    expectBothStart(home_ / "local/ombrel");
+    expectBothStart(local);
     std::filesystem::remove_all(home_ / "local");
     ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
     expectBothStart("/opt/ombrel/ombrel");

@@ -3,7 +3,11 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <array>
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace vantry {
@@ -132,4 +136,29 @@ TEST(LoginItem, TheRunningApplicationIsThisExecutable) {
 }
 
 } // namespace
+// A copy of this program runs this test once more, and takes itself away.
+TEST(LoginItem, AnApplicationThatWasRemovedOrReplacedSinceItsStartStandsWhereItStood) {
+    constexpr const char* copyOfTest = "OMBREL_TEST_COPY";
+    if (const char* copy = std::getenv(copyOfTest)) {
+        ASSERT_EQ(runningApplicationPath().value(), copy);
+        ASSERT_TRUE(std::filesystem::remove(copy));
+        EXPECT_EQ(runningApplicationPath().value(), copy);
+        writeFile(copy, "an update");
+        EXPECT_EQ(runningApplicationPath().value(), copy);
+        return;
+    }
+    const TemporaryFolder folder;
+    const auto copy = std::filesystem::canonical(folder.path()) / "ombrel";
+    std::filesystem::copy_file("/proc/self/exe", copy);
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv(copyOfTest, copy.c_str(), 1);
+        execl(copy.c_str(), copy.c_str(), "--gtest_filter=LoginItem.AnApplicationThatWasRemoved*", nullptr);
+        _exit(127);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
 } // namespace vantry
