@@ -161,14 +161,15 @@ void AppDelegate::refreshWallpaperTheme(bool force) {
             return;
         auto url = wallpaper.currentWallpaperURL(*screen);
         auto identity = url ? wallpaper.identity(*url) : std::string();
-        queue->post([weak, url = std::move(url), identity = std::move(identity)] {
+        queue->post([weak, screen, url = std::move(url), identity = std::move(identity)] {
             if (const auto self = weak.lock())
-                self->wallpaperFound(url, identity);
+                self->wallpaperFound(*screen, url, identity);
         });
     });
 }
 
-void AppDelegate::wallpaperFound(const std::optional<std::filesystem::path>& url, const std::string& identity) {
+void AppDelegate::wallpaperFound(const Screen& screen, const std::optional<std::filesystem::path>& url,
+                                 const std::string& identity) {
     if (!url) {
         wallpaperRefreshInFlight_ = false;
         applyWallpaperThemeColors(fallbackPalette());
@@ -181,16 +182,16 @@ void AppDelegate::wallpaperFound(const std::optional<std::filesystem::path>& url
         return;
     }
     wallpaperIdentity_ = identity;
-    services_.backgroundQueue->submit(
-        QualityOfService::utility,
-        [weak = weak_from_this(), queue = services_.mainQueue, palette = services_.wallpaper.palette, url, identity] {
-            if (weak.expired())
-                return;
-            queue->post([weak, identity, colors = palette(*url, wallpaperColorCount)] {
-                if (const auto self = weak.lock())
-                    self->wallpaperSampled(identity, colors);
-            });
+    services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
+                                                                  palette = services_.wallpaper.palette, screen, url,
+                                                                  identity] {
+        if (weak.expired())
+            return;
+        queue->post([weak, identity, colors = palette(screen, *url, wallpaperColorCount)] {
+            if (const auto self = weak.lock())
+                self->wallpaperSampled(identity, colors);
         });
+    });
 }
 
 void AppDelegate::wallpaperSampled(const std::string& identity, std::optional<std::vector<Rgba>> palette) {

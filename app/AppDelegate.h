@@ -78,7 +78,8 @@ private:
     void changeBarStyle(BarStyle style);
     void showSegmentSizing(SegmentSizing sizing);
     void finishRefresh(const StorageReadResult& result);
-    void wallpaperFound(const std::optional<std::filesystem::path>& url, const std::string& identity);
+    void wallpaperFound(const Screen& screen, const std::optional<std::filesystem::path>& url,
+                        const std::string& identity);
     void wallpaperSampled(const std::string& identity, std::optional<std::vector<Rgba>> palette);
     void render();
 

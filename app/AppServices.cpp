@@ -25,12 +25,14 @@ LoginItemServices loginItemServices() {
 }
 
 WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows) {
+    const auto sources = WallpaperThemeReader::systemSources(std::move(windows));
     return {.currentWallpaperURL =
-                [sources = WallpaperThemeReader::systemSources(std::move(windows))](const Screen& screen) {
-                    return WallpaperThemeReader::currentWallpaperURL(screen, sources);
-                },
+                [sources](const Screen& screen) { return WallpaperThemeReader::currentWallpaperURL(screen, sources); },
             .identity = WallpaperThemeReader::identity,
-            .palette = WallpaperThemeReader::palette};
+            .palette =
+                [sources](const Screen& screen, const std::filesystem::path& url, int colorCount) {
+                    return WallpaperThemeReader::palette(url, colorCount, screen, sources);
+                }};
 }
 
 } // namespace

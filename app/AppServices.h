@@ -26,8 +26,9 @@ struct WallpaperServices {
     std::function<std::optional<std::filesystem::path>(const Screen&)> currentWallpaperURL;
     /// A text that changes whenever the file does.
     std::function<std::string(const std::filesystem::path&)> identity;
-    /// Absent when the file cannot be read.
-    std::function<std::optional<std::vector<Rgba>>(const std::filesystem::path&, int colorCount)> palette;
+    /// Of the screen's picture, or where that cannot be read of what else there is; absent when nothing can.
+    std::function<std::optional<std::vector<Rgba>>(const Screen&, const std::filesystem::path&, int colorCount)>
+        palette;
 };
 
 /// The agent file that starts Ombrel at login (`LaunchAtLoginController`).

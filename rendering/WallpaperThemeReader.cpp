@@ -55,7 +55,8 @@ Sources systemSources(std::shared_ptr<const WindowList> windows) {
             .openFiles = openFilesOfProcess,
             .movingWallpaper = movingWallpaper,
             .desktopPicture = desktopPicture,
-            .defaultPicture = defaultDesktopPicture()};
+            .defaultPicture = defaultDesktopPicture(),
+            .palette = [](const std::filesystem::path& url, int colorCount) { return palette(url, colorCount); }};
 }
 
 std::filesystem::path currentWallpaperURL(const Screen& screen, const Sources& sources) {
@@ -101,6 +102,18 @@ std::string identity(const std::filesystem::path& url) {
 std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount) {
     const auto pixels = readPicture(url);
     return pixels ? std::optional(paletteOfPixels(*pixels, colorCount)) : std::nullopt;
+}
+
+std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount, const Screen& screen,
+                                         const Sources& sources) {
+    auto colors = sources.palette(url, colorCount);
+    const std::array<std::function<std::optional<std::filesystem::path>()>, 3> next{
+        sources.movingWallpaper, [&] { return sources.desktopPicture(screen); },
+        [&] { return std::optional(sources.defaultPicture); }};
+    for (const auto& source : next)
+        if (const auto other = colors ? std::nullopt : source(); other && *other != url)
+            colors = sources.palette(*other, colorCount);
+    return colors;
 }
 
 } // namespace vantry::WallpaperThemeReader

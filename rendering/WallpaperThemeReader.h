@@ -36,6 +36,7 @@ struct Sources {
     std::function<std::optional<std::filesystem::path>()> movingWallpaper;
     std::function<std::optional<std::filesystem::path>(const Screen&)> desktopPicture;
     std::filesystem::path defaultPicture;
+    std::function<std::optional<std::vector<Rgba>>(const std::filesystem::path& url, int colorCount)> palette;
 };
 
 /// The real ones, with `windows`.
@@ -58,6 +59,10 @@ struct Sources {
 /// About `colorCount` colours of the picture or film; absent when it cannot be read, empty when it is transparent.
 /// Blocking, for as long as `readPicture`.
 [[nodiscard]] std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount);
+
+/// The same of `url`, the current wallpaper of `screen`, or where that cannot be read of what the next source names.
+[[nodiscard]] std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount,
+                                                       const Screen& screen, const Sources& sources);
 
 } // namespace WallpaperThemeReader
 

@@ -63,7 +63,8 @@ protected:
                                                   asked.push_back("picture of " + of.name);
                                                   return chosen;
                                               },
-                                          .defaultPicture = "/system/default.heic"};
+                                          .defaultPicture = "/system/default.heic",
+                                          .palette = {}};
 };
 
 } // namespace
@@ -179,6 +180,27 @@ TEST(WallpaperIdentity, ChangesWithPathDateAndSize) {
     date(std::chrono::seconds(1'700'000'001));
     EXPECT_EQ(WallpaperThemeReader::identity(root / "one"), path + "|1700000001|6");
     EXPECT_EQ(WallpaperThemeReader::identity("/no/such file"), "/no/such file|0|0");
+}
+
+TEST_F(CurrentWallpaper, ThatCannotBeReadLetsTheNextSourceAnswer) {
+    const std::vector<Rgba> red{{1, 0, 0}};
+    const std::vector<Rgba> blue{{0, 0, 1}};
+    std::map<Path, std::vector<Rgba>> readable{{"/red.png", red}, {"/blue.png", blue}};
+    sources.palette = [&](const Path& url, int) {
+        const auto found = readable.find(url);
+        return found == readable.end() ? std::nullopt : std::optional(found->second);
+    };
+    const auto paletteOf = [&](const Path& url) { return WallpaperThemeReader::palette(url, 7, screen, sources); };
+    EXPECT_FALSE(paletteOf("/damaged.png")) << "nor can the default picture";
+    sources.defaultPicture = "/blue.png";
+    EXPECT_EQ(paletteOf("/damaged.png"), blue);
+    chosen = "/red.png";
+    EXPECT_EQ(paletteOf("/damaged.png"), red);
+    moving = "/blue.png";
+    EXPECT_EQ(paletteOf("/damaged.png"), blue);
+    asked.clear();
+    EXPECT_EQ(paletteOf("/red.png"), red);
+    EXPECT_TRUE(asked.empty()) << "no other source is needed";
 }
 
 } // namespace vantry

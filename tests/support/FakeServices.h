@@ -85,7 +85,7 @@ private:
                         return wallpaperIdentity;
                     },
                 .palette =
-                    [this](const std::filesystem::path& url, int colorCount) {
+                    [this](const Screen&, const std::filesystem::path& url, int colorCount) {
                         log->add("wallpaper.palette " + url.native() + " " + std::to_string(colorCount));
                         return palette;
                     }};
