@@ -1,111 +1,32 @@
 #include "platform/SupervisedChild.h"
 
+#include "platform/ProgramOutput.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EndedChild.h"
-#include "tests/support/OpenDescriptors.h"
 #include "tests/support/RecordedPolls.h"
 #include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <string>
 #include <sys/syscall.h>
-#include <sys/wait.h>
-#include <thread>
 
 namespace vantry {
 
-namespace {
-
 using namespace std::chrono_literals;
 
-constexpr std::size_t plenty = 1 << 20;
-
-/// No test leaves a child or a descriptor behind.
-class ASupervisedChild : public testing::Test {
-protected:
-    void TearDown() override {
-        EXPECT_FALSE(hasChildren());
-        EXPECT_EQ(openDescriptorCount(), descriptorsBefore_);
-    }
-
-    static SupervisedChild started(const std::string& script, std::shared_ptr<StopSwitch> stopSwitch = nullptr) {
-        auto child = SupervisedChild::start("/bin/sh", {"-c", script}, ChildOutput::pipe, std::move(stopSwitch));
-        EXPECT_TRUE(child);
-        return std::move(*child);
-    }
-    [[nodiscard]] static Deadline farAway() { return deadlineIn(10min); }
-
+TEST(ASupervisedChildOnLinux, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
     const TemporaryFolder root;
-
-private:
-    const std::ptrdiff_t descriptorsBefore_ = openDescriptorCount();
-};
-
-} // namespace
-
-TEST_F(ASupervisedChild, IsReadLineByLine) {
-    auto child = started("echo one; printf 'two\\nthree'; echo; echo; printf four");
-    for (const char* line : {"one", "two", "three", ""})
-        EXPECT_EQ(child.nextLine(plenty, farAway()), line);
-    EXPECT_EQ(child.nextLine(plenty, farAway()), std::nullopt) << "a line has an end";
-}
-
-TEST_F(ASupervisedChild, IsReadNoFurtherThanTheLimit) {
-    auto child = started("exec cat /dev/zero");
-    EXPECT_EQ(child.nextLine(100'000, farAway()), std::nullopt);
-    EXPECT_EQ(started("exec cat /dev/zero").outputToEnd(100'000, farAway()), std::nullopt);
-}
-
-TEST_F(ASupervisedChild, LosesNoAnswerToAnOldError) {
-    for (const int old : {EINTR, EAGAIN, EIO}) {
-        auto child = started("echo answer");
-        siginfo_t ended = {};
-        ASSERT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
-        errno = old;
-        EXPECT_EQ(child.outputToEnd(plenty, farAway()), "answer\n") << old;
-    }
-}
-
-TEST_F(ASupervisedChild, IsWaitedForWithoutLookingAtAnOutputThatIsClosed) {
-    auto child = started("exec >&-; sleep 0.3");
-    errno = EAGAIN;
-    RecordedPolls::forget();
-    EXPECT_EQ(child.outputToEnd(plenty, farAway()), "");
-    EXPECT_LE(RecordedPolls::count(), 4);
-}
-
-TEST_F(ASupervisedChild, IsEndedInBoundedTimeWhateverItDoes) {
-    for (const char* script : {"exec sleep 600", "trap '' TERM; while :; do sleep 600; done", "kill -STOP $$"}) {
-        RecordedPolls::forget();
-        EXPECT_EQ(started(script).outputToEnd(plenty, deadlineIn(100ms)), std::nullopt) << script;
-        EXPECT_LE(RecordedPolls::waitedInVain(), 100ms + 2 * 120ms + 5ms) << script;
-        EXPECT_FALSE(hasChildren()) << script;
-    }
-}
-
-TEST_F(ASupervisedChild, IsAskedToEndBeforeItIsKilled) {
-    const std::string file = root / "asked";
-    // It may be too slow on a machine that is busy.
-    for (int attempt = 0; attempt < 20 && !std::filesystem::exists(file); ++attempt) {
-        auto child = started("trap ': > " + file + "' TERM; echo ready; while :; do :; done");
-        EXPECT_EQ(child.nextLine(plenty, farAway()), "ready");
-    }
-    EXPECT_TRUE(std::filesystem::exists(file));
-}
-
-TEST_F(ASupervisedChild, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
     const std::string end = root / "end";
     const std::string said = inChildProcess([&]() -> std::string {
         if (!refuseCall(SYS_pidfd_send_signal, EPERM)) // as if it were stuck in a hung file system
             return "no refusal";
         RecordedPolls::forget();
         static_cast<void>(
-            started("while [ ! -e " + end + " ]; do sleep 0.01; done").outputToEnd(plenty, deadlineIn(10ms)));
+            programOutput("/bin/sh", {"-c", "while [ ! -e " + end + " ]; do sleep 0.01; done"}, 1, deadlineIn(10ms)));
         if (RecordedPolls::waitedInVain() > 10ms + 2 * 120ms + 5ms)
             return "waited too long";
         if (childCount() != 1)
@@ -115,49 +36,6 @@ TEST_F(ASupervisedChild, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
         return childCount() == 0 ? "reaped" : "a zombie";
     });
     EXPECT_EQ(said, "reaped");
-}
-
-TEST_F(ASupervisedChild, IsEndedByTheSwitch) {
-    const auto stopSwitch = StopSwitch::create().value();
-    std::atomic<bool> runs = false;
-    std::optional<std::string> output = "not read";
-    std::thread reader([&] {
-        auto child = started("echo first; exec sleep 600", stopSwitch);
-        EXPECT_EQ(child.nextLine(plenty, farAway()), "first");
-        runs = true;
-        output = child.outputToEnd(plenty, farAway());
-    });
-    while (!runs)
-        std::this_thread::yield();
-    while (!stopSwitch->stop()) { // it may take longer on a machine that is busy
-    }
-    EXPECT_FALSE(hasChildren());
-    reader.join();
-    EXPECT_EQ(output, std::nullopt);
-}
-
-TEST_F(ASupervisedChild, IsNotStartedAfterTheSwitchWasStopped) {
-    const auto stopSwitch = StopSwitch::create().value();
-    EXPECT_EQ(started("echo one", stopSwitch).outputToEnd(plenty, farAway()), "one\n");
-    EXPECT_FALSE(stopSwitch->isStopped());
-    EXPECT_TRUE(stopSwitch->stop());
-    EXPECT_TRUE(stopSwitch->stop());
-    EXPECT_FALSE(
-        SupervisedChild::start("/bin/sh", {"-c", ": > " + (root / "started").native()}, ChildOutput::pipe, stopSwitch));
-    EXPECT_FALSE(std::filesystem::exists(root / "started"));
-}
-
-TEST(StopSwitch, WaitsForWorkButNotForEver) {
-    const auto stopSwitch = StopSwitch::create().value();
-    auto one = StopSwitch::beginWork(stopSwitch);
-    auto other = StopSwitch::beginWork(stopSwitch);
-    ASSERT_TRUE(one && other);
-    one->reset();
-    EXPECT_FALSE(stopSwitch->stop());
-    EXPECT_FALSE(StopSwitch::beginWork(stopSwitch));
-    other->reset();
-    EXPECT_TRUE(stopSwitch->stop());
-    EXPECT_TRUE(StopSwitch::beginWork(nullptr)) << "nothing stops work without a switch";
 }
 
 } // namespace vantry
