@@ -2,6 +2,7 @@
 
 #include "base/Deadline.h"
 #include "tests/platform/contract/ChildProcessFixture.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -55,6 +56,29 @@ TEST_F(AChildProcess, WithoutAPipeWritesNowhere) {
     ASSERT_TRUE(child);
     EXPECT_EQ(child->output(), -1);
     EXPECT_EQ(endOf(*child), (EndedChild{0, ""}));
+}
+
+TEST_F(AChildProcess, InheritsTheEnvironmentAndNoDescriptor) {
+    const ScopedEnvironment variable("OMBREL_TEST_VARIABLE", "a value");
+    constexpr int number = 77;
+    const UniqueFd inheritable(dup2(STDIN_FILENO, number));
+    ASSERT_EQ(inheritable.get(), number);
+    EXPECT_EQ(endOf(shell, script("echo \"$OMBREL_TEST_VARIABLE\"; [ ! -e /dev/fd/77 ] || echo inherited")),
+              (EndedChild{0, "a value\n"}));
+}
+
+TEST_F(AChildProcess, StartsWithNoSignalBlockedOrIgnored) {
+    const auto handler = std::signal(SIGUSR1, SIG_IGN);
+    sigset_t blocked;
+    sigset_t before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR2);
+    sigprocmask(SIG_BLOCK, &blocked, &before);
+    const int statuses[] = {endOf(shell, script("kill -USR1 $$")).status, endOf(shell, script("kill -USR2 $$")).status};
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    std::signal(SIGUSR1, handler);
+    EXPECT_EQ(statuses[0], 256 + SIGUSR1);
+    EXPECT_EQ(statuses[1], 256 + SIGUSR2);
 }
 
 TEST_F(AChildProcess, HasNoEndBeforeItEnds) {

@@ -4,6 +4,7 @@
 #include "tests/support/EndedChild.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/RecordedPolls.h"
+#include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <string>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -94,6 +96,26 @@ TEST_F(ASupervisedChild, IsAskedToEndBeforeItIsKilled) {
         EXPECT_EQ(child.nextLine(plenty, farAway()), "ready");
     }
     EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST_F(ASupervisedChild, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
+    const std::string end = root / "end";
+    const std::string said = inChildProcess([&]() -> std::string {
+        // As if it were stuck in a hung file system.
+        if (!refuseCall(SYS_pidfd_send_signal, EPERM) || !refuseCall(SYS_kill, EPERM))
+            return "no refusal";
+        RecordedPolls::forget();
+        static_cast<void>(
+            started("while [ ! -e " + end + " ]; do sleep 0.01; done").outputToEnd(plenty, deadlineIn(10ms)));
+        if (RecordedPolls::waitedInVain() > 10ms + 2 * 120ms + 5ms)
+            return "waited too long";
+        if (childCount() != 1)
+            return "did not survive";
+        writeFile(end, "");
+        waitUntilChildrenAre(0);
+        return childCount() == 0 ? "reaped" : "a zombie";
+    });
+    EXPECT_EQ(said, "reaped");
 }
 
 TEST_F(ASupervisedChild, IsEndedByTheSwitch) {

@@ -1,0 +1,58 @@
+#include "platform/ChildProcess.h"
+
+#include "tests/platform/apple/OnDarwin.h"
+#include "tests/support/EndedChild.h"
+#include "tests/support/OpenDescriptors.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <filesystem>
+#include <poll.h>
+#include <sys/wait.h>
+
+namespace vantry {
+
+namespace {
+
+/// No test leaves a child or a descriptor behind.
+class AppleChildProcess : public OnDarwin {
+protected:
+    void TearDown() override {
+        waitUntilChildrenAre(0);
+        EXPECT_FALSE(hasChildren());
+        EXPECT_EQ(openDescriptorCount(), descriptorsBefore_);
+        OnDarwin::TearDown();
+    }
+
+private:
+    const std::ptrdiff_t descriptorsBefore_ = openDescriptorCount();
+};
+
+} // namespace
+
+TEST_F(AppleChildProcess, ThatHasEndedBeforeItIsWatchedIsSeenToHave) {
+    system.beforeWatching = [](pid_t pid) {
+        siginfo_t ended = {};
+        return waitid(P_PID, static_cast<id_t>(pid), &ended, WEXITED | WNOWAIT);
+    };
+    auto child = ChildProcess::start("/bin/sh", {"-c", "echo output; exit 7"}, ChildOutput::pipe);
+    ASSERT_TRUE(child);
+    pollfd ended{child->exitDescriptor(), POLLIN, 0};
+    EXPECT_EQ(poll(&ended, 1, 0), 1);
+    EXPECT_EQ(endOf(*child), (EndedChild{7, "output\n"}));
+}
+
+TEST_F(AppleChildProcess, ThatCannotBeWatchedIsEnded) {
+    system.beforeWatching = [](pid_t) { return ENOMEM; };
+    const auto child = ChildProcess::start("/bin/sleep", {"600"}, ChildOutput::pipe);
+    ASSERT_FALSE(child);
+    EXPECT_EQ(child.error(), errorFromErrno(ENOMEM, "child exit"));
+}
+
+TEST(OwnExecutable, IsTheFileThatRunsWithoutLinks) {
+    EXPECT_EQ(ownExecutable(), std::filesystem::read_symlink("/proc/self/exe"));
+}
+
+} // namespace vantry

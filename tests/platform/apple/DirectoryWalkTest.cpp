@@ -1,0 +1,232 @@
+#include "platform/DirectoryWalk.h"
+
+#include "tests/platform/apple/OnDarwin.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/darwin/Darwin.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <sys/attr.h>
+#include <sys/stat.h>
+#include <vector>
+
+namespace vantry {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TreeTotals walk(const fs::path& tree) {
+    return walkTree(tree, deadlineIn(std::chrono::minutes(2)), std::make_shared<SpareThreads>(0));
+}
+
+std::set<std::string> setOf(const Result<std::vector<std::string>>& names) {
+    return names ? std::set<std::string>(names->begin(), names->end()) : std::set<std::string>{names.error().message};
+}
+
+/// "file" and "folder/inside", each of 10,000 bytes.
+class AppleDirectoryWalk : public OnDarwin {
+protected:
+    AppleDirectoryWalk() {
+        fs::create_directory(tree / "folder");
+        writeFile(tree / "file", std::string(10'000, 'x'));
+        writeFile(tree / "folder/inside", std::string(10'000, 'x'));
+    }
+
+    /// What the walk finds when each reading of "folder" fails with `error`.
+    TreeTotals walkWhereFolderFails(int error) {
+        const int readingsOfRoot = 2; // its entries, and its end
+        system.readings = 0;
+        system.beforeReading = [=](int count) { return count > readingsOfRoot ? error : 0; };
+        return walk(tree.path());
+    }
+
+    const TemporaryFolder tree;
+};
+
+template <class Value>
+Value valueAt(const std::vector<char>& record, std::size_t at) {
+    Value value = {};
+    std::memcpy(&value, record.data() + at, sizeof value);
+    return value;
+}
+
+template <class Value>
+void setValueAt(std::vector<char>& record, std::size_t at, Value value) {
+    std::memcpy(record.data() + at, &value, sizeof value);
+}
+
+/// Where a record mentions its name.
+std::size_t nameReference(const std::vector<char>& record) {
+    constexpr std::size_t begin = sizeof(std::uint32_t) + sizeof(attribute_set_t);
+    const auto returned = valueAt<attribute_set_t>(record, sizeof(std::uint32_t));
+    return begin + ((returned.commonattr & ATTR_CMN_ERROR) != 0 ? sizeof(std::uint32_t) : 0);
+}
+
+} // namespace
+
+TEST_F(AppleDirectoryWalk, HidesWhatHasTheHiddenFlag) {
+    writeFile(tree / "hidden", "");
+    writeFile(tree / ".dotted", "");
+    system.setFlags(tree / "hidden", UF_HIDDEN);
+    system.setFlags(tree / "file", ~UF_HIDDEN & ~SF_DATALESS); // all of the others
+    EXPECT_EQ(setOf(visibleNames(tree.path())), (std::set<std::string>{"file", "folder"}));
+    EXPECT_EQ(setOf(allNames(tree.path())), (std::set<std::string>{"file", "folder", "hidden", ".dotted"}));
+    EXPECT_EQ(walk(tree.path()).regularFiles, 4U);
+}
+
+TEST_F(AppleDirectoryWalk, FetchesNothing) {
+    system.setFlags(tree / "folder", SF_DATALESS);
+    system.setFlags(tree / "file", SF_DATALESS);
+    EXPECT_EQ(setOf(visibleNames(tree.path())), (std::set<std::string>{"file", "folder"}));
+    EXPECT_EQ(walk(tree.path()).regularFiles, 1U);
+    EXPECT_TRUE(walk(tree.path()).complete) << "what is not on the disk takes no room";
+    // Of a folder that is not on the disk itself nothing is known.
+    EXPECT_EQ(walk(tree / "folder"), TreeTotals());
+    EXPECT_EQ(visibleNames(tree / "folder").error(), errorFromErrno(EDEADLK, (tree / "folder").native()));
+    EXPECT_EQ(system.fetched, std::vector<std::string>());
+}
+
+TEST_F(AppleDirectoryWalk, FetchesNothingThatLeavesTheDiskMeanwhile) {
+    system.beforeReading = [this](int count) {
+        if (count == 2)
+            system.setFlags(tree / "folder", SF_DATALESS);
+        return 0;
+    };
+    EXPECT_EQ(walk(tree.path()).regularFiles, 1U);
+    EXPECT_EQ(system.fetched, std::vector<std::string>());
+}
+
+TEST_F(AppleDirectoryWalk, LeavesThePolicyOfItsThreadAsItWas) {
+    for (const int policy : {IOPOL_MATERIALIZE_DATALESS_FILES_DEFAULT, IOPOL_MATERIALIZE_DATALESS_FILES_OFF, 2}) {
+        setiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD, policy);
+        static_cast<void>(walk(tree.path()));
+        static_cast<void>(allNames(tree.path()));
+        EXPECT_EQ(getiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD), policy);
+    }
+}
+
+TEST_F(AppleDirectoryWalk, PassesOverAnEntryOfWhichThereIsOnlyTheName) {
+    const auto whole = walk(tree.path());
+    for (const auto& [error, complete] :
+         {std::pair(EIO, true), {EACCES, true}, {ENOENT, true}, {EMFILE, false}, {ENFILE, false}, {ENOMEM, false}})
+        for (const std::string name : {"file", "folder", "inside"}) {
+            system.errorOfEntry = [&, error = error](std::string_view entry) { return entry == name ? error : 0; };
+            const auto totals = walk(tree.path());
+            EXPECT_EQ(totals.regularFiles, 1U) << name;
+            EXPECT_EQ(totals.allocatedBytes, whole.allocatedBytes / 2) << name;
+            EXPECT_EQ(totals.complete, complete) << name << ": " << std::strerror(error);
+            EXPECT_EQ(setOf(allNames(tree.path())), (std::set<std::string>{"file", "folder"}));
+        }
+}
+
+TEST_F(AppleDirectoryWalk, PassesOverAFolderThatCannotBeRead) {
+    for (const auto& [error, complete] :
+         {std::pair(ERANGE, true), {EIO, true}, {ENOTSUP, true}, {EMFILE, false}, {ENFILE, false}, {ENOMEM, false}}) {
+        const auto totals = walkWhereFolderFails(error);
+        EXPECT_EQ(totals.regularFiles, 1U) << std::strerror(error);
+        EXPECT_EQ(totals.complete, complete) << std::strerror(error);
+    }
+}
+
+TEST_F(AppleDirectoryWalk, OfAFolderThatCannotBeReadKnowsNothing) {
+    for (const int error : {ERANGE, EIO, EMFILE}) {
+        system.beforeReading = [=](int) { return error; };
+        EXPECT_EQ(walk(tree.path()), TreeTotals()) << std::strerror(error);
+        EXPECT_EQ(allNames(tree.path()).error(), errorFromErrno(error, tree.path().native()));
+    }
+}
+
+TEST_F(AppleDirectoryWalk, ReadsAgainAfterAnInterruption) {
+    const auto whole = walk(tree.path());
+    system.beforeReading = [](int count) { return count % 3 != 0 ? EINTR : 0; };
+    EXPECT_EQ(walk(tree.path()), whole);
+    EXPECT_EQ(setOf(allNames(tree.path())), (std::set<std::string>{"file", "folder"}));
+}
+
+TEST_F(AppleDirectoryWalk, IsNotCompleteWhereTheSystemDoesNotTellWhatAnEntryIs) {
+    system.tellsTypes = false;
+    EXPECT_EQ(walk(tree.path()), TreeTotals());
+    EXPECT_EQ(setOf(visibleNames(tree.path())), (std::set<std::string>{"file", "folder"}));
+}
+
+TEST_F(AppleDirectoryWalk, CountsAllForksOrElseTheData) {
+    struct stat facts = {};
+    ASSERT_EQ(stat((tree / "file").c_str(), &facts), 0);
+    const std::int64_t total = facts.st_blocks * 512;
+    fs::remove_all(tree / "folder");
+    EXPECT_EQ(walk(tree.path()).allocatedBytes, total);
+    system.tellsTotalSizes = false;
+    EXPECT_EQ(walk(tree.path()).allocatedBytes, total - 512);
+}
+
+TEST_F(AppleDirectoryWalk, BelievesNoRecordThatIsNotWhole) {
+    using Change = std::function<void(std::vector<char>&)>;
+    const std::pair<const char*, Change> changes[] = {
+        {"no length", [](auto& record) { setValueAt(record, 0, std::uint32_t{0}); }},
+        {"too short for its length", [](auto& record) { setValueAt(record, 0, std::uint32_t{3}); }},
+        {"without room for its name", [](auto& record) { setValueAt(record, 0, std::uint32_t{32}); }},
+        {"longer than the buffer", [](auto& record) { setValueAt(record, 0, std::uint32_t{1} << 30); }},
+        {"the longest", [](auto& record) { setValueAt(record, 0, ~std::uint32_t{0}); }},
+        {"no name",
+         [](auto& record) {
+             auto returned = valueAt<attribute_set_t>(record, 4);
+             returned.commonattr &= ~ATTR_CMN_NAME;
+             setValueAt(record, 4, returned);
+         }},
+        {"a name behind the record",
+         [](auto& record) { setValueAt(record, nameReference(record), static_cast<std::int32_t>(record.size())); }},
+        {"a name before the record",
+         [](auto& record) { setValueAt(record, nameReference(record), std::int32_t{-4096}); }},
+        {"a name that is longer than the record",
+         [](auto& record) { setValueAt(record, nameReference(record) + 4, ~std::uint32_t{0}); }},
+        {"a name of no length", [](auto& record) { setValueAt(record, nameReference(record) + 4, std::uint32_t{0}); }},
+        {"a name without an end",
+         [](auto& record) {
+             const std::size_t length = nameReference(record) + 4;
+             setValueAt(record, length, valueAt<std::uint32_t>(record, length) - 1);
+         }},
+    };
+    for (const auto& [what, change] : changes) {
+        system.changeRecord = [&](std::string_view name, std::vector<char>& record) {
+            if (name == "inside" || name == "other")
+                change(record);
+        };
+        const auto totals = walk(tree.path());
+        EXPECT_EQ(totals.regularFiles, 1U) << what;
+        EXPECT_EQ(walk(tree / "folder"), TreeTotals()) << what;
+        EXPECT_EQ(allNames(tree / "folder").error(), errorFromErrno(EIO, (tree / "folder").native())) << what;
+    }
+}
+
+TEST_F(AppleDirectoryWalk, OfAFolderThatChangesWhileItIsReadFindsWhatStays) {
+    constexpr int count = 3000; // several readings
+    for (int i = 0; i < count; ++i)
+        writeFile(tree / ("folder/removed " + std::to_string(i)), "");
+    for (int i = 0; i < count; ++i)
+        writeFile(tree / ("folder/" + std::to_string(i)), "");
+    system.beforeReading = [&](int reading) {
+        for (int i = 0; reading == 4 && i < count; ++i) {
+            fs::remove(tree / ("folder/removed " + std::to_string(i)));
+            writeFile(tree / ("folder/added " + std::to_string(i)), "");
+        }
+        return 0;
+    };
+    const auto totals = walk(tree.path());
+    EXPECT_GT(system.readings, 5);
+    EXPECT_GE(totals.regularFiles, count + 2U);
+    EXPECT_LE(totals.regularFiles, 3 * count + 2U);
+    EXPECT_TRUE(totals.complete);
+}
+
+} // namespace vantry
