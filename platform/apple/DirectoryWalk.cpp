@@ -94,17 +94,20 @@ private:
 // Reads folders in large pieces, the facts about each entry with its name.
 class DirectoryReader {
 public:
+    static constexpr std::size_t largestPiece =
+        64 * 1024; // some 700 entries, so that the clock is looked at in between
+
     // The next entries of the folder that is open as `fd`, "." and ".." left out; empty at its end. The error is an
     // errno.
-    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd) {
+    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd, std::size_t size = largestPiece) {
         int count = 0;
         do
-            count = getattrlistbulk(fd, &wanted_, buffer_.get(), bufferSize, FSOPT_NOFOLLOW);
+            count = getattrlistbulk(fd, &wanted_, buffer_.get(), size, FSOPT_NOFOLLOW);
         while (count < 0 && errno == EINTR);
         if (count < 0)
             return std::unexpected(errno);
         entries_.clear();
-        std::span<const char> rest(buffer_.get(), bufferSize);
+        std::span<const char> rest(buffer_.get(), size);
         for (; count > 0; --count) {
             const std::size_t length = Record(rest).take<std::uint32_t>();
             const auto entry = length <= rest.size() ? entryIn(rest.first(length)) : std::nullopt;
@@ -117,8 +120,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t bufferSize = 64 * 1024; // some 700 entries, so that the clock is looked at in between
-
     // In the order of the bits, but for the two that come first.
     static std::optional<DirectoryEntry> entryIn(std::span<const char> bytes) {
         Record record(bytes);
@@ -163,7 +164,7 @@ private:
                      .dirattr = 0,
                      .fileattr = ATTR_FILE_ALLOCSIZE | ATTR_FILE_DATAALLOCSIZE,
                      .forkattr = 0};
-    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
+    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(largestPiece);
     std::vector<DirectoryEntry> entries_;
 };
 
@@ -207,6 +208,8 @@ private:
     static constexpr std::size_t mostOpen = 48;
     static constexpr std::size_t mostFarApart = mostOpen / 4;
     static constexpr std::size_t foldersAhead = 512;
+    static constexpr std::size_t manyFolders = 8'000; // of which the names are held
+    static constexpr std::size_t smallPiece = 4096;   // some 40 entries, or one with the longest name
 
     struct Identity {
         dev_t device = 0;
@@ -232,14 +235,18 @@ private:
             leave();
         else if (!folder.fd && !reopen())
             leave();
-        else if (!folder.readToEnd && folder.folders.size() < foldersAhead)
+        else if (!folder.readToEnd && folder.folders.size() < (holdsMany() ? 1 : foldersAhead))
             readPiece(folder);
         else
             descend(folder);
     }
 
+    // From here on each level of a tree that is both deep and wide adds little to what is held.
+    [[nodiscard]] bool holdsMany() const { return foldersHeld_ >= manyFolders; }
+
     void readPiece(Folder& folder) {
-        const auto piece = reader_.read(folder.fd.get());
+        const bool isSmall = holdsMany() && folder.entriesToSkip == 0;
+        const auto piece = reader_.read(folder.fd.get(), isSmall ? smallPiece : DirectoryReader::largestPiece);
         if (!piece) {
             folder.readToEnd = true;
             // Of a root that cannot be read nothing is known.
@@ -261,8 +268,10 @@ private:
         switch (entry.kind) {
         case EntryKind::regularFile: addFile(totals_, entry.allocatedBytes, entry.modification); break;
         case EntryKind::directory:
-            if ((entry.flags & SF_DATALESS) == 0)
+            if ((entry.flags & SF_DATALESS) == 0) {
                 folder.folders.emplace_back(entry.name);
+                ++foldersHeld_;
+            }
             break;
         case EntryKind::other: break;
         case EntryKind::unknown: totals_.complete = false; break;
@@ -272,6 +281,7 @@ private:
     void descend(Folder& folder) {
         std::string name = std::move(folder.folders.back());
         folder.folders.pop_back();
+        --foldersHeld_;
         UniqueFd fd(openat(folder.fd.get(), name.c_str(), openFlags));
         if (!fd)
             missed(errno);
@@ -290,6 +300,7 @@ private:
     void leave() {
         if (path_.back().fd)
             open_.pop_back();
+        foldersHeld_ -= path_.back().folders.size();
         path_.pop_back();
     }
 
@@ -352,6 +363,7 @@ private:
     DirectoryReader reader_;
     std::vector<Folder> path_;
     std::vector<std::size_t> open_; ///< which folders of the path are open, in its order
+    std::size_t foldersHeld_ = 0;   ///< in the folders of the path, still to be walked
 };
 
 template <class Wanted>
