@@ -190,9 +190,12 @@ public:
     explicit Walk(Deadline deadline) : deadline_(deadline) {}
 
     [[nodiscard]] TreeTotals from(UniqueFd root) {
+        const auto identity = identityOf(root);
+        if (!identity)
+            return {};
         totals_.complete = true;
-        device_ = deviceOf(root);
-        enter("", std::move(root));
+        device_ = identity->device;
+        enter("", std::move(root), *identity);
         while (!path_.empty()) {
             if (hasPassed(deadline_)) {
                 totals_.complete = false;
@@ -214,8 +217,11 @@ private:
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
+        SystemTime modification; ///< of what stands in it
 
-        bool operator==(const Identity&) const = default;
+        [[nodiscard]] bool isSameFolder(const Identity& other) const {
+            return device == other.device && inode == other.inode;
+        }
     };
 
     // A folder on the path. Its descriptor may be closed for want of others, that of the first one never is.
@@ -226,7 +232,7 @@ private:
         std::size_t entriesRead = 0;
         std::size_t entriesToSkip = 0; ///< they were read before it was opened again
         bool readToEnd = false;
-        std::optional<Identity> identity; ///< set once it was closed
+        Identity identity; ///< before it was read
     };
 
     void step() {
@@ -284,16 +290,18 @@ private:
         --foldersHeld_;
         UniqueFd fd(openat(folder.fd.get(), name.c_str(), openFlags));
         if (!fd)
-            missed(errno);
-        else if (deviceOf(fd) == device_) // else another file system is mounted there
-            enter(std::move(name), std::move(fd));
+            return missed(errno);
+        const auto identity = identityOf(fd);
+        if (identity && identity->device == device_) // else another file system is mounted there
+            enter(std::move(name), std::move(fd), *identity);
     }
 
     void missed(int errorNumber) { totals_.complete = totals_.complete && mayBePassedOver(errorNumber); }
 
-    void enter(std::string name, UniqueFd fd) {
+    void enter(std::string name, UniqueFd fd, const Identity& identity) {
         path_.emplace_back();
         path_.back().name = std::move(name);
+        path_.back().identity = identity;
         keepOpen(path_.size() - 1, std::move(fd));
     }
 
@@ -309,10 +317,14 @@ private:
         for (std::size_t i = open_.back() + 1; i < path_.size(); ++i) {
             Folder& folder = path_[i];
             UniqueFd fd(openat(path_[i - 1].fd.get(), folder.name.c_str(), openFlags));
-            if (!fd || !folder.identity || identityOf(fd) != folder.identity || hasPassed(deadline_)) {
+            const auto found = fd ? identityOf(fd) : std::nullopt;
+            if (!found || !found->isSameFolder(folder.identity) || hasPassed(deadline_)) {
                 totals_.complete = false;
                 return false;
             }
+            // Where something was added or removed, other entries are skipped than those that were read.
+            if (!folder.readToEnd && found->modification != folder.identity.modification)
+                totals_.complete = false;
             folder.entriesToSkip = folder.entriesRead;
             keepOpen(i, std::move(fd));
         }
@@ -334,31 +346,22 @@ private:
         std::size_t kept = 0;
         for (std::size_t i = 0; i < open_.size(); ++i)
             if (i < farOnes && open_[i] % stride != 0)
-                close(path_[open_[i]]);
+                path_[open_[i]].fd.reset();
             else
                 open_[kept++] = open_[i];
         open_.resize(kept);
-    }
-
-    static void close(Folder& folder) {
-        folder.identity = identityOf(folder.fd);
-        folder.fd.reset();
     }
 
     static std::optional<Identity> identityOf(const UniqueFd& fd) {
         struct stat facts = {};
         if (fstat(fd.get(), &facts) != 0)
             return std::nullopt;
-        return Identity{facts.st_dev, facts.st_ino};
-    }
-
-    static std::optional<dev_t> deviceOf(const UniqueFd& fd) {
-        const auto identity = identityOf(fd);
-        return identity ? std::optional(identity->device) : std::nullopt;
+        return Identity{facts.st_dev, facts.st_ino,
+                        systemTimeFromUnix(facts.st_mtimespec.tv_sec, facts.st_mtimespec.tv_nsec)};
     }
 
     Deadline deadline_;
-    std::optional<dev_t> device_; ///< of the root
+    dev_t device_ = 0; ///< of the root
     TreeTotals totals_;
     DirectoryReader reader_;
     std::vector<Folder> path_;

@@ -1,6 +1,8 @@
 #include "platform/DirectoryWalk.h"
 
+#include "base/UniqueFd.h"
 #include "tests/platform/apple/OnDarwin.h"
+#include "tests/support/DeepTree.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/darwin/Darwin.h"
 
@@ -10,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -51,7 +54,7 @@ protected:
         return walk(tree.path());
     }
 
-    const TemporaryFolder tree;
+    const TemporaryFolder tree{folderForManyFiles()};
 };
 
 template <class Value>
@@ -227,6 +230,37 @@ TEST_F(AppleDirectoryWalk, OfAFolderThatChangesWhileItIsReadFindsWhatStays) {
     EXPECT_GE(totals.regularFiles, count + 2U);
     EXPECT_LE(totals.regularFiles, 3 * count + 2U);
     EXPECT_TRUE(totals.complete);
+}
+
+// A place inside a folder cannot be returned to. What was read before is skipped by its number.
+TEST_F(AppleDirectoryWalk, IsNotCompleteWhenAFolderHasChangedBeforeItIsReadOn) {
+    constexpr int count = 1500; // folders, of which one reading names some hundred
+    for (int i = 0; i < count; ++i) {
+        const auto folder = tree / ("folder/" + std::to_string(i));
+        fs::create_directory(folder);
+        writeFile(folder / "file", "");
+    }
+    for (const bool changes : {false, true}) {
+        std::vector<std::string> read;
+        system.changeRecord = [&](std::string_view name, std::vector<char>&) {
+            if (fs::exists(tree / ("folder/" + std::string(name))))
+                read.emplace_back(name);
+        };
+        system.readings = 0;
+        system.beforeReading = [&](int reading) {
+            if (reading == 4) { // of the first of them: from far inside, "folder" will be closed
+                UniqueFd inside(::open((tree / ("folder/" + read.back())).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+                for (int level = 0; level < 100; ++level)
+                    inside = makeFolderIn(inside, "d");
+            }
+            for (std::size_t i = 0; changes && reading == 100 && i < 300; ++i)
+                fs::remove_all(tree / ("folder/" + read[i]));
+            return 0;
+        };
+        const auto totals = walk(tree.path());
+        EXPECT_EQ(totals.complete, !changes);
+        EXPECT_EQ(totals.regularFiles == count + 2U, !changes);
+    }
 }
 
 } // namespace vantry
