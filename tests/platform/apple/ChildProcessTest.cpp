@@ -1,8 +1,10 @@
 #include "platform/ChildProcess.h"
 
 #include "tests/platform/apple/OnDarwin.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/EndedChild.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/RefusedCall.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +12,8 @@
 #include <cstddef>
 #include <filesystem>
 #include <poll.h>
+#include <string>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace vantry {
@@ -49,6 +53,16 @@ TEST_F(AppleChildProcess, ThatCannotBeWatchedIsEnded) {
     const auto child = ChildProcess::start("/bin/sleep", {"600"}, ChildOutput::pipe);
     ASSERT_FALSE(child);
     EXPECT_EQ(child.error(), errorFromErrno(ENOMEM, "child exit"));
+}
+
+TEST_F(AppleChildProcess, CannotBeStartedWhereItsWatchCannotBeSetUp) {
+    const std::string said = inChildProcess([]() -> std::string {
+        if (!refuseCall(SYS_fcntl, EPERM))
+            return "not prepared";
+        const auto child = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
+        return child ? "started" : child.error().message;
+    });
+    EXPECT_EQ(said, errorFromErrno(EPERM, "child exit").message);
 }
 
 TEST(OwnExecutable, IsTheFileThatRunsWithoutLinks) {

@@ -2,6 +2,7 @@
 
 #include "base/Deadline.h"
 #include "tests/platform/contract/ChildProcessFixture.h"
+#include "tests/support/RefusedCall.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -16,6 +17,7 @@
 #include <poll.h>
 #include <string>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -84,6 +86,8 @@ TEST_F(AChildProcess, StartsWithNoSignalBlockedOrIgnored) {
 TEST_F(AChildProcess, HasNoEndBeforeItEnds) {
     auto child = ChildProcess::start("/bin/sleep", {"60"}, ChildOutput::pipe);
     ASSERT_TRUE(child);
+    for (const int fd : {child->output(), child->exitDescriptor()})
+        EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(child->exitStatus(), std::nullopt);
     char byte = 0;
     EXPECT_EQ(read(child->output(), &byte, 1), -1);
@@ -262,6 +266,18 @@ TEST_F(AChildProcess, CannotBeStartedWithoutDescriptors) {
         return "never started";
     });
     EXPECT_EQ(said, "started after 3"); // two for the pipe, one to see its end
+}
+
+TEST_F(AChildProcess, CannotBeStartedWhereDescriptorsCannotBeSetUp) {
+    const std::string said = inChildProcess([]() -> std::string {
+        const auto nextDescriptor = [] { return UniqueFd(dup(STDIN_FILENO)).get(); };
+        const int before = nextDescriptor();
+        if (!refuseCall(SYS_fcntl, EPERM))
+            return "not prepared";
+        const auto child = ChildProcess::start("/bin/true", {}, ChildOutput::pipe);
+        return (child ? "started" : child.error().message) + (nextDescriptor() != before ? ", a descriptor left" : "");
+    });
+    EXPECT_EQ(said, errorFromErrno(EPERM, "pipe").message);
 }
 
 TEST_F(AChildProcess, CannotBeStartedByAUserWhoHasTooMany) {

@@ -12,10 +12,12 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <string>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
+#include <vector>
 
 namespace vantry {
 
@@ -146,6 +148,16 @@ TEST_F(ASupervisedChild, IsNotStartedAfterTheSwitchWasStopped) {
     EXPECT_FALSE(
         SupervisedChild::start("/bin/sh", {"-c", ": > " + (root / "started").native()}, ChildOutput::pipe, stopSwitch));
     EXPECT_FALSE(std::filesystem::exists(root / "started"));
+}
+
+TEST(StopSwitch, IsNotInherited) {
+    std::vector<int> unused;
+    for (int fd = 0; fd < 64; ++fd)
+        if (fcntl(fd, F_GETFD) < 0)
+            unused.push_back(fd);
+    const auto stopSwitch = StopSwitch::create().value();
+    for (const int fd : {unused.at(0), unused.at(1)}) // the ends of a pipe
+        EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
 }
 
 TEST(StopSwitch, WaitsForWorkButNotForEver) {

@@ -43,7 +43,8 @@ int watch(int queue, pid_t pid) {
     }
     if (process < 0 || process == queue)
         return process < 0 ? -1 : 0;
-    const bool done = dup3(process, queue, O_CLOEXEC) == queue;
+    const bool isInherited = (fcntl(queue, F_GETFD) & FD_CLOEXEC) == 0;
+    const bool done = dup3(process, queue, isInherited ? 0 : O_CLOEXEC) == queue;
     close(process);
     return done ? 0 : -1;
 }
