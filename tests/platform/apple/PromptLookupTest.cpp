@@ -61,6 +61,7 @@ TEST_F(PromptLookup, KeepsALinkAtTheEndAndOnlyThere) {
     EXPECT_EQ(kept("toFolder/toFile"), root / "folder/toFile");
     EXPECT_EQ(kept("absolute/toFile"), root / "folder/toFile");
     EXPECT_EQ(kept("toFolder/.."), root);
+    EXPECT_EQ(kept("toFolder/."), root / "folder");
 }
 
 TEST_F(PromptLookup, TellsWhyThereIsNothing) {

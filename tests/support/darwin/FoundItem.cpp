@@ -2,6 +2,8 @@
 
 #include "platform/FoundItem.h"
 
+#include "platform/apple/PromptLookup.h"
+
 #include <cerrno>
 #include <string>
 #include <sys/stat.h>
@@ -21,9 +23,10 @@ ItemFacts::Kind kindOf(mode_t mode) {
 
 Result<FoundItem> readFoundItem(const std::filesystem::path& path,
                                 const std::function<bool(const ItemFacts&)>& isWanted) {
+    const auto place = promptPath(path, FinalLink::isKept);
     struct stat said = {};
-    if (lstat(path.c_str(), &said) != 0)
-        return std::unexpected(errorFromErrno(errno));
+    if (!place || lstat(place->c_str(), &said) != 0)
+        return std::unexpected(errorFromErrno(place ? errno : place.error()));
     FoundItem item;
     item.facts.kind = kindOf(said.st_mode);
     item.facts.contentModificationDate = systemTimeFromUnix(said.st_mtim.tv_sec, said.st_mtim.tv_nsec);
