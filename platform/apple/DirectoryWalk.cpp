@@ -403,8 +403,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
     if (!facts || hasPassed(deadline) || facts->kind != ItemFacts::Kind::folder)
         return {};
     const NothingIsFetched nothingIsFetched;
-    UniqueFd root(open(path.c_str(), openFlags));
-    return root ? Walk(deadline).from(std::move(root)) : TreeTotals{};
+    return Walk(deadline).from(UniqueFd(open(path.c_str(), openFlags)));
 }
 
 bool isMountPoint(const std::filesystem::path& path) {

@@ -21,6 +21,7 @@
 #include <string_view>
 #include <sys/attr.h>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace vantry {
@@ -193,6 +194,10 @@ TEST_F(AppleDirectoryWalk, BelievesNoRecordThatIsNotWhole) {
          [](auto& record) { setValueAt(record, nameReference(record), std::int32_t{-4096}); }},
         {"a name that is longer than the record",
          [](auto& record) { setValueAt(record, nameReference(record) + 4, ~std::uint32_t{0}); }},
+        {"a name that is a bit longer than the rest of the record",
+         [](auto& record) {
+             setValueAt(record, nameReference(record) + 4, static_cast<std::uint32_t>(record.size()));
+         }},
         {"a name of no length", [](auto& record) { setValueAt(record, nameReference(record) + 4, std::uint32_t{0}); }},
         {"a name without an end",
          [](auto& record) {
@@ -232,6 +237,19 @@ TEST_F(AppleDirectoryWalk, OfAFolderThatChangesWhileItIsReadFindsWhatStays) {
     EXPECT_TRUE(totals.complete);
 }
 
+TEST_F(AppleDirectoryWalk, ReadsLargePiecesAgainOnceItHasWalkedManyFolders) {
+    constexpr int count = 5000;
+    for (const char* name : {"before", "folders", "after"}) // whichever of the files is read last
+        fs::create_directory(tree / name);
+    for (int i = 0; i < count; ++i) {
+        fs::create_directory(tree / ("folders/" + std::to_string(i)));
+        for (const char* name : {"before/", "after/"})
+            writeFile(tree / (name + std::to_string(i)), "");
+    }
+    EXPECT_EQ(walk(tree.path()).regularFiles, 2U * count + 2);
+    EXPECT_LT(system.readings, count + 80); // one of each empty folder
+}
+
 // A place inside a folder cannot be returned to. What was read before is skipped by its number.
 TEST_F(AppleDirectoryWalk, IsNotCompleteWhenAFolderHasChangedBeforeItIsReadOn) {
     constexpr int count = 1500; // folders, of which one reading names some hundred
@@ -260,6 +278,64 @@ TEST_F(AppleDirectoryWalk, IsNotCompleteWhenAFolderHasChangedBeforeItIsReadOn) {
         const auto totals = walk(tree.path());
         EXPECT_EQ(totals.complete, !changes);
         EXPECT_EQ(totals.regularFiles == count + 2U, !changes);
+    }
+}
+
+// Far inside, the folders on the way there are closed; another program puts others in their place.
+TEST_F(AppleDirectoryWalk, TakesNoOtherFolderForOneThatItHadToClose) {
+    constexpr int depth = 100;
+    constexpr int exchanged = 20;
+    constexpr auto newest = SystemTime(std::chrono::seconds(7'258'118'400));
+    const TemporaryFolder outside(folderForManyFiles());
+    // On each level one folder is walked before what is below it, and one after it.
+    const auto build = [](const fs::path& top, timespec date) {
+        UniqueFd folder(::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        for (int level = 0; level < depth; ++level) {
+            UniqueFd below;
+            for (const char* name : {"a", "d", "z"}) {
+                UniqueFd made = makeFolderIn(folder, name);
+                if (*name == 'd') {
+                    below = std::move(made);
+                    continue;
+                }
+                makeFileIn(made, "file");
+                const timespec times[] = {{0, UTIME_OMIT}, date};
+                utimensat(made.get(), "file", times, 0);
+            }
+            folder = std::move(below);
+        }
+    };
+    build(tree.path(), {1, 0});
+    build(outside.path(), {7'258'118'400, 0});
+    fs::remove_all(tree / "folder");
+    fs::remove(tree / "file");
+    const auto whole = walk(tree.path());
+    EXPECT_EQ(whole.regularFiles, 2U * depth);
+    EXPECT_TRUE(whole.complete);
+    fs::path place;
+    for (int level = 0; level < exchanged; ++level)
+        place /= "d";
+    for (const bool isThere : {true, false}) {
+        system.readings = 0;
+        system.beforeReading = [&](int reading) {
+            if (reading == 3 * depth) { // of four on each level on the way down
+
+                fs::rename(tree.path() / place, outside / "original");
+                if (isThere)
+                    fs::rename(outside.path() / place, tree.path() / place);
+            }
+            return 0;
+        };
+        const auto totals = walk(tree.path());
+        EXPECT_FALSE(totals.complete);
+        EXPECT_LT(totals.newestModification, newest);
+        EXPECT_LT(totals.regularFiles, whole.regularFiles);
+        EXPECT_GT(totals.regularFiles, static_cast<std::uint64_t>(exchanged));
+        if (isThere)
+            fs::rename(tree.path() / place, outside.path() / place);
+        fs::rename(outside / "original", tree.path() / place);
+        system.beforeReading = nullptr;
+        EXPECT_EQ(walk(tree.path()), whole);
     }
 }
 

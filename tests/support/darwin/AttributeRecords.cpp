@@ -114,8 +114,11 @@ extern "C" int getattrlistbulk(int folder, void* list, void* buffer, std::size_t
     using namespace vantry;
     const auto& wanted = *static_cast<const attrlist*>(list);
     constexpr attrgroup_t needed = ATTR_CMN_NAME | ATTR_CMN_RETURNED_ATTRS;
+    constexpr attrgroup_t known = needed | ATTR_CMN_ERROR | ATTR_CMN_OBJTYPE | ATTR_CMN_MODTIME | ATTR_CMN_FLAGS;
+    constexpr attrgroup_t knownOfFiles = ATTR_FILE_ALLOCSIZE | ATTR_FILE_DATAALLOCSIZE;
     if (wanted.bitmapcount != ATTR_BIT_MAP_COUNT || wanted.reserved != 0 || (wanted.commonattr & needed) != needed ||
-        (options & ~std::uint64_t{FSOPT_NOFOLLOW}) != 0)
+        (wanted.commonattr & ~known) != 0 || (wanted.fileattr & ~knownOfFiles) != 0 ||
+        (wanted.volattr | wanted.dirattr | wanted.forkattr) != 0 || (options & ~std::uint64_t{FSOPT_NOFOLLOW}) != 0)
         return errno = EINVAL, -1;
     DarwinSystem& system = DarwinSystem::get();
     ++system.readings;
