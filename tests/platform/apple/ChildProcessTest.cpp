@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <filesystem>
 #include <poll.h>
@@ -65,8 +66,16 @@ TEST_F(AppleChildProcess, CannotBeStartedWhereItsWatchCannotBeSetUp) {
     EXPECT_EQ(said, errorFromErrno(EPERM, "child exit").message);
 }
 
-TEST(OwnExecutable, IsTheFileThatRunsWithoutLinks) {
-    EXPECT_EQ(ownExecutable(), std::filesystem::read_symlink("/proc/self/exe"));
+TEST_F(AppleChildProcess, MayBeOfTheFileThatRunsHoweverLongItsPath) {
+    const auto file = std::filesystem::read_symlink("/proc/self/exe");
+    EXPECT_EQ(ownExecutable(), file);
+    std::string dots;
+    while (dots.size() < 2 * PATH_MAX)
+        dots += "./";
+    system.executable = "/proc/self/" + dots + "exe";
+    EXPECT_EQ(ownExecutable(), file);
+    system.executable = "/no/such/program";
+    EXPECT_EQ(ownExecutable().error().kind, ErrorKind::notFound);
 }
 
 } // namespace vantry

@@ -42,6 +42,7 @@ struct DarwinSystem {
     /// Called before a process is watched. What it answers, unless 0, is the errno that the watching fails with.
     std::function<int(pid_t)> beforeWatching;
 
+    std::string executable = "/proc/self/exe";   ///< a path of the program that runs, which may lead through links
     std::map<std::string, std::string> programs; ///< what is started instead of a program
     std::filesystem::path userTemporaryFolder;   ///< without one, nobody can tell it
 

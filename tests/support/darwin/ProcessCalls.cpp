@@ -10,7 +10,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <mach-o/dyld.h>
-#include <string_view>
+#include <string>
 #include <sys/event.h>
 #include <sys/eventfd.h>
 #include <sys/wait.h>
@@ -98,14 +98,13 @@ int kevent(int queue, const struct kevent* changes, int changeCount, struct keve
 }
 
 int _NSGetExecutablePath(char* path, std::uint32_t* size) {
-    constexpr std::string_view link = "/proc/self/exe";
-    const bool fits = link.size() < *size;
-    if (fits)
-        link.copy(path, link.size());
-    if (fits)
-        path[link.size()] = 0;
-    *size = fits ? *size : static_cast<std::uint32_t>(link.size() + 1);
-    return fits ? 0 : -1;
+    const std::string& executable = vantry::DarwinSystem::get().executable;
+    if (executable.size() >= *size) {
+        *size = static_cast<std::uint32_t>(executable.size() + 1);
+        return -1;
+    }
+    std::memcpy(path, executable.c_str(), executable.size() + 1);
+    return 0;
 }
 
 // Without what the executable is linked with.
