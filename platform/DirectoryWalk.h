@@ -30,7 +30,8 @@ struct TreeTotals {
 /// nothing and are not complete. Works at any depth and width in bounded memory. Once the tree has shown to be large,
 /// `helpers` beside the calling thread take part, also those that become free later. Blocking until the tree is walked
 /// or `deadline` has passed, and as long as a file system does not answer; any thread. Never fails: what keeps this
-/// process from seeing everything makes the answer not complete.
+/// process from seeing everything makes the answer not complete. So does, on macOS, a folder of very many folders that
+/// changes while the walk is far below it.
 [[nodiscard]] TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
                                   const std::shared_ptr<SpareThreads>& helpers);
 

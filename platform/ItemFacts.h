@@ -16,7 +16,7 @@ struct ItemFacts {
     enum class Kind { regularFile, folder, symbolicLink, other };
 
     Kind kind = Kind::other;
-    /// Held at the ends of what `SystemTime` can tell.
+    /// Held at the ends of what `SystemTime` can tell. On macOS that of a `FoundItem` is as fine as in a fingerprint.
     std::optional<SystemTime> contentModificationDate;
     /// Of a regular file, with all of its forks where the system tells them. Sparse files count what they occupy.
     std::optional<std::int64_t> allocatedBytes;

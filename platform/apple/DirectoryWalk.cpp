@@ -94,17 +94,20 @@ private:
 // Reads folders in large pieces, the facts about each entry with its name.
 class DirectoryReader {
 public:
+    static constexpr std::size_t largestPiece =
+        64 * 1024; // some 700 entries, so that the clock is looked at in between
+
     // The next entries of the folder that is open as `fd`, "." and ".." left out; empty at its end. The error is an
     // errno.
-    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd) {
+    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd, std::size_t size = largestPiece) {
         int count = 0;
         do
-            count = getattrlistbulk(fd, &wanted_, buffer_.get(), bufferSize, FSOPT_NOFOLLOW);
+            count = getattrlistbulk(fd, &wanted_, buffer_.get(), size, FSOPT_NOFOLLOW);
         while (count < 0 && errno == EINTR);
         if (count < 0)
             return std::unexpected(errno);
         entries_.clear();
-        std::span<const char> rest(buffer_.get(), bufferSize);
+        std::span<const char> rest(buffer_.get(), size);
         for (; count > 0; --count) {
             const std::size_t length = Record(rest).take<std::uint32_t>();
             const auto entry = length <= rest.size() ? entryIn(rest.first(length)) : std::nullopt;
@@ -117,8 +120,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t bufferSize = 64 * 1024; // some 700 entries, so that the clock is looked at in between
-
     // In the order of the bits, but for the two that come first.
     static std::optional<DirectoryEntry> entryIn(std::span<const char> bytes) {
         Record record(bytes);
@@ -163,7 +164,7 @@ private:
                      .dirattr = 0,
                      .fileattr = ATTR_FILE_ALLOCSIZE | ATTR_FILE_DATAALLOCSIZE,
                      .forkattr = 0};
-    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
+    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(largestPiece);
     std::vector<DirectoryEntry> entries_;
 };
 
@@ -189,9 +190,12 @@ public:
     explicit Walk(Deadline deadline) : deadline_(deadline) {}
 
     [[nodiscard]] TreeTotals from(UniqueFd root) {
+        const auto identity = identityOf(root);
+        if (!identity)
+            return {};
         totals_.complete = true;
-        device_ = deviceOf(root);
-        enter("", std::move(root));
+        device_ = identity->device;
+        enter("", std::move(root), *identity);
         while (!path_.empty()) {
             if (hasPassed(deadline_)) {
                 totals_.complete = false;
@@ -207,12 +211,17 @@ private:
     static constexpr std::size_t mostOpen = 48;
     static constexpr std::size_t mostFarApart = mostOpen / 4;
     static constexpr std::size_t foldersAhead = 512;
+    static constexpr std::size_t manyFolders = 8'000; // of which the names are held
+    static constexpr std::size_t smallPiece = 4096;   // some 40 entries, or one with the longest name
 
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
+        SystemTime modification; ///< of what stands in it
 
-        bool operator==(const Identity&) const = default;
+        [[nodiscard]] bool isSameFolder(const Identity& other) const {
+            return device == other.device && inode == other.inode;
+        }
     };
 
     // A folder on the path. Its descriptor may be closed for want of others, that of the first one never is.
@@ -223,7 +232,7 @@ private:
         std::size_t entriesRead = 0;
         std::size_t entriesToSkip = 0; ///< they were read before it was opened again
         bool readToEnd = false;
-        std::optional<Identity> identity; ///< set once it was closed
+        Identity identity; ///< before it was read
     };
 
     void step() {
@@ -232,14 +241,18 @@ private:
             leave();
         else if (!folder.fd && !reopen())
             leave();
-        else if (!folder.readToEnd && folder.folders.size() < foldersAhead)
+        else if (!folder.readToEnd && folder.folders.size() < (holdsMany() ? 1 : foldersAhead))
             readPiece(folder);
         else
             descend(folder);
     }
 
+    // From here on each level of a tree that is both deep and wide adds little to what is held.
+    [[nodiscard]] bool holdsMany() const { return foldersHeld_ >= manyFolders; }
+
     void readPiece(Folder& folder) {
-        const auto piece = reader_.read(folder.fd.get());
+        const bool isSmall = holdsMany() && folder.entriesToSkip == 0;
+        const auto piece = reader_.read(folder.fd.get(), isSmall ? smallPiece : DirectoryReader::largestPiece);
         if (!piece) {
             folder.readToEnd = true;
             // Of a root that cannot be read nothing is known.
@@ -261,8 +274,10 @@ private:
         switch (entry.kind) {
         case EntryKind::regularFile: addFile(totals_, entry.allocatedBytes, entry.modification); break;
         case EntryKind::directory:
-            if ((entry.flags & SF_DATALESS) == 0)
+            if ((entry.flags & SF_DATALESS) == 0) {
                 folder.folders.emplace_back(entry.name);
+                ++foldersHeld_;
+            }
             break;
         case EntryKind::other: break;
         case EntryKind::unknown: totals_.complete = false; break;
@@ -272,24 +287,28 @@ private:
     void descend(Folder& folder) {
         std::string name = std::move(folder.folders.back());
         folder.folders.pop_back();
+        --foldersHeld_;
         UniqueFd fd(openat(folder.fd.get(), name.c_str(), openFlags));
         if (!fd)
-            missed(errno);
-        else if (deviceOf(fd) == device_) // else another file system is mounted there
-            enter(std::move(name), std::move(fd));
+            return missed(errno);
+        const auto identity = identityOf(fd);
+        if (identity && identity->device == device_) // else another file system is mounted there
+            enter(std::move(name), std::move(fd), *identity);
     }
 
     void missed(int errorNumber) { totals_.complete = totals_.complete && mayBePassedOver(errorNumber); }
 
-    void enter(std::string name, UniqueFd fd) {
+    void enter(std::string name, UniqueFd fd, const Identity& identity) {
         path_.emplace_back();
         path_.back().name = std::move(name);
+        path_.back().identity = identity;
         keepOpen(path_.size() - 1, std::move(fd));
     }
 
     void leave() {
         if (path_.back().fd)
             open_.pop_back();
+        foldersHeld_ -= path_.back().folders.size();
         path_.pop_back();
     }
 
@@ -298,10 +317,14 @@ private:
         for (std::size_t i = open_.back() + 1; i < path_.size(); ++i) {
             Folder& folder = path_[i];
             UniqueFd fd(openat(path_[i - 1].fd.get(), folder.name.c_str(), openFlags));
-            if (!fd || !folder.identity || identityOf(fd) != folder.identity || hasPassed(deadline_)) {
+            const auto found = fd ? identityOf(fd) : std::nullopt;
+            if (!found || !found->isSameFolder(folder.identity) || hasPassed(deadline_)) {
                 totals_.complete = false;
                 return false;
             }
+            // Where something was added or removed, other entries are skipped than those that were read.
+            if (!folder.readToEnd && found->modification != folder.identity.modification)
+                totals_.complete = false;
             folder.entriesToSkip = folder.entriesRead;
             keepOpen(i, std::move(fd));
         }
@@ -323,35 +346,27 @@ private:
         std::size_t kept = 0;
         for (std::size_t i = 0; i < open_.size(); ++i)
             if (i < farOnes && open_[i] % stride != 0)
-                close(path_[open_[i]]);
+                path_[open_[i]].fd.reset();
             else
                 open_[kept++] = open_[i];
         open_.resize(kept);
-    }
-
-    static void close(Folder& folder) {
-        folder.identity = identityOf(folder.fd);
-        folder.fd.reset();
     }
 
     static std::optional<Identity> identityOf(const UniqueFd& fd) {
         struct stat facts = {};
         if (fstat(fd.get(), &facts) != 0)
             return std::nullopt;
-        return Identity{facts.st_dev, facts.st_ino};
-    }
-
-    static std::optional<dev_t> deviceOf(const UniqueFd& fd) {
-        const auto identity = identityOf(fd);
-        return identity ? std::optional(identity->device) : std::nullopt;
+        return Identity{facts.st_dev, facts.st_ino,
+                        systemTimeFromUnix(facts.st_mtimespec.tv_sec, facts.st_mtimespec.tv_nsec)};
     }
 
     Deadline deadline_;
-    std::optional<dev_t> device_; ///< of the root
+    dev_t device_ = 0; ///< of the root
     TreeTotals totals_;
     DirectoryReader reader_;
     std::vector<Folder> path_;
     std::vector<std::size_t> open_; ///< which folders of the path are open, in its order
+    std::size_t foldersHeld_ = 0;   ///< in the folders of the path, still to be walked
 };
 
 template <class Wanted>
@@ -388,8 +403,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
     if (!facts || hasPassed(deadline) || facts->kind != ItemFacts::Kind::folder)
         return {};
     const NothingIsFetched nothingIsFetched;
-    UniqueFd root(open(path.c_str(), openFlags));
-    return root ? Walk(deadline).from(std::move(root)) : TreeTotals{};
+    return Walk(deadline).from(UniqueFd(open(path.c_str(), openFlags)));
 }
 
 bool isMountPoint(const std::filesystem::path& path) {

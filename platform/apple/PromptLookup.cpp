@@ -50,7 +50,7 @@ using Components = std::list<std::string>;
 void putBefore(Components& rest, const std::filesystem::path& path) {
     Components parts;
     for (const auto& part : path.relative_path())
-        if (!part.empty() && part != ".")
+        if (!part.empty())
             parts.push_back(part.native());
     rest.splice(rest.begin(), parts);
 }
@@ -74,6 +74,8 @@ std::expected<std::filesystem::path, int> promptPath(const std::filesystem::path
     for (int links = 0; !rest.empty();) {
         const std::string name = std::move(rest.front());
         rest.pop_front();
+        if (name == ".") // also at the end, where it leads through a link before it
+            continue;
         if (name == "..") {
             found = found.parent_path();
             continue;

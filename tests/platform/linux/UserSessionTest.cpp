@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <pwd.h>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
@@ -66,41 +65,6 @@ std::string asUnknownUser(const std::function<std::string(uid_t)>& block) {
 }
 
 } // namespace
-
-TEST(HomeFolder, IsWhatTheEnvironmentSays) {
-    const TemporaryFolder home;
-    const ScopedEnvironment variable("HOME", home.path().c_str());
-    EXPECT_EQ(homeFolder(), home.path());
-}
-
-TEST(HomeFolder, NeedNotExist) {
-    const ScopedEnvironment variable("HOME", "/no/such/folder");
-    EXPECT_EQ(homeFolder(), fs::path("/no/such/folder"));
-}
-
-TEST(HomeFolder, IsTheUserDatabasesWhenTheEnvironmentNamesNoAbsoluteOne) {
-    const passwd* entry = getpwuid(getuid());
-    if (!entry)
-        GTEST_SKIP() << "this user is not in the user database";
-    const fs::path expected = entry->pw_dir;
-    for (const char* value : {static_cast<const char*>(nullptr), "", "relative", "./here", "~"}) {
-        const ScopedEnvironment variable("HOME", value);
-        EXPECT_EQ(homeFolder(), expected) << (value ? value : "unset");
-    }
-}
-
-TEST(HomeFolder, OfAUserWhomNobodyKnowsIsNotFound) {
-    const std::string answer = asUnknownUser([](uid_t) -> std::string {
-        unsetenv("HOME");
-        const auto home = homeFolder();
-        if (home)
-            return home->native();
-        return home.error().kind == ErrorKind::notFound ? home.error().message.substr(0, 13) : "another kind";
-    });
-    if (answer == noSuchUser)
-        GTEST_SKIP() << answer;
-    EXPECT_EQ(answer, "home folder: ");
-}
 
 TEST(UserRuntimeFolder, IsTheSessionsWhenThatIsPrivate) {
     const TemporaryFolder folder;
@@ -251,16 +215,6 @@ TEST(GraphicalSessionName, IsTheDisplayWithoutItsScreen) {
         const ScopedEnvironment wayland("WAYLAND_DISPLAY", waylandDisplay);
         EXPECT_EQ(graphicalSessionName(), name) << (display ? display : "unset");
     }
-}
-
-TEST(TemporaryFolderOfTheUser, IsTheOneOfTheEnvironmentWhenItIsAbsolute) {
-    for (const auto& [variable, folder] :
-         {std::pair("/some/folder", "/some/folder"), {"relative", "/tmp"}, {"", "/tmp"}}) {
-        const ScopedEnvironment environment("TMPDIR", variable);
-        EXPECT_EQ(temporaryFolder(), folder);
-    }
-    const ScopedEnvironment environment("TMPDIR", nullptr);
-    EXPECT_EQ(temporaryFolder(), "/tmp");
 }
 
 } // namespace vantry

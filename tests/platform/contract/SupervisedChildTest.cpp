@@ -12,10 +12,12 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <string>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
+#include <vector>
 
 namespace vantry {
 
@@ -101,7 +103,8 @@ TEST_F(ASupervisedChild, IsAskedToEndBeforeItIsKilled) {
 TEST_F(ASupervisedChild, ThatSurvivesBeingKilledIsReapedWhenItEnds) {
     const std::string end = root / "end";
     const std::string said = inChildProcess([&]() -> std::string {
-        if (!refuseCall(SYS_pidfd_send_signal, EPERM)) // as if it were stuck in a hung file system
+        // As if it were stuck in a hung file system.
+        if (!refuseCall(SYS_pidfd_send_signal, EPERM) || !refuseCall(SYS_kill, EPERM))
             return "no refusal";
         RecordedPolls::forget();
         static_cast<void>(
@@ -145,6 +148,16 @@ TEST_F(ASupervisedChild, IsNotStartedAfterTheSwitchWasStopped) {
     EXPECT_FALSE(
         SupervisedChild::start("/bin/sh", {"-c", ": > " + (root / "started").native()}, ChildOutput::pipe, stopSwitch));
     EXPECT_FALSE(std::filesystem::exists(root / "started"));
+}
+
+TEST(StopSwitch, IsNotInherited) {
+    std::vector<int> unused;
+    for (int fd = 0; fd < 64; ++fd)
+        if (fcntl(fd, F_GETFD) < 0)
+            unused.push_back(fd);
+    const auto stopSwitch = StopSwitch::create().value();
+    for (const int fd : {unused.at(0), unused.at(1)}) // the ends of a pipe
+        EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
 }
 
 TEST(StopSwitch, WaitsForWorkButNotForEver) {
