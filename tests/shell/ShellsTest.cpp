@@ -87,6 +87,7 @@ const std::map<std::string, std::string> otherNames = {{"BarWidget", "BarView"},
 const std::map<std::string, std::string_view> qtOnly = {
     {"CleanupControls", "AppKit has these controls"},
     {"ElidingLabel", "AppKit has this label"},
+    {"FigureText", "AppKit has fonts with digits of one width"},
     {"FileUri", "for the desktop's file managers"},
     {"OmbrelStyle", "AppKit has its style"},
     {"QtAppearance", "AppKit tells each view its appearance"},
@@ -95,11 +96,13 @@ const std::map<std::string, std::string_view> qtOnly = {
     {"QtWorkspace", "platform/apple/Workspace"},
     {"StripWindow", "macOS always has a menu bar"},
     {"TrayTracker", "macOS always has a menu bar"},
+    {"X11Strut", "macOS always has a menu bar"},
     {"X11WindowList", "platform/apple/WindowList"},
 };
 
 const std::map<std::string, std::string_view> appkitOnly = {
     {"AppKitDrawing", "what the canvas needs of Objective-C, in QtCanvas"},
+    {"MouseMonitor", "a popup of Qt sees every click by itself"},
     {"Stacks", "layouts and labels, which Qt has"},
 };
 
