@@ -9,7 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
-#include <cstdlib>
+#include <cmath>
 #include <utility>
 
 namespace vantry {
@@ -53,9 +53,11 @@ void StripWindow::setContent(const StatusItemContent& content) {
 void StripWindow::place() {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
-        // An area that begins right below the strip is what the strip itself has left.
-        const bool pushesItself = reserved_ && std::abs(area.top() - placedAt_.y() - height()) <= 1;
-        placedAt_ = {area.right() + 1 - width(), pushesItself ? placedAt_.y() : area.top()};
+        // What strips themselves have left of the screen is no reason to move: two of them would drive each other down.
+        const QPoint origin = screen->geometry().topLeft();
+        const auto top = origin.y() + std::lround((area.top() - origin.y()) * screen->devicePixelRatio());
+        const bool stays = isVisible() && isReservedByStrip(static_cast<int>(top));
+        placedAt_ = {area.right() + 1 - width(), stays ? placedAt_.y() : area.top()};
         move(placedAt_);
         reserve();
     }
@@ -67,10 +69,10 @@ void StripWindow::reserve() {
     if (!screen || !isVisible())
         return;
     const QPoint origin = screen->geometry().topLeft(); // the same in points and in pixels
-    reserved_ = origin.y() == 0;
+    const bool isAtEdge = origin.y() == 0;
     const qreal scale = screen->devicePixelRatio();
     const QRectF inPixels(origin + QPointF(placedAt_ - origin) * scale, QSizeF(size()) * scale);
-    reserveTopEdge(winId(), reserved_ ? inPixels.toAlignedRect() : QRect());
+    reserveTopEdge(winId(), isAtEdge ? inPixels.toAlignedRect() : QRect());
 }
 
 void StripWindow::showEvent(QShowEvent* event) {

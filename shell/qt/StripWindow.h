@@ -42,7 +42,6 @@ private:
     StatusItemContent content_;
     Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none for a press that the popover had, or that is spent
     QPoint placedAt_;
-    bool reserved_ = false; ///< the screen's available area lacks what is above the strip's lower edge
 };
 
 } // namespace vantry

@@ -10,4 +10,8 @@ namespace vantry {
 /// outside of X11.
 void reserveTopEdge(WId window, const QRect& area);
 
+/// Whether the top edge is reserved down to `y`, in pixels of X11, give or take one, by a strip of Ombrel: this one's
+/// or another user's or home folder's on the same display.
+[[nodiscard]] bool isReservedByStrip(int y);
+
 } // namespace vantry

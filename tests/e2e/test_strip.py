@@ -47,6 +47,14 @@ class Strip(DesktopCase):
             holds(lambda: application.strip().rect == Rect(1000 - width, 0, width, 24), "the strip's place")
             window.destroy()
 
+    def test_stays_where_it_is_when_another_home_has_one_too(self):
+        application, strip = self.start_and_wait()
+        other = self.start()
+        wait_until(lambda: other.strip() and other.strip().rect.y == 24, "the other one's place")
+        holds(lambda: application.strip().rect == strip.rect and other.strip().rect.y == 24, "both places")
+        other.close()
+        holds(lambda: application.strip().rect == strip.rect, "the strip's place")
+
     def test_leaves_nothing_reserved_when_it_ends(self):
         application, _strip = self.start_and_wait()
         application.close()
