@@ -9,6 +9,7 @@
 #include <map>
 #include <sstream>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace vantry {
@@ -159,12 +160,12 @@ public:
         if (name == "static" || name == "transition")
             slide_ = {};
         else if (name == "/static" || name == "/transition")
-            slides_.push_back(std::move(slide_));
+            slides_.push_back(std::exchange(slide_, {}));
         else if (name == "duration")
             slide_.duration = std::clamp(numberOf<double>(text).value_or(0), 0.0, longestDuration);
         else if (name == "file" || name == "from" || name == "to")
             picture_ = name == "to" ? &slide_.next : &slide_.shown;
-        else if (const auto part = std::ranges::find(startParts_, name, &StartPart::name); part != startParts_.end())
+        else if (const auto part = std::ranges::find(startParts, name, &StartPart::name); part != startParts.end())
             start_.*(part->member) = std::clamp(numberOf<int>(text).value_or(0), 0, latestYear);
         if (name == "file" || name == "from" || name == "to" || name == "size")
             picture_->add(text, numberOf<double>(attribute(tag, "width").value_or("0")).value_or(0) *
@@ -198,12 +199,12 @@ private:
         std::string_view name;
         int std::tm::*member;
     };
-    static constexpr std::array<StartPart, 6> startParts_{{{"year", &std::tm::tm_year},
-                                                           {"month", &std::tm::tm_mon},
-                                                           {"day", &std::tm::tm_mday},
-                                                           {"hour", &std::tm::tm_hour},
-                                                           {"minute", &std::tm::tm_min},
-                                                           {"second", &std::tm::tm_sec}}};
+    static constexpr std::array<StartPart, 6> startParts{{{"year", &std::tm::tm_year},
+                                                          {"month", &std::tm::tm_mon},
+                                                          {"day", &std::tm::tm_mday},
+                                                          {"hour", &std::tm::tm_hour},
+                                                          {"minute", &std::tm::tm_min},
+                                                          {"second", &std::tm::tm_sec}}};
 
     [[nodiscard]] std::int64_t startTime() const {
         if (start_.tm_year < 1970)

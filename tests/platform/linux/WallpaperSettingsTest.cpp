@@ -173,6 +173,7 @@ TEST(WallpaperSettings, OfASlideshowThatIsNoneNameNoPicture) {
     for (const std::string text : {"", "<", "<background></background>", "<static><duration>5</duration></static>",
                                    "<static><file>a.png</file></static>", "<static><file>/a.png</file>", "<!-- "})
         EXPECT_EQ(slideshowPicture(text, 0), std::nullopt) << text;
+    EXPECT_EQ(slideshowPicture(slide + "</static>", 7), std::filesystem::path("/a.png")) << "ended twice";
     std::string many;
     for (int i = 0; i < 4096; ++i)
         many += slide;
