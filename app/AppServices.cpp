@@ -48,7 +48,7 @@ AppServices makeAppServices(std::shared_ptr<MainQueue> mainQueue, std::shared_pt
             .readSystemVolume = StorageReader::readSystemVolume,
             .wallpaper = wallpaperServices(std::move(windows)),
             .loginItem = loginItemServices(),
-            .makeCleanupServices = systemCleanupServices,
+            .makeCleanupServices = [] { return systemCleanupServices(); },
             .arguments = std::move(arguments)};
 }
 

@@ -73,7 +73,7 @@ CleanupScanReport scanWithProgress(const ScanEnvironment& environment, std::span
 int printReport(bool json, std::span<const std::string> arguments) {
     if (arguments.back() == "--running")
         return fail("--running needs the bundle identifier of an application.");
-    const auto environment = ScanEnvironment::current();
+    const auto environment = ScanEnvironment::current(nullptr, FolderQuestions::create());
     if (!environment)
         return fail(environment.error().message);
     const auto report = scanWithProgress(*environment, arguments);

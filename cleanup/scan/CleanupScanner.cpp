@@ -77,6 +77,16 @@ private:
     std::map<std::filesystem::path, ShallowChildren> children_;
 };
 
+// Every folder in which items of a category lie.
+std::vector<std::filesystem::path> placesOf(const ScanEnvironment& environment) {
+    std::vector<std::filesystem::path> places;
+    for (const auto& row : allCleanupCategories)
+        for (auto& root : approvedRoots(row.value, environment))
+            if (std::ranges::count(places, root) == 0)
+                places.push_back(std::move(root));
+    return places;
+}
+
 std::vector<CleanupCandidate> findCandidates(ScanContext& context,
                                              std::span<const std::string> runningBundleIdentifiers) {
     std::vector<CleanupCandidate> candidates;
@@ -128,7 +138,7 @@ void mergeLimitedCategories(const std::set<CleanupCategory>& limited,
 CleanupScanReport scan(const ScanEnvironment& environment, ScanWorkers& askedWorkers,
                        std::span<const std::string> runningBundleIdentifiers) {
     if (environment.questions)
-        environment.questions->ask(questionTime, environment.workers.stopSwitch.get());
+        environment.questions->ask(placesOf(environment), questionTime, environment.workers.stopSwitch.get());
     const auto start = std::chrono::steady_clock::now();
     ScanBudget budget{.deadline = start + findingTime, .limitedCategories = {}};
     RememberingWorkers workers(askedWorkers);

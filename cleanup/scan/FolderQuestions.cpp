@@ -1,9 +1,5 @@
 #include "cleanup/scan/FolderQuestions.h"
 
-#include "cleanup/model/CleanupCategory.h"
-#include "cleanup/scan/CleanupPlaces.h"
-#include "cleanup/scan/ScanEnvironment.h"
-
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
@@ -21,24 +17,15 @@ struct FolderQuestions::Questions {
     std::size_t answers = 0; ///< how many of the folders, from the first on, were opened
 };
 
-std::shared_ptr<FolderQuestions> FolderQuestions::create(const ScanEnvironment& environment) {
-    auto opener = folderOpener();
-    if (!opener)
-        return nullptr;
-    std::vector<std::filesystem::path> folders;
-    for (const auto& row : allCleanupCategories)
-        for (auto& root : CleanupScanner::approvedRoots(row.value, environment))
-            if (std::ranges::count(folders, root) == 0)
-                folders.push_back(std::move(root));
-    return std::make_shared<FolderQuestions>(std::move(opener), std::move(folders));
+std::shared_ptr<FolderQuestions> FolderQuestions::create(FolderOpener opener) {
+    return opener ? std::shared_ptr<FolderQuestions>(new FolderQuestions(std::move(opener))) : nullptr;
 }
 
-FolderQuestions::FolderQuestions(FolderOpener opener, std::vector<std::filesystem::path> folders)
-    : questions_(new Questions{.opener = std::move(opener), .folders = std::move(folders)}) {}
-
-void FolderQuestions::ask(std::chrono::milliseconds longest, const StopSwitch* stopSwitch) {
-    if (std::exchange(asked_, true))
+void FolderQuestions::ask(std::vector<std::filesystem::path> folders, std::chrono::milliseconds longest,
+                          const StopSwitch* stopSwitch) {
+    if (questions_)
         return;
+    questions_.reset(new Questions{.opener = opener_, .folders = std::move(folders)});
     const auto askAll = [questions = questions_] {
         for (const auto& folder : questions->folders) {
             static_cast<void>(questions->opener(folder));
@@ -69,7 +56,7 @@ FolderAccess FolderQuestions::access(const std::filesystem::path& folder) const 
         if (std::cmp_greater_equal(found - questions_->folders.begin(), questions_->answers))
             return FolderAccess::unknown;
     }
-    return questions_->opener(folder); // whose answer the user may have changed since
+    return opener_(folder); // whose answer the user may have changed since
 }
 
 } // namespace vantry

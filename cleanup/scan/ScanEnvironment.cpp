@@ -22,7 +22,8 @@ Result<ScanEnvironment> ScanEnvironment::currentWithoutWorkers() {
                            .isRegisteredApplication = applicationRegister()};
 }
 
-Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> stopSwitch) {
+Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> stopSwitch,
+                                                 std::shared_ptr<FolderQuestions> questions) {
     auto environment = currentWithoutWorkers();
     if (!environment)
         return environment;
@@ -31,7 +32,7 @@ Result<ScanEnvironment> ScanEnvironment::current(std::shared_ptr<StopSwitch> sto
         return std::unexpected(workers.error());
     workers->stopSwitch = std::move(stopSwitch);
     environment->workers = std::move(*workers);
-    environment->questions = FolderQuestions::create(*environment);
+    environment->questions = std::move(questions);
     return environment;
 }
 

@@ -23,9 +23,10 @@ struct ScanEnvironment {
     std::shared_ptr<FolderQuestions> questions = nullptr; ///< that the first scan asks; none where nobody is asked
 
     /// The real one. Follows the links that lead to the home folder, once. Fails when there is no home folder or this
-    /// executable cannot be started again. `stopSwitch` ends the scans that use it, which share the questions.
+    /// executable cannot be started again. `stopSwitch` ends the scans that use it; either may be null.
     /// Blocking; any thread.
-    [[nodiscard]] static Result<ScanEnvironment> current(std::shared_ptr<StopSwitch> stopSwitch = nullptr);
+    [[nodiscard]] static Result<ScanEnvironment> current(std::shared_ptr<StopSwitch> stopSwitch,
+                                                         std::shared_ptr<FolderQuestions> questions);
     /// The same for validation, which starts no workers: fails only when there is no home folder.
     [[nodiscard]] static Result<ScanEnvironment> currentWithoutWorkers();
 };

@@ -30,12 +30,8 @@ CleanupScanReport nothingChecked() {
 }
 
 CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers, std::shared_ptr<StopSwitch> stopSwitch,
-                       std::shared_ptr<FolderQuestions>& questions) {
-    auto environment = ScanEnvironment::current(std::move(stopSwitch));
-    if (environment && questions)
-        environment->questions = questions; // that were asked already
-    else if (environment)
-        questions = environment->questions;
+                       std::shared_ptr<FolderQuestions> questions) {
+    const auto environment = ScanEnvironment::current(std::move(stopSwitch), std::move(questions));
     return environment ? CleanupScanner::scan(*environment, runningBundleIdentifiers) : nothingChecked();
 }
 
@@ -56,13 +52,13 @@ TrashMove moveValidated(const CleanupCandidate& candidate) {
 
 } // namespace
 
-CleanupServices systemCleanupServices() {
+CleanupServices systemCleanupServices(FolderOpener opener) {
     const auto home = homeFolder().value_or(std::filesystem::path());
     const auto stopSwitch = StopSwitch::create().value_or(nullptr); // without one, scans end by themselves
     return {.home = home,
             .applications = "/Applications",
-            .scan = [stopSwitch, questions = std::shared_ptr<FolderQuestions>()](
-                        std::span<const std::string> running) mutable { return scan(running, stopSwitch, questions); },
+            .scan = [stopSwitch, questions = FolderQuestions::create(std::move(opener))](
+                        std::span<const std::string> running) { return scan(running, stopSwitch, questions); },
             .stopScanning =
                 [stopSwitch] {
                     if (stopSwitch)

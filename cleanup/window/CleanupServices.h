@@ -4,6 +4,7 @@
 #include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/model/CleanupScanReport.h"
 #include "cleanup/window/CleanupHistory.h"
+#include "platform/ItemFacts.h"
 #include "platform/Trash.h"
 
 #include <chrono>
@@ -39,7 +40,7 @@ struct CleanupServices {
     std::chrono::milliseconds longestEnding{2000};
 };
 
-/// The real ones. Blocking, once.
-[[nodiscard]] CleanupServices systemCleanupServices();
+/// The real ones, whose first scan has the system ask the user about folders by `opener`. Blocking, once.
+[[nodiscard]] CleanupServices systemCleanupServices(FolderOpener opener = folderOpener());
 
 } // namespace vantry

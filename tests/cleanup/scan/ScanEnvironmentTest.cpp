@@ -28,7 +28,7 @@ private:
 };
 
 TEST_F(EnvironmentOfAScan, IsTheRealSystem) {
-    const auto environment = ScanEnvironment::current();
+    const auto environment = ScanEnvironment::current(nullptr, nullptr);
     ASSERT_TRUE(environment);
     EXPECT_EQ(environment->applications, "/Applications");
     EXPECT_EQ(environment->systemApplications, "/System/Applications");
@@ -41,14 +41,14 @@ TEST_F(EnvironmentOfAScan, FollowsTheLinksThatLeadToTheHomeFolder) {
     std::filesystem::create_directories(folder / "real/ada");
     std::filesystem::create_symlink(folder / "real", folder / "home");
     setenv("HOME", (folder / "home/ada").c_str(), 1);
-    const auto environment = ScanEnvironment::current();
+    const auto environment = ScanEnvironment::current(nullptr, nullptr);
     ASSERT_TRUE(environment);
     EXPECT_EQ(environment->home, std::filesystem::canonical(folder / "real/ada"));
 }
 
 TEST_F(EnvironmentOfAScan, IsAnErrorWithoutAHomeFolder) {
     setenv("HOME", (folder / "nowhere").c_str(), 1);
-    const auto environment = ScanEnvironment::current();
+    const auto environment = ScanEnvironment::current(nullptr, nullptr);
     ASSERT_FALSE(environment);
     EXPECT_EQ(environment.error().kind, ErrorKind::notFound);
 }

@@ -6,11 +6,17 @@
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <thread>
 
 namespace vantry {
 
@@ -96,6 +102,40 @@ TEST_F(RealCleanupServices, DoNotMoveWhatHasChanged) {
     EXPECT_EQ(moved.reason, services.validationFailure(candidate));
     EXPECT_EQ(readFile(candidate.url), "another text");
     EXPECT_FALSE(std::filesystem::exists(folder / "data/Trash"));
+}
+
+// Each scan has a copy of the function, as the window gives it to the background. No worker starts, since the end has
+// come: it would be this program once more.
+TEST_F(RealCleanupServices, HaveTheUserAskedAboutFoldersInOneScanOnly) {
+    struct Questions {
+        std::mutex mutex;
+        std::map<std::thread::id, std::set<std::filesystem::path>> asked;
+    };
+    const auto questions = std::make_shared<Questions>();
+    const auto services = systemCleanupServices([questions](const std::filesystem::path& path) {
+        const std::lock_guard lock(questions->mutex);
+        questions->asked[std::this_thread::get_id()].insert(path);
+        return FolderAccess::unreadable;
+    });
+    services.stopScanning();
+    const auto askedByOthers = [&] {
+        std::size_t count = 0;
+        const std::lock_guard lock(questions->mutex);
+        for (const auto& [thread, paths] : questions->asked)
+            count += thread != std::this_thread::get_id() && paths.contains(folder / "Downloads") ? 1 : 0;
+        return count;
+    };
+    for (int scan = 0; scan < 3; ++scan) {
+        const auto copy = services.scan;
+        const auto report = copy({});
+        while (askedByOthers() == 0)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // for a thread that there should not be
+        EXPECT_EQ(askedByOthers(), 1U);
+        if (scan > 0) {
+            EXPECT_EQ(report.states.at(CleanupCategory::installer), CleanupScanState::permissionNeeded);
+        }
+    }
 }
 
 TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
