@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
+#include <chrono>
 
 namespace vantry {
 
@@ -84,6 +85,10 @@ PopoverWindow::PopoverWindow(const QtAppearance& appearance)
     build();
     connectControls();
     connect(&appearance_, &QtAppearance::changed, this, [this] { render(content_); });
+    constexpr std::chrono::milliseconds longestMoment{60};
+    withoutKeyboard_.setSingleShot(true);
+    withoutKeyboard_.setInterval(longestMoment);
+    connect(&withoutKeyboard_, &QTimer::timeout, this, &PopoverWindow::closeByItself);
 }
 
 void PopoverWindow::setController(std::weak_ptr<StoragePopoverViewController> controller) {
@@ -299,7 +304,9 @@ bool PopoverWindow::closedByItselfJustNow() const {
 
 bool PopoverWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate && isVisible() && !closing_ && !QApplication::activePopupWidget())
-        closeByItself();
+        withoutKeyboard_.start();
+    else if (event->type() == QEvent::WindowActivate || event->type() == QEvent::Hide)
+        withoutKeyboard_.stop();
     return QWidget::event(event);
 }
 

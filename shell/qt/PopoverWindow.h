@@ -5,6 +5,7 @@
 #include "shell/qt/QtAppearance.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -71,6 +72,7 @@ private:
     PopoverContent content_;
     bool closing_ = false;         ///< from when it is told to close until it is opened again
     QElapsedTimer closedByItself_; ///< valid once that has happened
+    QTimer withoutKeyboard_;       ///< window managers take it away for a moment when another window goes
 
     QLabel* titleLabel_ = nullptr;
     QLabel* summaryLabel_ = nullptr;

@@ -76,4 +76,28 @@ TEST_F(PopoverWindowTest, KeepsItsSizeWhereTheTextsFit) {
     EXPECT_EQ(window.size(), QSize(380, 452));
 }
 
+TEST_F(PopoverWindowTest, StaysWhenItLosesTheKeyboardForAMoment) {
+    open();
+    ASSERT_TRUE(window.isActiveWindow());
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    settle();
+    ASSERT_FALSE(window.isActiveWindow());
+    window.activateWindow();
+    QElapsedTimer elapsed;
+    elapsed.start();
+    ASSERT_TRUE(runUntil([&] { return elapsed.elapsed() > 200; }));
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(PopoverWindowTest, ClosesWhenAnotherWindowKeepsTheKeyboard) {
+    open();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    EXPECT_TRUE(runUntil([&] { return !window.isVisible(); }));
+    EXPECT_TRUE(window.closedByItselfJustNow());
+}
+
 } // namespace vantry
