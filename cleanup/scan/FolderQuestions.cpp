@@ -25,7 +25,7 @@ void FolderQuestions::ask(std::vector<std::filesystem::path> folders, std::chron
                           const StopSwitch* stopSwitch) {
     if (questions_)
         return;
-    questions_.reset(new Questions{.opener = opener_, .folders = std::move(folders)});
+    questions_ = std::make_shared<Questions>(opener_, std::move(folders));
     const auto askAll = [questions = questions_] {
         for (const auto& folder : questions->folders) {
             static_cast<void>(questions->opener(folder));
