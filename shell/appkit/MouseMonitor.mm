@@ -7,12 +7,14 @@ namespace vantry {
 MouseMonitor::MouseMonitor(NSEventMask events, std::function<void(NSEvent*)> seen)
     : ours_([NSEvent addLocalMonitorForEventsMatchingMask:events
                                                   handler:^NSEvent*(NSEvent* event) {
-                                                      seen(event);
+                                                      const auto called = seen; // outlives a monitor that it removes
+                                                      called(event);
                                                       return event;
                                                   }]),
       others_([NSEvent addGlobalMonitorForEventsMatchingMask:events
                                                      handler:^(NSEvent* event) {
-                                                         seen(event);
+                                                         const auto called = seen;
+                                                         called(event);
                                                      }]) {}
 
 MouseMonitor::~MouseMonitor() {

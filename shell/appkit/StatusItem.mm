@@ -26,6 +26,8 @@ std::optional<MouseEvent> currentMouseEvent() {
 - (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed;
 - (void)statusItemPressed:(id)sender;
 - (void)rightClickSeen;
+/// Nobody is told any more, also of what is on its way.
+- (void)detach;
 @end
 
 @implementation OmbrelStatusItemTarget {
@@ -43,6 +45,10 @@ std::optional<MouseEvent> currentMouseEvent() {
     const auto event = currentMouseEvent();
     _rightClicks += event == MouseEvent::rightMouseUp ? 1 : 0;
     _pressed(event);
+}
+
+- (void)detach {
+    _pressed = [](std::optional<MouseEvent>) {};
 }
 
 // Some versions of the system keep right clicks from the action. Whether this one does shows in the next turn.
@@ -83,7 +89,10 @@ StatusItem::StatusItem(std::function<void(std::optional<MouseEvent>)> pressed)
     });
 }
 
-StatusItem::~StatusItem() { [[NSStatusBar systemStatusBar] removeStatusItem:item_]; }
+StatusItem::~StatusItem() {
+    [target_ detach];
+    [[NSStatusBar systemStatusBar] removeStatusItem:item_];
+}
 
 void StatusItem::setContent(const StatusItemContent& content) {
     NSStatusBarButton* button = item_.button;
