@@ -365,7 +365,7 @@ TEST_F(LaunchAtLogin, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
                readFile(agent());
     });
     if (answer == "cannot mount")
-        GTEST_SKIP() << "SKIPPED: this user may not mount a small disk";
+        GTEST_SKIP() << "this user may not mount a small disk";
     EXPECT_EQ(answer, agent().native() + ": No space left on device, old");
 }
 
