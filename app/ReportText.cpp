@@ -1,10 +1,10 @@
 #include "app/ReportText.h"
 
+#include "base/Format.h"
 #include "base/Utf8.h"
 #include "platform/TextFormat.h"
 
 #include <algorithm>
-#include <fmt/format.h>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -36,9 +36,9 @@ public:
     explicit Report(bool colored) : colored_(colored) {}
 
     [[nodiscard]] std::string styled(Style style, std::string_view text) const {
-        return colored_ ? fmt::format("{}{}\x1b[0m", escapeSequence(style), text) : std::string(text);
+        return colored_ ? formatted("{}{}\x1b[0m", escapeSequence(style), text) : std::string(text);
     }
-    void line(std::string_view text = {}) { text_ += fmt::format("{}\n", text); }
+    void line(std::string_view text = {}) { text_ += formatted("{}\n", text); }
     void heading(std::string_view text) {
         line();
         line(styled(Style::heading, text));
@@ -74,7 +74,7 @@ std::string printable(std::string_view text) {
         std::size_t length = 0;
         if (isControl(rest, length)) {
             for (const char character : rest.substr(0, length))
-                result += fmt::format("\\x{:02x}", static_cast<unsigned char>(character));
+                result += formatted("\\x{:02x}", static_cast<unsigned char>(character));
             rest.remove_prefix(length);
             continue;
         }
@@ -92,7 +92,7 @@ std::string shortPath(const std::filesystem::path& path, const std::filesystem::
 }
 
 std::string countText(std::size_t count, std::string_view one, std::string_view several) {
-    return fmt::format("{} {}", count, count == 1 ? one : several);
+    return formatted("{} {}", count, count == 1 ? one : several);
 }
 
 std::int64_t sumOfSizes(const std::vector<CleanupCandidate>& candidates, bool lowRiskOnly) {
@@ -117,8 +117,8 @@ void appendStorage(Report& report, const std::optional<StorageSnapshot>& storage
         return;
     }
     report.line(report.styled(Style::heading, printable(storage->volumeName)));
-    report.line(fmt::format("{} of {} used, {} available", byteCountText(storage->usedBytes()),
-                            byteCountText(storage->totalBytes), byteCountText(storage->availableBytes)));
+    report.line(formatted("{} of {} used, {} available", byteCountText(storage->usedBytes()),
+                          byteCountText(storage->totalBytes), byteCountText(storage->availableBytes)));
 }
 
 void appendTotals(Report& report, const CleanupScanReport& scanned) {
@@ -129,11 +129,11 @@ void appendTotals(Report& report, const CleanupScanReport& scanned) {
     }
     const auto lowRisk = static_cast<std::size_t>(
         std::ranges::count_if(scanned.candidates, [](const auto& candidate) { return candidate.canMoveToTrash(); }));
-    report.line(fmt::format("{} to review, {}; {}", countText(scanned.candidates.size(), "item", "items"),
-                            byteCountText(sumOfSizes(scanned.candidates, false)),
-                            lowRisk == 0 ? "none of them low risk"
-                                         : fmt::format("{} of them low risk, {}", lowRisk,
-                                                       byteCountText(sumOfSizes(scanned.candidates, true)))));
+    report.line(formatted("{} to review, {}; {}", countText(scanned.candidates.size(), "item", "items"),
+                          byteCountText(sumOfSizes(scanned.candidates, false)),
+                          lowRisk == 0 ? "none of them low risk"
+                                       : formatted("{} of them low risk, {}", lowRisk,
+                                                   byteCountText(sumOfSizes(scanned.candidates, true)))));
 }
 
 void appendCandidates(Report& report, const CleanupScanReport& scanned, const std::filesystem::path& home) {
@@ -145,14 +145,13 @@ void appendCandidates(Report& report, const CleanupScanReport& scanned, const st
             if (std::exchange(first, false))
                 report.heading(row.title);
             const auto style = candidate.confidence == CleanupConfidence::suggested ? Style::lowRisk : Style::review;
-            report.line(fmt::format("{:>10}  {}  {}", byteCountText(candidate.size),
-                                    report.styled(style, fmt::format("{:<12}", rawValue(candidate.confidence))),
-                                    printable(candidate.title)));
-            report.line(fmt::format("{:26}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
-            report.line(fmt::format("{:26}{}", "", candidate.reason));
+            report.line(formatted("{:>10}  {}  {}", byteCountText(candidate.size),
+                                  report.styled(style, formatted("{:<12}", rawValue(candidate.confidence))),
+                                  printable(candidate.title)));
+            report.line(formatted("{:26}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
+            report.line(formatted("{:26}{}", "", candidate.reason));
             if (scanned.sizeIsLowerBound(candidate))
-                report.line(
-                    fmt::format("{:26}At least {}; measuring stopped early", "", byteCountText(candidate.size)));
+                report.line(formatted("{:26}At least {}; measuring stopped early", "", byteCountText(candidate.size)));
         }
     }
 }
@@ -178,14 +177,14 @@ void appendCategories(Report& report, const CleanupScanReport& scanned) {
     for (const auto& row : allCleanupCategories) {
         const auto state = scanned.states.at(row.value);
         const auto& metric = scanned.metrics.at(row.value);
-        const std::string title = fmt::format("{:<22}", vantry::title(state));
-        std::string line = fmt::format("  {:<26}{}{:>20}", row.rawValue,
-                                       isTrouble(state) ? report.styled(Style::warning, title) : title,
-                                       state == CleanupScanState::notPresent ? "" : amountText(metric.occupied));
+        const std::string title = formatted("{:<22}", vantry::title(state));
+        std::string line =
+            formatted("  {:<26}{}{:>20}", row.rawValue, isTrouble(state) ? report.styled(Style::warning, title) : title,
+                      state == CleanupScanState::notPresent ? "" : amountText(metric.occupied));
         if (metric.reviewableItemCount != 0)
-            line += fmt::format("  {}, {}",
-                                countText(static_cast<std::size_t>(metric.reviewableItemCount), "item", "items"),
-                                byteCountText(metric.reviewableBytes));
+            line +=
+                formatted("  {}, {}", countText(static_cast<std::size_t>(metric.reviewableItemCount), "item", "items"),
+                          byteCountText(metric.reviewableBytes));
         report.line(line.substr(0, line.find_last_not_of(' ') + 1));
     }
     bool first = true;
@@ -195,7 +194,7 @@ void appendCategories(Report& report, const CleanupScanReport& scanned) {
             continue;
         if (std::exchange(first, false))
             report.heading("Not checked completely");
-        report.line(fmt::format("  {}: {}", row.rawValue, explanation(state)));
+        report.line(formatted("  {}: {}", row.rawValue, explanation(state)));
     }
 }
 
@@ -206,7 +205,7 @@ std::string percentEncoded(std::string_view bytes) {
         const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
                            (byte >= '0' && byte <= '9') ||
                            std::string_view("-._~/").find(character) != std::string_view::npos;
-        result += plain ? std::string(1, character) : fmt::format("%{:02X}", byte);
+        result += plain ? std::string(1, character) : formatted("%{:02X}", byte);
     }
     return result;
 }
@@ -256,8 +255,8 @@ std::string reportText(const CleanupScanReport& scanned, const std::filesystem::
     appendCandidates(report, scanned, home);
     appendCategories(report, scanned);
     report.line();
-    report.line(report.styled(
-        Style::faded, fmt::format("Checked in {:.1f} seconds; nothing was changed.", scanned.duration.count())));
+    report.line(report.styled(Style::faded,
+                              formatted("Checked in {:.1f} seconds; nothing was changed.", scanned.duration.count())));
     return report.take();
 }
 

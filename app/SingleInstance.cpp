@@ -1,12 +1,13 @@
 #include "app/SingleInstance.h"
 
+#include "base/Format.h"
+
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/socket.h>
@@ -133,7 +134,7 @@ std::string instanceName(const std::filesystem::path& home, const std::string& s
         hash ^= static_cast<unsigned char>(byte);
         hash *= 1099511628211U;
     }
-    return fmt::format("ombrel-{:016x}", hash);
+    return formatted("ombrel-{:016x}", hash);
 }
 
 } // namespace vantry

@@ -1,20 +1,20 @@
 #include "app/StatusText.h"
 
+#include "base/Format.h"
 #include "platform/TextFormat.h"
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace vantry {
 
 std::string statusText(const StorageSnapshot& snapshot) {
     const auto row = [](const char* title, std::int64_t bytes, const std::string& more = "") {
-        return fmt::format("{:<11}{:>10}  {:>20} bytes{}\n", title, byteCountText(bytes), bytes, more);
+        return formatted("{:<11}{:>10}  {:>20} bytes{}\n", title, byteCountText(bytes), bytes, more);
     };
     const std::string percent = percentText(snapshot.usedFraction()).value_or("—");
     return snapshot.volumeName + "\n" + row("Total", snapshot.totalBytes) +
            row("Used", snapshot.usedBytes(), "  " + percent) + row("Available", snapshot.availableBytes) +
-           fmt::format("{:<11}{}\n", "Read", dateTimeText(snapshot.updatedAt));
+           formatted("{:<11}{}\n", "Read", dateTimeText(snapshot.updatedAt));
 }
 
 std::string statusJson(const StorageSnapshot& snapshot) {

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -41,6 +40,7 @@ int main(int count, char** arguments) {
         arguments[1], begin + std::chrono::duration_cast<std::chrono::nanoseconds>(limit),
         std::make_shared<vantry::SpareThreads>(static_cast<unsigned>(std::max(std::atoi(arguments[2]), 1) - 1)));
     const Seconds took = std::chrono::steady_clock::now() - begin;
-    fmt::print("{:.6f} {} {} {} {}\n", took.count(), totals.regularFiles, totals.allocatedBytes,
-               totals.complete ? "complete" : "cut-short", peakMemory());
+    std::printf("%.6f %lld %lld %s %ld\n", took.count(), static_cast<long long>(totals.regularFiles),
+                static_cast<long long>(totals.allocatedBytes), totals.complete ? "complete" : "cut-short",
+                peakMemory());
 }

@@ -1,12 +1,13 @@
 // walk-make-tree: makes the trees that the walk is measured on.
 
+#include "base/Format.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -50,10 +51,10 @@ void make(const Shape& shape) {
             fail(path);
         const long files = shape.files / shape.folders + (number < shape.files % shape.folders ? 1 : 0);
         for (long i = 0; i < files; ++i)
-            makeFile(folder, fmt::format("file-{:07}.dat", i));
+            makeFile(folder, vantry::formatted("file-{:07}.dat", i));
         close(folder);
         for (long i = 0; i < shape.branching && made < shape.folders; ++i, ++made)
-            paths.push_back(fmt::format("{}/folder-{:05}", path, i));
+            paths.push_back(vantry::formatted("{}/folder-{:05}", path, i));
     }
 }
 

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -64,5 +63,5 @@ int main(int count, char** arguments) {
         listing.push_back(
             secondsOf([&] { return host.shallowChildren(folder, vantry::deadlineIn(patience)).complete; }));
     }
-    fmt::print("{:.6f} {:.6f} {:.6f}\n", median(nothing), median(measuring), median(listing));
+    std::printf("%.6f %.6f %.6f\n", median(nothing), median(measuring), median(listing));
 }

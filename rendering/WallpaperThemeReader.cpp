@@ -1,5 +1,6 @@
 #include "rendering/WallpaperThemeReader.h"
 
+#include "base/Format.h"
 #include "platform/DesktopPicture.h"
 #include "platform/OpenFiles.h"
 #include "platform/Picture.h"
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fmt/format.h>
 #include <functional>
 #include <iterator>
 #include <string_view>
@@ -96,7 +96,7 @@ std::string identity(const std::filesystem::path& url) {
     const auto since1970 = std::chrono::file_clock::to_sys(modified).time_since_epoch();
     const double seconds = error ? 0 : std::chrono::duration<double>(since1970).count();
     const auto size = std::filesystem::file_size(url, error);
-    return fmt::format("{}|{}|{}", url.native(), seconds, error ? 0 : size);
+    return formatted("{}|{}|{}", url.native(), seconds, error ? 0 : size);
 }
 
 std::optional<std::vector<Rgba>> palette(const std::filesystem::path& url, int colorCount) {

@@ -1,6 +1,7 @@
 #include "cleanup/scan/WorkerHost.h"
 
 #include "base/AtomicFile.h"
+#include "base/Format.h"
 #include "base/UniqueFd.h"
 #include "base/Uuid.h"
 #include "cleanup/scan/BundleIdentifiers.h"
@@ -14,7 +15,6 @@
 #include <algorithm>
 #include <csignal>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -140,7 +140,7 @@ std::optional<std::string> WorkerHost::measured(const char* flag, const std::fil
         return std::nullopt;
     const auto budget = std::min<std::chrono::nanoseconds>(deadline - std::chrono::steady_clock::now(), longestJob);
     return run(
-        {flag, folder.native(), fmt::format("{:.6f}", std::max(std::chrono::duration<double>(budget).count(), 1e-6))},
+        {flag, folder.native(), formatted("{:.6f}", std::max(std::chrono::duration<double>(budget).count(), 1e-6))},
         ChildOutput::pipe, deadlineIn(budget + measuringGrace));
 }
 

@@ -1,11 +1,11 @@
 #include "platform/TextFormat.h"
 
+#include "base/Format.h"
 #include "platform/apple/FoundationValues.h"
 
 #include <Foundation/Foundation.h>
 #include <cmath>
 #include <ctime>
-#include <fmt/format.h>
 
 namespace vantry {
 
@@ -71,8 +71,8 @@ std::string iso8601Text(SystemTime time) {
     const std::time_t seconds = wholeSeconds(time).time_since_epoch().count();
     std::tm moment = {};
     gmtime_r(&seconds, &moment);
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", moment.tm_year + 1900, moment.tm_mon + 1, moment.tm_mday,
-                       moment.tm_hour, moment.tm_min, moment.tm_sec);
+    return formatted("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", moment.tm_year + 1900, moment.tm_mon + 1, moment.tm_mday,
+                     moment.tm_hour, moment.tm_min, moment.tm_sec);
 }
 
 } // namespace vantry

@@ -1,11 +1,12 @@
 #include "platform/FileFingerprint.h"
 
+#include "base/Format.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/stat.h>
 
 namespace vantry {
@@ -29,9 +30,9 @@ std::optional<std::string> fileHandle(int fd) {
     if (name_to_handle_at(fd, "", reinterpret_cast<file_handle*>(&storage), &mount, AT_EMPTY_PATH) != 0)
         return std::nullopt;
     std::memcpy(&head, storage.head.data(), sizeof head);
-    std::string text = fmt::format("handle {}:", head.handle_type);
+    std::string text = formatted("handle {}:", head.handle_type);
     for (std::size_t i = 0; i < head.handle_bytes && i < storage.handle.size(); ++i)
-        text += fmt::format("{:02x}", storage.handle[i]);
+        text += formatted("{:02x}", storage.handle[i]);
     return text;
 }
 
@@ -40,10 +41,10 @@ std::optional<std::string> resourceIdentifier(const std::optional<std::string>& 
     if ((facts.stx_mask & STATX_INO) == 0 || (!handle && !hasBirthTime))
         return std::nullopt;
     std::string text = handle ? *handle + ", " : std::string();
-    text += fmt::format("inode {}", std::uint64_t{facts.stx_ino});
+    text += formatted("inode {}", std::uint64_t{facts.stx_ino});
     if (hasBirthTime)
-        text += fmt::format(", born {}.{:09}", std::int64_t{facts.stx_btime.tv_sec},
-                            std::uint32_t{facts.stx_btime.tv_nsec});
+        text +=
+            formatted(", born {}.{:09}", std::int64_t{facts.stx_btime.tv_sec}, std::uint32_t{facts.stx_btime.tv_nsec});
     return text;
 }
 
@@ -51,8 +52,8 @@ std::optional<std::string> resourceIdentifier(const std::optional<std::string>& 
 // may be on other devices than the folder they are in.
 std::string volumeIdentifier(const struct statx& facts) {
     if ((facts.stx_mask & (uniqueMountMask | STATX_MNT_ID)) != 0)
-        return fmt::format("mount {}", std::uint64_t{facts.stx_mnt_id});
-    return fmt::format("device {}:{}", std::uint32_t{facts.stx_dev_major}, std::uint32_t{facts.stx_dev_minor});
+        return formatted("mount {}", std::uint64_t{facts.stx_mnt_id});
+    return formatted("device {}:{}", std::uint32_t{facts.stx_dev_major}, std::uint32_t{facts.stx_dev_minor});
 }
 
 } // namespace

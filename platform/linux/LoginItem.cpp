@@ -1,11 +1,11 @@
 #include "platform/LoginItem.h"
 
+#include "base/Format.h"
 #include "base/Utf8.h"
 #include "platform/UserSession.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <map>
 #include <ranges>
 #include <string_view>
@@ -121,15 +121,15 @@ Result<std::string> autostartEntry(const std::string& label, const std::filesyst
     if (!printable)
         return std::unexpected(
             Error{ErrorKind::invalid, "The path of the application holds characters that a desktop entry cannot."});
-    return fmt::format("[Desktop Entry]\n"
-                       "Type=Application\n"
-                       "Name=Ombrel\n"
-                       "Comment=Shows how full the startup volume is\n"
-                       "Exec={}\n"
-                       "Icon={}\n"
-                       "Terminal=false\n"
-                       "StartupNotify=false\n",
-                       execArgument(path), label);
+    return formatted("[Desktop Entry]\n"
+                     "Type=Application\n"
+                     "Name=Ombrel\n"
+                     "Comment=Shows how full the startup volume is\n"
+                     "Exec={}\n"
+                     "Icon={}\n"
+                     "Terminal=false\n"
+                     "StartupNotify=false\n",
+                     execArgument(path), label);
 }
 
 bool autostartEntryIsHonoured(std::string_view entry) {

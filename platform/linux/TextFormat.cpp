@@ -1,10 +1,11 @@
 #include "platform/TextFormat.h"
 
+#include "base/Format.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <fmt/format.h>
 #include <langinfo.h>
 #include <locale.h>
 #include <string_view>
@@ -44,8 +45,8 @@ std::string decimalText(std::uint64_t scaled, int digits) {
     std::uint64_t scale = 1;
     for (int i = 0; i < digits; ++i)
         scale *= 10;
-    std::string text = fmt::format("{}", scaled / scale);
-    std::string fraction = digits > 0 ? fmt::format("{:0{}}", scaled % scale, digits) : "";
+    std::string text = formatted("{}", scaled / scale);
+    std::string fraction = digits > 0 ? formatted("{:0{}}", scaled % scale, digits) : "";
     while (fraction.ends_with('0'))
         fraction.pop_back();
     if (!fraction.empty())
@@ -76,7 +77,7 @@ std::uint64_t scaledAmount(std::uint64_t bytes, const ByteUnit& unit) {
 
 std::string magnitudeText(std::uint64_t bytes, ByteUnits allowed) {
     if (allowed == ByteUnits::all && bytes < 1000)
-        return fmt::format("{} {}", bytes, bytes == 1 ? "byte" : "bytes");
+        return formatted("{} {}", bytes, bytes == 1 ? "byte" : "bytes");
     const std::size_t first = allowed == ByteUnits::all ? 0 : 2;
     const std::size_t last = allowed == ByteUnits::all ? byteUnits.size() - 1 : 3;
     // A figure that rounds up to 1000 of a unit is 1 of the next.
@@ -85,7 +86,7 @@ std::string magnitudeText(std::uint64_t bytes, ByteUnits allowed) {
         const std::uint64_t scaled = scaledAmount(bytes, unit);
         const std::uint64_t thousand = unit.digits == 0 ? 1'000 : unit.digits == 1 ? 10'000 : 100'000;
         if (i == last || scaled < thousand)
-            return fmt::format("{} {}", decimalText(scaled, unit.digits), unit.symbol);
+            return formatted("{} {}", decimalText(scaled, unit.digits), unit.symbol);
     }
 }
 
@@ -136,8 +137,8 @@ std::optional<std::string> percentText(double fraction) {
     if (!std::isfinite(tenths) || std::abs(tenths) > 1e15)
         return std::nullopt;
     const auto [before, after] = percentSigns();
-    return fmt::format("{}{}{}{}", tenths < 0 ? "-" : "", before,
-                       decimalText(static_cast<std::uint64_t>(std::abs(tenths)), 1), after);
+    return formatted("{}{}{}{}", tenths < 0 ? "-" : "", before,
+                     decimalText(static_cast<std::uint64_t>(std::abs(tenths)), 1), after);
 }
 
 std::string shortTimeText(SystemTime time) {
@@ -154,8 +155,8 @@ std::string iso8601Text(SystemTime time) {
     const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
     std::tm moment = {};
     gmtime_r(&seconds, &moment);
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", moment.tm_year + 1900, moment.tm_mon + 1, moment.tm_mday,
-                       moment.tm_hour, moment.tm_min, moment.tm_sec);
+    return formatted("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", moment.tm_year + 1900, moment.tm_mon + 1, moment.tm_mday,
+                     moment.tm_hour, moment.tm_min, moment.tm_sec);
 }
 
 } // namespace vantry

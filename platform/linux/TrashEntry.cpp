@@ -1,9 +1,9 @@
 #include "platform/linux/TrashEntry.h"
 
+#include "base/Format.h"
 #include "base/Utf8.h"
 
 #include <algorithm>
-#include <fmt/format.h>
 
 namespace vantry {
 
@@ -22,7 +22,7 @@ std::string percentEncoded(std::string_view bytes) {
         if (isKept(byte))
             text += byte;
         else
-            text += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+            text += formatted("%{:02X}", static_cast<unsigned char>(byte));
     }
     return text;
 }
@@ -48,9 +48,9 @@ std::string_view shortened(std::string_view text, std::size_t size) {
 } // namespace
 
 std::string trashInfoText(const std::filesystem::path& origin, const std::tm& deleted) {
-    return fmt::format("[Trash Info]\nPath={}\nDeletionDate={:04}-{:02}-{:02}T{:02}:{:02}:{:02}\n",
-                       percentEncoded(origin.native()), deleted.tm_year + 1900, deleted.tm_mon + 1, deleted.tm_mday,
-                       deleted.tm_hour, deleted.tm_min, deleted.tm_sec);
+    return formatted("[Trash Info]\nPath={}\nDeletionDate={:04}-{:02}-{:02}T{:02}:{:02}:{:02}\n",
+                     percentEncoded(origin.native()), deleted.tm_year + 1900, deleted.tm_mon + 1, deleted.tm_mday,
+                     deleted.tm_hour, deleted.tm_min, deleted.tm_sec);
 }
 
 std::string trashName(std::string_view name, std::string_view tag, std::size_t limit) {

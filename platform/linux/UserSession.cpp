@@ -1,8 +1,9 @@
 #include "platform/UserSession.h"
 
+#include "base/Format.h"
+
 #include <cerrno>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -44,7 +45,7 @@ Result<std::filesystem::path> homeFolder() {
 Result<std::filesystem::path> userRuntimeFolder() {
     if (const auto folder = environment("XDG_RUNTIME_DIR"); folder.starts_with('/') && checkPrivateFolder(folder))
         return folder;
-    const std::filesystem::path folder = fmt::format("/tmp/ombrel-{}", getuid());
+    const std::filesystem::path folder = formatted("/tmp/ombrel-{}", getuid());
     if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
         return std::unexpected(errorFromErrno(errno, folder.native()));
     if (const auto checked = checkPrivateFolder(folder); !checked)

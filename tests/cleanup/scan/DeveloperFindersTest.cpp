@@ -1,8 +1,8 @@
 #include "cleanup/scan/DeveloperFinders.h"
+#include "base/Format.h"
 
 #include "tests/cleanup/scan/ScanFixture.h"
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -82,7 +82,7 @@ TEST_F(DeveloperData, ArchivesAreOfferedFromTheirAgeAndSizeOn) {
     for (const auto& [name, age, size] :
          {Case{"offered", days(180) + nanoseconds(1), archiveFloor}, Case{"young", days(180), archiveFloor},
           Case{"small", days(181), archiveFloor - 1}}) {
-        const auto folder = folderWithFile(fmt::format("Library/Developer/Xcode/Archives/{}", name), 4096, age);
+        const auto folder = folderWithFile(formatted("Library/Developer/Xcode/Archives/{}", name), 4096, age);
         workers.metrics[folder] = {size, now - age, true};
     }
     EXPECT_THAT(namesOf(developerCandidates(context)), ElementsAre("offered"));
@@ -91,7 +91,7 @@ TEST_F(DeveloperData, ArchivesAreOfferedFromTheirAgeAndSizeOn) {
 TEST_F(DeveloperData, AtMostTwentyArchivesAndTwentyVersionsAreOffered) {
     for (const char* place : {"Archives", "iOS DeviceSupport"})
         for (int i = 0; i < 21; ++i) {
-            const auto folder = folderWithFile(fmt::format("Library/Developer/Xcode/{}/{}", place, i), 4096, days(200));
+            const auto folder = folderWithFile(formatted("Library/Developer/Xcode/{}/{}", place, i), 4096, days(200));
             workers.metrics[folder] = {archiveFloor + i, now - days(200), true};
         }
     EXPECT_EQ(developerCandidates(context).size(), 40U);

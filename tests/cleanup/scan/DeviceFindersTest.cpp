@@ -1,8 +1,8 @@
 #include "cleanup/scan/DeviceFinders.h"
+#include "base/Format.h"
 
 #include "tests/cleanup/scan/ScanFixture.h"
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -175,7 +175,7 @@ TEST_F(DeviceUpdates, AreOfferedByExtensionAgeAndSize) {
 TEST_F(DeviceUpdates, AreOfferedTenPerPlaceAtMost) {
     for (const char* place : {"iPhone", "iPad"})
         for (int i = 0; i < 11; ++i)
-            file(fmt::format("Library/iTunes/{} Software Updates/{}.ipsw", place, i), updateFloor, days(91));
+            file(formatted("Library/iTunes/{} Software Updates/{}.ipsw", place, i), updateFloor, days(91));
     EXPECT_EQ(deviceCandidates(context).size(), 20U);
     EXPECT_TRUE(budget.limitedCategories.contains(CleanupCategory::deviceSoftware));
 }

@@ -1,4 +1,5 @@
 #include "cleanup/scan/OldFileFinders.h"
+#include "base/Format.h"
 
 #include "platform/FoundItem.h"
 #include "tests/cleanup/scan/ScanFixture.h"
@@ -10,7 +11,6 @@
 #endif
 
 #include <array>
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -255,7 +255,7 @@ TEST_F(OldItems, AFileThatVanishesAfterTheListingIsPassedOver) {
 
 TEST_F(OldItems, OfMoreThanTheCountTheLargestAreOfferedAndTheCategoryIsLimited) {
     for (int i = 0; i <= 40; ++i)
-        file(fmt::format("place/{:02}.log", i), 4096 * (i + 1), days(90));
+        file(formatted("place/{:02}.log", i), 4096 * (i + 1), days(90));
     const auto names = files(rule());
     ASSERT_EQ(names.size(), 40U);
     EXPECT_EQ(names.front(), "40.log");
@@ -272,7 +272,7 @@ TEST_F(OldItems, ExactlyTheCountIsNotCut) {
 
 TEST_F(OldItems, EqualSizesKeepTheOrderOfTheListing) {
     for (const char* name : {"c", "a", "d", "b"})
-        file(fmt::format("place/{}.log", name), name[0] == 'd' ? 8192 : 4096, days(90));
+        file(formatted("place/{}.log", name), name[0] == 'd' ? 8192 : 4096, days(90));
     EXPECT_THAT(files(rule()), ElementsAre("d.log", "a.log", "b.log", "c.log"));
 }
 

@@ -1,6 +1,7 @@
 #include "tests/cleanup/window/MoveExplorer.h"
 
 #include "app/AppDelegate.h"
+#include "base/Format.h"
 #include "base/UniqueFd.h"
 #include "cleanup/window/CountText.h"
 #include "cleanup/window/MoveTexts.h"
@@ -12,7 +13,6 @@
 #include <atomic>
 #include <deque>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -699,11 +699,11 @@ bool canMeet(Event event, State state) {
 std::string table(const Meetings& meetings) {
     std::string text;
     for (const auto* state : states)
-        text += fmt::format("{:>16}", state);
+        text += formatted("{:>16}", state);
     text += '\n';
     for (std::size_t event = 0; event < eventCount; ++event) {
         for (const auto count : meetings[event])
-            text += fmt::format("{:>16}", count);
+            text += formatted("{:>16}", count);
         text += std::string("  ") + events[event].words + '\n';
     }
     return text;
