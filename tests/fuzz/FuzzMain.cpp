@@ -7,10 +7,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 namespace {
 
-const vantry::FuzzTarget* target = nullptr;
+void (*target)(std::string_view bytes) = nullptr;
 
 } // namespace
 
@@ -19,7 +20,7 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments) {
     const std::filesystem::path program = (*arguments)[0];
     for (const auto& each : vantry::fuzzTargets())
         if (program.filename() == each.name)
-            target = &each;
+            target = each.run;
     if (!target) {
         std::fprintf(stderr, "%s is not the name of a target\n", program.c_str());
         std::exit(EXIT_FAILURE);
@@ -29,6 +30,6 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments) {
 
 // NOLINTNEXTLINE(readability-identifier-naming): and for this
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
-    target->run({reinterpret_cast<const char*>(bytes), count});
+    target({reinterpret_cast<const char*>(bytes), count});
     return 0;
 }

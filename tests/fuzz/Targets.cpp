@@ -3,12 +3,10 @@
 #include "cleanup/scan/WorkerArguments.h"
 #include "cleanup/scan/WorkerPayload.h"
 #include "platform/LsofOutput.h"
-#include "platform/linux/WallpaperSettings.h"
 #include "tests/fuzz/PropertyListFuzz.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -19,13 +17,6 @@
 namespace vantry {
 
 namespace {
-
-void requireThat(bool condition, const char* what) {
-    if (condition)
-        return;
-    std::fprintf(stderr, "not so: %s\n", what);
-    std::abort();
-}
 
 bool canBeInAFolder(const std::string& name) {
     return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
@@ -90,19 +81,6 @@ void readLsofOutput(std::string_view bytes) {
     requireThat(length <= bytes.size(), "nothing is told twice");
 }
 
-// The first line is the name of a screen.
-void readWallpaperSettings(std::string_view bytes) {
-    const auto screen = bytes.substr(0, bytes.find('\n'));
-    const auto settings = bytes.substr(std::min(screen.size() + 1, bytes.size()));
-    for (const auto& picture :
-         {pathOfUrl(settings), plasmaPicture(settings), xfcePicture(settings, screen), lxqtPicture(settings),
-          swayPicture(settings, screen, "/home"), hyprlandPicture(settings, screen, "/home"), fehPicture(settings),
-          nitrogenPicture(settings), slideshowPicture(settings, 1'700'000'000)})
-        requireThat(!picture || picture->is_absolute(), "a picture has an absolute path");
-    const auto text = textOfGVariant(settings);
-    requireThat(!text || text->size() + 2 <= settings.size(), "a text is no longer than what is printed of it");
-}
-
 // An argument a line.
 void readArguments(std::string_view bytes) {
     using namespace CleanupScanner;
@@ -132,16 +110,14 @@ void readArguments(std::string_view bytes) {
     }
 }
 
-constexpr FuzzTarget targets[] = {{"metrics", readMetrics},
-                                  {"children", readChildren},
-                                  {"children-metrics", readChildrenMetrics},
-                                  {"lsof", readLsofOutput},
-                                  {"wallpaper-settings", readWallpaperSettings},
-                                  {"arguments", readArguments},
-                                  {"property-list", readPropertyList}};
-
 } // namespace
 
-std::span<const FuzzTarget> fuzzTargets() { return targets; }
+std::vector<FuzzTarget> fuzzTargets() {
+    std::vector<FuzzTarget> targets = {
+        {"metrics", readMetrics}, {"children", readChildren},   {"children-metrics", readChildrenMetrics},
+        {"lsof", readLsofOutput}, {"arguments", readArguments}, {"property-list", readPropertyList}};
+    std::ranges::copy(systemFuzzTargets(), std::back_inserter(targets));
+    return targets;
+}
 
 } // namespace vantry

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <span>
+#include <cstdio>
+#include <cstdlib>
 #include <string_view>
+#include <vector>
 
 namespace vantry {
 
@@ -12,6 +14,16 @@ struct FuzzTarget {
 };
 
 /// Each ends the process when what it tests does something that it must not do, whatever the bytes.
-[[nodiscard]] std::span<const FuzzTarget> fuzzTargets();
+[[nodiscard]] std::vector<FuzzTarget> fuzzTargets();
+
+/// Those among them that only this system has.
+[[nodiscard]] std::vector<FuzzTarget> systemFuzzTargets();
+
+inline void requireThat(bool condition, const char* what) {
+    if (condition)
+        return;
+    std::fprintf(stderr, "not so: %s\n", what);
+    std::abort();
+}
 
 } // namespace vantry

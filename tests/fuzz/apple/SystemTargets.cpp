@@ -1,0 +1,7 @@
+#include "tests/fuzz/Targets.h"
+
+namespace vantry {
+
+std::vector<FuzzTarget> systemFuzzTargets() { return {}; }
+
+} // namespace vantry
