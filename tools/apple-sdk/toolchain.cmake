@@ -1,0 +1,11 @@
+# Enough for CMake to plan a build for macOS on another system. The compiler is only asked for its name.
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR arm64)
+find_program(COMPILER clang-19 REQUIRED)
+foreach(language C CXX OBJCXX)
+  set(CMAKE_${language}_COMPILER ${COMPILER})
+  set(CMAKE_${language}_COMPILER_FORCED ON)
+  set(CMAKE_${language}_COMPILE_FEATURES cxx_std_11 cxx_std_23 cxx_variadic_templates)
+endforeach()
+set(CMAKE_INSTALL_NAME_TOOL true)
+set(CMAKE_HAVE_LIBC_PTHREAD ON)
