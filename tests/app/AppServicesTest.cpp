@@ -4,6 +4,7 @@
 #include "tests/support/FakeServices.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -2,9 +2,7 @@
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <functional>
-#include <sched.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,21 +34,6 @@ namespace vantry {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFSIGNALED(status) ? "ended by signal " + std::to_string(WTERMSIG(status)) : answer;
-}
-
-/// A user number that nobody on this system has.
-[[nodiscard]] inline uid_t unknownUser() { return 1'700'000'000U + static_cast<uid_t>(getpid()); }
-
-/// Makes this process one of `user`, without any right beyond: for real as root, else in a user namespace of its own.
-/// For a child process, as there is no way back.
-[[nodiscard]] inline bool becomeUser(uid_t user) {
-    if (geteuid() == 0)
-        return setresgid(user, user, user) == 0 && setresuid(user, user, user) == 0;
-    const uid_t before = geteuid();
-    if (unshare(CLONE_NEWUSER) != 0)
-        return false;
-    std::ofstream("/proc/self/uid_map") << user << ' ' << before << " 1\n";
-    return getuid() == user;
 }
 
 } // namespace vantry

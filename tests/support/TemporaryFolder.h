@@ -18,14 +18,15 @@ namespace vantry {
     return access(inMemory, W_OK | X_OK) == 0 ? inMemory : std::filesystem::temp_directory_path();
 }
 
-/// A folder of the test's own, 0700, removed with everything in it.
+/// A folder of the test's own, 0700, removed with everything in it. Its path has no links in it, as the product's home
+/// folder has none; the system's folder for temporary files may be behind one.
 class TemporaryFolder {
 public:
     explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
         std::string name = (parent / "ombrel-test-XXXXXX").native();
         if (!mkdtemp(name.data()))
             throw std::runtime_error("cannot make " + name);
-        path_ = name;
+        path_ = std::filesystem::canonical(name);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

@@ -5,6 +5,7 @@
 #include "tests/support/InterceptedCall.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/RefusedCall.h"
+#include "tests/support/TestSystem.h"
 
 #include <array>
 #include <cerrno>

@@ -3,6 +3,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/MountedFolder.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

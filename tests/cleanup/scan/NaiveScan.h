@@ -3,6 +3,7 @@
 #include "tests/cleanup/scan/ScanFixture.h"
 
 #include "cleanup/model/CleanupCategory.h"
+#include "tests/support/TestSystem.h"
 
 #include <cctype>
 #include <fstream>
@@ -111,9 +112,6 @@ private:
         struct stat said = {};
         return stat(path.c_str(), &said) == 0 && S_ISDIR(said.st_mode);
     }
-    static std::int64_t nanosecondsOf(const struct stat& said) {
-        return std::int64_t{said.st_mtim.tv_sec} * 1'000'000'000 + said.st_mtim.tv_nsec;
-    }
     [[nodiscard]] std::int64_t cutoff(int days) const {
         return made_.now.time_since_epoch().count() - std::int64_t{days} * 86400 * 1'000'000'000;
     }
@@ -162,7 +160,7 @@ private:
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
             if (const auto said = look(entry.path().native()); said && S_ISREG(said->st_mode)) {
                 all.size += said->st_blocks * 512;
-                all.newest = std::max(all.newest.value_or(nanosecondsOf(*said)), nanosecondsOf(*said));
+                all.newest = std::max(all.newest.value_or(modificationTime(*said)), modificationTime(*said));
             }
         return all;
     }
@@ -205,7 +203,7 @@ private:
             if (!extensions.empty() ? !extensions.contains(end)
                                     : installers.contains(end) || archives.contains(end) || partials.contains(end))
                 continue;
-            if (S_ISREG(said->st_mode) && nanosecondsOf(*said) < cutoff(days) && said->st_blocks * 512 >= minimum)
+            if (S_ISREG(said->st_mode) && modificationTime(*said) < cutoff(days) && said->st_blocks * 512 >= minimum)
                 some.push_back({path, name(path), category, said->st_blocks * 512});
         }
         keepLargest(some, category, count);
@@ -218,7 +216,7 @@ private:
         std::vector<Found> some;
         for (const auto& path : list(folder)) {
             const auto said = look(path);
-            if (!S_ISDIR(said->st_mode) || excluded.contains(name(path)) || nanosecondsOf(*said) >= cutoff(days))
+            if (!S_ISDIR(said->st_mode) || excluded.contains(name(path)) || modificationTime(*said) >= cutoff(days))
                 continue;
             const auto inside = sum(path);
             if (inside.isCut)
@@ -321,7 +319,7 @@ private:
         }
         for (const auto& [path, identity] : records)
             for (const auto& [other, same] : records)
-                if (identity == same && nanosecondsOf(*look(other)) > nanosecondsOf(*look(path))) {
+                if (identity == same && modificationTime(*look(other)) > modificationTime(*look(path))) {
                     addMeasured(found_, path, "Older backup · " + name(path), CleanupCategory::deviceBackup);
                     break;
                 }
@@ -450,7 +448,7 @@ private:
             const auto said = look(path);
             const auto end = extension(path);
             if (!installers.contains(end) && !archives.contains(end) && !partials.contains(end) &&
-                S_ISREG(said->st_mode) && nanosecondsOf(*said) < cutoff(90) && said->st_blocks * 512 >= 262144000)
+                S_ISREG(said->st_mode) && modificationTime(*said) < cutoff(90) && said->st_blocks * 512 >= 262144000)
                 large.bytes += said->st_blocks * 512;
         }
         result.amounts[CleanupCategory::largeDownload] = text(large);

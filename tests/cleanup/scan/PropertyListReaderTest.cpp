@@ -7,6 +7,7 @@
 #include "tests/support/BinaryPropertyList.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/RecordedPolls.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

@@ -4,6 +4,7 @@
 #include "platform/DirectoryWalk.h"
 #include "platform/ItemFacts.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <algorithm>
 #include <chrono>
@@ -125,7 +126,7 @@ public:
         std::filesystem::create_directories(url.parent_path());
         std::filesystem::remove(url); // a file that is cut off instead is slow to close
         const int fd = open(url.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-        const bool made = fd >= 0 && (bytes == 0 || posix_fallocate(fd, 0, bytes) == 0);
+        const bool made = fd >= 0 && (bytes == 0 || allocate(fd, bytes));
         close(fd);
         if (!made)
             throw std::runtime_error("cannot make " + url.native());

@@ -4,6 +4,7 @@
 #include "tests/cleanup/scan/WorkerHostFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/RecordedPolls.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

@@ -5,6 +5,7 @@
 #include "tests/support/RefusedCall.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

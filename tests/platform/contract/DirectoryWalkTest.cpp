@@ -5,6 +5,7 @@
 #include "tests/support/MountedFolder.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include "platform/ItemFacts.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

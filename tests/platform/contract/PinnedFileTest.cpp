@@ -4,6 +4,7 @@
 #include "tests/platform/contract/PinnedFileFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "platform/BackgroundQueue.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

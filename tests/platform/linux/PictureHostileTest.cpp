@@ -3,6 +3,7 @@
 #include "tests/platform/linux/MadePictures.h"
 #include "tests/platform/linux/PictureFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TestSystem.h"
 
 #include <QBuffer>
 

@@ -3,6 +3,7 @@
 #include "tests/platform/contract/PinnedFileFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/RefusedCall.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 

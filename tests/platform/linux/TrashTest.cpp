@@ -4,6 +4,7 @@
 #include "tests/support/ScopedEnvironment.h"
 
 #include "platform/FileCoordinator.h"
+#include "tests/support/TestSystem.h"
 
 #include <cerrno>
 #include <ctime>

@@ -1,0 +1,249 @@
+#include "tests/app/LaunchAtLoginFixture.h"
+#include "tests/support/RefusedCall.h"
+#include "tests/support/TestSystem.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <vector>
+
+namespace vantry {
+namespace {
+
+namespace Controller = LaunchAtLoginController;
+
+using LaunchAtLoginOnLinux = LaunchAtLoginFixture;
+
+TEST_F(LaunchAtLoginOnLinux, DisablingRemovesTheAgentAndTheAutostartEntry) {
+    enableOrFail();
+    ASSERT_TRUE(std::filesystem::exists(autostart()));
+    ASSERT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_TRUE(agentNames().empty());
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnInstalledCopyIsPreferredToARunningOneThatIsNotInstalled) {
+    const auto usr = install("usr/ombrel");
+    enableOrFail();
+    expectBothStart(usr);
+    const auto local = install("local/ombrel");
+    enableOrFail();
+    expectBothStart(local);
+    ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
+    expectBothStart(usr);
+}
+
+TEST_F(LaunchAtLoginOnLinux, WhatCannotBeRunIsNoInstalledCopy) {
+    std::filesystem::create_directories(home_ / "local/ombrel");
+    std::filesystem::create_directories(home_ / "usr");
+    writeFile(home_ / "usr/ombrel", "not executable");
+    enableOrFail();
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLoginOnLinux, ACopyThatIsNotInstalledLeavesTheEntryToAnInstalledOne) {
+    const auto local = install("local/ombrel");
+    const auto usr = install("usr/ombrel");
+    ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart(usr);
+    std::filesystem::remove_all(home_ / "usr");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart(local);
+    std::filesystem::remove_all(home_ / "local");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLoginOnLinux, RefreshingKeepsWhatTheUserAddedToARightEntry) {
+    enableOrFail();
+    addToEntry("X-GNOME-Autostart-Delay=20");
+    const auto entry = readFile(autostart());
+    writeFile(agent(), "outdated");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    EXPECT_EQ(readFile(autostart()), entry);
+    expectBothStart("/opt/ombrel/ombrel");
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnEntryThatTheUserSwitchedOffOrRemovedIsOffAndStaysAsItIs) {
+    for (const char* line : {"Hidden=true", "X-GNOME-Autostart-enabled=false", ""}) {
+        enableOrFail();
+        writeFile(agent(), "outdated");
+        if (*line)
+            addToEntry(line);
+        else
+            std::filesystem::remove(autostart());
+        const auto entry = *line ? readFile(autostart()) : "";
+        EXPECT_FALSE(Controller::isEnabled(environment())) << line;
+        ASSERT_TRUE(Controller::refreshIfEnabled(environment("/new/place/ombrel")));
+        EXPECT_EQ(readFile(agent()), "outdated") << line;
+        EXPECT_EQ(std::filesystem::exists(autostart()) ? readFile(autostart()) : "", entry) << line;
+        enableOrFail();
+        EXPECT_TRUE(Controller::isEnabled(environment())) << line;
+        expectBothStart("/opt/ombrel/ombrel");
+    }
+}
+
+TEST_F(LaunchAtLoginOnLinux, RefreshingWritesAnExistingAgentForTheCurrentLocation) {
+    enableOrFail();
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment("/new/place/ombrel")));
+    EXPECT_NE(readFile(agent()).find("<string>/new/place/ombrel</string>"), std::string::npos);
+    EXPECT_NE(readFile(autostart()).find("Exec=\"/new/place/ombrel\"\n"), std::string::npos);
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnUnusualApplicationPathIsWrittenAsItIs) {
+    ASSERT_TRUE(Controller::setEnabled(environment("/R&D <new> \"é\" 100%/ombrel"), true));
+    EXPECT_NE(readFile(agent()).find("/R&amp;D &lt;new&gt; \"é\" 100%/ombrel"), std::string::npos);
+    EXPECT_NE(readFile(autostart()).find(R"(Exec="/R&D <new> \\"é\\" 100%%/ombrel")"), std::string::npos);
+}
+
+TEST_F(LaunchAtLoginOnLinux, BothFilesAreTheOnlyTruth) {
+    enableOrFail();
+    std::filesystem::remove(agent());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    writeFile(agent(), "anything");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    std::filesystem::remove(autostart());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    std::filesystem::create_directory(autostart());
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+}
+
+TEST_F(LaunchAtLoginOnLinux, AFolderInThePlaceOfTheFileIsNoAgentAndStays) {
+    std::filesystem::create_directories(agent() / "inside");
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(Controller::setEnabled(environment(), true));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+    EXPECT_TRUE(Controller::setEnabled(environment(), false));
+    EXPECT_TRUE(std::filesystem::exists(agent() / "inside"));
+}
+
+TEST_F(LaunchAtLoginOnLinux, WhenTheAutostartEntryCannotBeWrittenTheAgentIsPutBackToItsBytesOrItsAbsence) {
+    writeFile(home_ / ".config", "a file in place of the folder");
+    const auto refused = Controller::setEnabled(environment(), true);
+    ASSERT_FALSE(refused);
+    EXPECT_FALSE(refused.error().message.empty());
+    EXPECT_TRUE(agentNames().empty());
+
+    writeFile(agent(), "what stood there before");
+    ASSERT_FALSE(Controller::setEnabled(environment(), true));
+    EXPECT_EQ(readFile(agent()), "what stood there before");
+}
+
+TEST_F(LaunchAtLoginOnLinux, AReadOnlyFolderIsAnErrorWithTheSystemsTextAndNothingChanges) {
+    std::filesystem::create_directories(agents());
+    std::filesystem::permissions(home_.path(), std::filesystem::perms::all);
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    EXPECT_EQ(errorForOrdinaryUser(true), agent().native() + ": Permission denied");
+    EXPECT_FALSE(Controller::isEnabled(environment()));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+// It could not be put back if the autostart entry failed.
+TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeReadIsNotReplaced) {
+    std::filesystem::create_directories(agents());
+    writeFile(agent(), "unreadable");
+    std::filesystem::permissions(agent(), std::filesystem::perms::none);
+    for (const auto& folder : {home_.path(), agents()})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(true), agent().native() + ": Permission denied");
+    std::filesystem::permissions(agent(), std::filesystem::perms(0644));
+    EXPECT_EQ(readFile(agent()), "unreadable");
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnAgentOfMoreThanAMebibyteIsNotReplaced) {
+    std::filesystem::create_directories(agents());
+    const std::string largest(1 << 20, 'x');
+    writeFile(agent(), largest + 'x');
+    const auto refused = Controller::setEnabled(environment(), true);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().message, agent().native() + ": too large");
+    EXPECT_TRUE(readFile(agent()) == largest + 'x') << "too long to be printed";
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+
+    writeFile(agent(), largest);
+    enableOrFail();
+    EXPECT_LT(readFile(agent()).size(), largest.size());
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
+    enableOrFail();
+    addToEntry("X-GNOME-Autostart-Delay=20");
+    const std::string entry = readFile(autostart());
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+    EXPECT_EQ(readFile(autostart()), entry);
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatItDidNotHave) {
+    std::filesystem::create_directories(agents());
+    writeFile(agent(), "without an entry");
+    std::filesystem::create_directories(autostart().parent_path());
+    std::filesystem::permissions(agents(), std::filesystem::perms(0555));
+    for (const auto& folder : {home_.path(), home_ / ".config", home_ / ".config/autostart"})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
+    EXPECT_TRUE(std::filesystem::exists(agent()));
+    EXPECT_FALSE(std::filesystem::exists(autostart()));
+}
+
+TEST_F(LaunchAtLoginOnLinux, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
+    std::filesystem::create_directories(agents());
+    const auto answer = inChildProcess([&]() -> std::string {
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("none", agents().c_str(), "tmpfs", 0, "size=16k") != 0)
+            return "cannot mount";
+        writeFile(agent(), "old");
+        std::ofstream(agents() / "filler") << std::string(1 << 20, 'x'); // fails where the space ends
+        const auto refused = Controller::setEnabled(environment(), true);
+        const bool draftLeft = std::filesystem::exists(agents() / ".app.ombrel.Ombrel.plist.new");
+        return (refused ? "enabled" : refused.error().message) + (draftLeft ? ", draft left" : "") + ", " +
+               readFile(agent());
+    });
+    if (answer == "cannot mount")
+        GTEST_SKIP() << "this user may not mount a small disk";
+    EXPECT_EQ(answer, agent().native() + ": No space left on device, old");
+}
+
+TEST_F(LaunchAtLoginOnLinux, TheCurrentEnvironmentIsTheUsersHomeAndTheRunningApplication) {
+    const auto current = Controller::currentEnvironment();
+    ASSERT_TRUE(current) << current.error().message;
+    EXPECT_EQ(current->home, home_.path());
+    EXPECT_EQ(current->runningApplication, std::filesystem::read_symlink("/proc/self/exe"));
+    EXPECT_EQ(current->installedApplications,
+              (std::vector<std::filesystem::path>{"/usr/local/bin/ombrel", "/usr/bin/ombrel"}));
+}
+
+TEST_F(LaunchAtLoginOnLinux, ThereIsNoCurrentEnvironmentForAUserWithoutAHome) {
+    EXPECT_EQ(inChildProcess([]() -> std::string {
+                  if (unsetenv("HOME") != 0 || !becomeUser(unknownUser()))
+                      return "no other user";
+                  const auto current = Controller::currentEnvironment();
+                  return current ? current->home.native() : current.error().message;
+              }),
+              "home folder: No such file or directory");
+}
+
+TEST_F(LaunchAtLoginOnLinux, ThereIsNoCurrentEnvironmentWhereTheRunningApplicationIsUnknown) {
+    const auto answer = inChildProcess([]() -> std::string {
+#ifdef SYS_readlink
+        if (!refuseCall(SYS_readlink, EACCES))
+            return "not refused";
+#endif
+        if (!refuseCall(SYS_readlinkat, EACCES))
+            return "not refused";
+        const auto current = Controller::currentEnvironment();
+        return current ? current->runningApplication.native() : current.error().message;
+    });
+    EXPECT_EQ(answer, "/proc/self/exe: Permission denied");
+}
+
+} // namespace
+} // namespace vantry

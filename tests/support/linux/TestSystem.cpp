@@ -1,0 +1,25 @@
+#include "tests/support/TestSystem.h"
+
+#include <fcntl.h>
+#include <fstream>
+#include <sched.h>
+
+namespace vantry {
+
+bool allocate(int fd, std::int64_t bytes) { return posix_fallocate(fd, 0, bytes) == 0; }
+
+std::int64_t modificationTime(const struct stat& facts) {
+    return std::int64_t{facts.st_mtim.tv_sec} * 1'000'000'000 + facts.st_mtim.tv_nsec;
+}
+
+bool becomeUser(uid_t user) {
+    if (geteuid() == 0)
+        return setresgid(user, user, user) == 0 && setresuid(user, user, user) == 0;
+    const uid_t before = geteuid();
+    if (unshare(CLONE_NEWUSER) != 0)
+        return false;
+    std::ofstream("/proc/self/uid_map") << user << ' ' << before << " 1\n";
+    return getuid() == user;
+}
+
+} // namespace vantry
