@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -34,8 +35,13 @@ StripWindow::StripWindow(const QtAppearance& appearance, std::function<bool()> c
             [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
     connect(&appearance_, &QtAppearance::changed, this, qOverload<>(&QWidget::update));
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &StripWindow::place);
+    // A window manager may tell what windows leave of the screen before it tells which windows there are.
+    constexpr std::chrono::milliseconds untilBothAreTold{100};
+    placement_.setSingleShot(true);
+    placement_.setInterval(untilBothAreTold);
+    connect(&placement_, &QTimer::timeout, this, &StripWindow::place);
     for (const QScreen* screen : QGuiApplication::screens())
-        connect(screen, &QScreen::availableGeometryChanged, this, &StripWindow::place);
+        connect(screen, &QScreen::availableGeometryChanged, &placement_, qOverload<>(&QTimer::start));
 }
 
 void StripWindow::setContent(const StatusItemContent& content) {

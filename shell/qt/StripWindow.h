@@ -5,6 +5,7 @@
 #include "shell/qt/QtAppearance.h"
 
 #include <QAbstractButton>
+#include <QTimer>
 #include <functional>
 
 namespace vantry {
@@ -42,6 +43,7 @@ private:
     StatusItemContent content_;
     Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none for a press that the popover had, or that is spent
     QPoint placedAt_;
+    QTimer placement_;
 };
 
 } // namespace vantry

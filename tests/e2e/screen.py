@@ -81,7 +81,8 @@ class Screen:
         return found
 
     def open_maximised_window(self):
-        """A window that fills what the window manager leaves it: its place with its frame, and itself."""
+        """A window that fills what the window manager leaves it: what tells its place with its frame, and itself. The place
+        may change a few times before it is final."""
         handle = self.root.create_window(100, 100, 300, 200, 0, X.CopyFromParent, background_pixel=0x336699)
         states = [self.display.intern_atom(f"_NET_WM_STATE_MAXIMIZED_{way}") for way in ("VERT", "HORZ")]
         handle.change_property(self.display.intern_atom("_NET_WM_STATE"), Xatom.ATOM, 32, states)
@@ -93,9 +94,10 @@ class Screen:
             while (parent := outer.query_tree().parent) != self.root:
                 outer = parent
             geometry = outer.get_geometry()
-            return geometry.width >= 900 and Rect(geometry.x, geometry.y, geometry.width, geometry.height)
+            return Rect(geometry.x, geometry.y, geometry.width, geometry.height)
 
-        return wait_until(frame, "a maximised window"), handle
+        wait_until(lambda: frame().width >= 900, "a maximised window")
+        return frame, handle
 
     def selection_owner(self, name):
         """The id of the window that owns a selection, 0 when none does."""

@@ -43,7 +43,7 @@ class Strip(DesktopCase):
             width = 94 if shows else 60
             strip = application.wait_for_strip(width)
             frame, window = self.desktop.screen.open_maximised_window()
-            self.assertEqual((frame.y, frame.y + frame.height), (24, 760))
+            wait_for_equal((24, 760), lambda: (frame().y, frame().y + frame().height), "top and bottom of the window")
             holds(lambda: application.strip().rect == Rect(1000 - width, 0, width, 24), "the strip's place")
             window.destroy()
 
@@ -59,7 +59,7 @@ class Strip(DesktopCase):
         application, _strip = self.start_and_wait()
         application.close()
         frame, window = self.desktop.screen.open_maximised_window()
-        self.assertEqual(frame.y, 0)
+        wait_for_equal(0, lambda: frame().y, "the top of the window")
         window.destroy()
 
     def test_shows_how_full_the_volume_is(self):
