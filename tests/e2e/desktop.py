@@ -196,11 +196,12 @@ class Application:
         return wait_until(self.tray_icon, "an icon in the tray")
 
     def popover(self):
-        return next((window for window in self.windows() if window.rect.width >= 380 * self.scale and
+        return next((window for window in self.windows() if window.rect.width == 380 * self.scale and
                      window.rect.height >= 452 * self.scale), None)
 
     def wait_for_popover(self):
-        return wait_until(self.popover, "the popover")
+        """With the keyboard, or a key would go elsewhere."""
+        return wait_until(lambda: (found := self.popover()) and self.desktop.screen.has_keyboard(found) and found, "the popover")
 
     def wait_until_popover_closed(self):
         wait_until(lambda: not self.popover(), "the popover to close")

@@ -80,6 +80,9 @@ class Screen:
         visit(self.root, 0)
         return found
 
+    def has_keyboard(self, window):
+        return getattr(self.display.get_input_focus().focus, "id", None) == window.id
+
     def open_maximised_window(self):
         """A window that fills what the window manager leaves it: what tells its place with its frame, and itself. The place
         may change a few times before it is final."""

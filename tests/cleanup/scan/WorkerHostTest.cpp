@@ -160,7 +160,7 @@ TEST_F(RealWorkers, AnswerTenThousandTimesAndLeaveNothing) {
         ASSERT_FALSE(hasChildren()) << "after " << done;
         ASSERT_EQ(resources(), before) << "after " << done;
     }
-    EXPECT_GE(done, 20);
+    EXPECT_GE(done, 3);
     if (done < rounds)
         std::cout << "time was up after " << 2 * done << " answers\n";
     EXPECT_GE(complete, done); // half of them may have been late on a machine that is very busy
