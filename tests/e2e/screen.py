@@ -80,6 +80,15 @@ class Screen:
         visit(self.root, 0)
         return found
 
+    def tell_work_area(self, top):
+        """Says for the window manager that so much is taken at the top of the screen."""
+        screen = self.root.get_geometry()
+        area = [0, top, screen.width, screen.height - top]
+        atom = self.display.intern_atom("_NET_WORKAREA")
+        desktops = len(self.root.get_full_property(atom, X.AnyPropertyType).value) // 4
+        self.root.change_property(atom, Xatom.CARDINAL, 32, area * desktops)
+        self.display.sync()
+
     def has_keyboard(self, window):
         return getattr(self.display.get_input_focus().focus, "id", None) == window.id
 

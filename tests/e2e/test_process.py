@@ -42,6 +42,11 @@ class Process(DesktopCase):
             first.wait_until_popover_closed()
         self.assertTrue(first.is_running())
 
+    def test_the_executable_exports_nothing_that_its_modules_could_mix_with_their_own(self):
+        # It has a C++ library of its own, the modules load the shared one.
+        names = subprocess.run(["nm", "-D", "--defined-only", PROGRAM], capture_output=True, text=True, check=True).stdout
+        self.assertEqual([line for line in names.splitlines() if " _Z" in line], [])
+
     def test_a_start_that_restores_a_session_opens_no_popover(self):
         first = self.start_and_wait()
         self.assertEqual(self.start(home=first.home, arguments=("-session", "10a2b_3")).wait_for_end(), 0)

@@ -2,6 +2,7 @@
 
 import errno
 import itertools
+import time
 
 from case import DesktopCase
 from pictures import coloured_columns, ink, lightness, same
@@ -53,6 +54,14 @@ class Strip(DesktopCase):
         wait_until(lambda: other.strip() and other.strip().rect.y == 24, "the other one's place")
         holds(lambda: application.strip().rect == strip.rect and other.strip().rect.y == 24, "both places")
         other.close()
+        holds(lambda: application.strip().rect == strip.rect, "the strip's place")
+
+    def test_stays_where_it_is_when_the_space_of_a_strip_is_told_before_its_window(self):
+        # As openbox does it: first the work area, then the list of windows.
+        application, strip = self.start_and_wait()
+        self.desktop.screen.tell_work_area(48)
+        time.sleep(0.03)
+        self.desktop.screen.tell_work_area(24)
         holds(lambda: application.strip().rect == strip.rect, "the strip's place")
 
     def test_leaves_nothing_reserved_when_it_ends(self):
