@@ -44,7 +44,12 @@ std::optional<MouseEvent> currentMouseEvent() {
 - (void)statusItemPressed:(id)sender {
     const auto event = currentMouseEvent();
     _rightClicks += event == MouseEvent::rightMouseUp ? 1 : 0;
-    _pressed(event);
+    [self tell:event];
+}
+
+- (void)tell:(std::optional<MouseEvent>)event {
+    const auto pressed = _pressed; // outlives a status item that it removes
+    pressed(event);
 }
 
 - (void)detach {
@@ -56,7 +61,7 @@ std::optional<MouseEvent> currentMouseEvent() {
     const unsigned before = _rightClicks;
     dispatch_async(dispatch_get_main_queue(), ^{
         if (self->_rightClicks == before)
-            self->_pressed(MouseEvent::rightMouseUp);
+            [self tell:MouseEvent::rightMouseUp];
     });
 }
 
