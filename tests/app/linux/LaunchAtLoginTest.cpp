@@ -1,4 +1,5 @@
 #include "tests/app/LaunchAtLoginFixture.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/RefusedCall.h"
 #include "tests/support/TestSystem.h"
 
@@ -197,8 +198,7 @@ TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatI
 TEST_F(LaunchAtLoginOnLinux, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
     std::filesystem::create_directories(agents());
     const auto answer = inChildProcess([&]() -> std::string {
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("none", agents().c_str(), "tmpfs", 0, "size=16k") != 0)
+        if (!keepMountsPrivate() || mount("none", agents().c_str(), "tmpfs", 0, "size=16k") != 0)
             return "cannot mount";
         writeFile(agent(), "old");
         std::ofstream(agents() / "filler") << std::string(1 << 20, 'x'); // fails where the space ends

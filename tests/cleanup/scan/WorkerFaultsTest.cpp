@@ -3,6 +3,7 @@
 #include "cleanup/scan/WorkerHost.h"
 #include "tests/cleanup/scan/WorkerHostFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/RecordedPolls.h"
 #include "tests/support/TestSystem.h"
 
@@ -231,8 +232,7 @@ TEST_F(FaultyWorkers, ThatCannotBeStartedBecauseThereAreNoDescriptors) {
 template <class Prepare>
 std::string listWithTemporaryFolder(const fs::path& asked, const fs::path& temporaryFolder, Prepare prepare) {
     return inChildProcess([&]() -> std::string {
-        const int flags = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
-        if (unshare(flags) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || !prepare())
+        if (!keepMountsPrivate() || !prepare())
             return "no right";
         WorkerHost host({OMBREL_EXECUTABLE, temporaryFolder});
         const auto answer = host.shallowChildren(asked, deadlineIn(1min));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/PrivateMounts.h"
+
 #include <gtest/gtest.h>
 
 #include <ctime>
@@ -15,11 +17,6 @@ namespace vantry {
 inline void setModified(const std::filesystem::path& file, timespec time) {
     const timespec times[2] = {{0, UTIME_OMIT}, time};
     ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
-}
-
-/// What is mounted from here on is mounted for the process alone, and gone with it.
-[[nodiscard]] inline bool keepMountsPrivate() {
-    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 [[nodiscard]] inline bool mountPrivately(const char* type, const std::filesystem::path& point,

@@ -2,6 +2,7 @@
 
 #include "tests/platform/contract/PinnedFileFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/RefusedCall.h"
 #include "tests/support/TestSystem.h"
 
@@ -61,8 +62,7 @@ TEST_F(PinnedFileTest, WhatIsMountedOverItIsAnotherPlace) {
         const auto mountOnItself = [](const fs::path& path) {
             return mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0;
         };
-        // Mounted for this process alone, and gone with it.
-        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        if (!keepMountsPrivate())
             return "not mounted";
         const PinnedFile pinned = pinnedFile();
         if (!mountOnItself(file))

@@ -1,6 +1,7 @@
 #include "tests/platform/linux/TrashFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/ScopedEnvironment.h"
 
 #include "platform/FileCoordinator.h"
@@ -372,9 +373,7 @@ TEST_F(TrashTest, IsNeverOneOnAnotherFileSystem) {
 TEST_F(TrashTest, IsNeverOneInAnotherMount) {
     makeTrash();
     const std::string answer = inChildProcess([&]() -> std::string {
-        if (unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0 ||
-            mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount(place.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        if (!keepMountsPrivate() || mount(place.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0)
             return "no mount";
         return move(file);
     });

@@ -1,6 +1,7 @@
 #include "platform/linux/VolumeCapacity.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -25,11 +26,6 @@ constexpr std::uint64_t singleBit = 1;
 
 constexpr const char* notMounted = "may not mount a file system";
 
-/// Gives this process mounts of its own, which are gone with it.
-bool mountForThisProcess() {
-    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
 /// Where an ext4 image made with `options` is mounted for this process; empty when that may not be.
 std::filesystem::path mountedImage(const std::filesystem::path& folder, const std::string& options) {
     const auto image = (folder / "image").native();
@@ -39,7 +35,7 @@ std::filesystem::path mountedImage(const std::filesystem::path& folder, const st
     const std::string commands = "PATH=$PATH:/usr/sbin:/sbin; exec >/dev/null 2>&1; truncate -s 4M " + image +
                                  " && mkfs.ext4 -q -F " + options + " " + image + " && mount -o loop,ro " + image +
                                  " " + point.native();
-    return mountForThisProcess() && std::system(commands.c_str()) == 0 ? point : std::filesystem::path();
+    return keepMountsPrivate() && std::system(commands.c_str()) == 0 ? point : std::filesystem::path();
 }
 
 } // namespace
@@ -160,7 +156,7 @@ TEST(VolumeCapacity, OfAFileIsThatOfTheVolumeThatHoldsIt) {
 TEST(VolumeCapacity, AFileSystemWithoutALabelHasNoName) {
     const TemporaryFolder folder;
     const std::string answer = inChildProcess([&]() -> std::string {
-        if (!mountForThisProcess() || mount("tmpfs", folder.path().c_str(), "tmpfs", 0, "size=1m") != 0)
+        if (!keepMountsPrivate() || mount("tmpfs", folder.path().c_str(), "tmpfs", 0, "size=1m") != 0)
             return notMounted;
         const auto read = readVolumeCapacity(folder.path());
         return read->name.value_or("unnamed") + " " + std::to_string(read->totalBytes.value()) + " " +
