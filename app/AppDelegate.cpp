@@ -1,7 +1,6 @@
 #include "app/AppDelegate.h"
 
 #include "app/AppPreferences.h"
-#include "platform/TextFormat.h"
 #include "rendering/WallpaperThemeReader.h"
 
 #include <algorithm>
@@ -12,15 +11,9 @@ namespace vantry {
 
 namespace {
 
-constexpr double lengthWithPercentage = 94;
-constexpr double lengthWithoutPercentage = 60;
 constexpr int wallpaperColorCount = 7;
 constexpr std::chrono::seconds refreshInterval{60};
 constexpr std::chrono::seconds wallpaperPaletteLifetime{600};
-
-double statusItemLength(bool showsPercentage) {
-    return showsPercentage ? lengthWithPercentage : lengthWithoutPercentage;
-}
 
 std::vector<Rgba> fallbackPalette() {
     return {WallpaperThemeReader::fallbackPalette.begin(), WallpaperThemeReader::fallbackPalette.end()};
@@ -37,42 +30,36 @@ std::optional<Screen> wallpaperScreen(const Workspace& workspace) {
 AppDelegate::AppDelegate(Shell& shell, AppServices services)
     : shell_(shell),
       services_(std::move(services)),
-      wallpaperThemeColors_(fallbackPalette()) {}
+      popoverController_(services_.system) {}
+
+template <class Work, class Finish>
+void AppDelegate::inBackground(const Work& work, const Finish& finish) {
+    services_.backgroundQueue->submit(QualityOfService::utility,
+                                      [weak = weak_from_this(), queue = services_.mainQueue, work, finish] {
+                                          if (weak.expired())
+                                              return;
+                                          queue->post([weak, finish, result = work()] {
+                                              if (const auto self = weak.lock())
+                                                  finish(*self, result);
+                                          });
+                                      });
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     shell_.becomeAccessory();
-    std::ignore = services_.loginItem.refreshIfEnabled(); // nobody asked for it, so nobody is told that it failed
-
-    const auto& preferences = *services_.preferences;
-    statusItem_.tooltip = "Ombrel";
-    VantryView& bar = statusItem_.view;
-    bar.barHeight = 7;
-    bar.horizontalInset = 5;
-    bar.exposesAccessibility = false; // the button carries the text
-    bar.barStyle = AppPreferences::barStyle(preferences);
-    bar.segmentSizing = AppPreferences::segmentSizing(preferences);
-    bar.showsPercentageLabel = AppPreferences::showsUsedPercentage(preferences);
-    statusItem_.length = statusItemLength(bar.showsPercentageLabel);
-    popoverController_.updatePercentageStatus(bar.showsPercentageLabel);
-
+    std::ignore = services_.loginItem.refreshIfEnabled(); // the user did not ask for this, so a failure is not shown
     configurePopover();
     render();
     refreshStorage();
     refreshWallpaperTheme(true);
 
+    const auto call = [weak = weak_from_this()](void (AppDelegate::*action)()) {
+        return [weak, action] { callIfAlive(weak, action); };
+    };
     if (std::ranges::count(services_.arguments, "--show-cleanup") > 0)
-        services_.mainQueue->post([weak = weak_from_this()] {
-            if (const auto self = weak.lock())
-                self->showCleanupWindow();
-        });
-    timer_ = services_.mainQueue->repeatEvery(refreshInterval, [weak = weak_from_this()] {
-        if (const auto self = weak.lock())
-            self->timerFired();
-    });
-    wakeObserver_ = services_.workspace->observeWake([weak = weak_from_this()] {
-        if (const auto self = weak.lock())
-            self->workspaceDidWake();
-    });
+        services_.mainQueue->post(call(&AppDelegate::showCleanupWindow));
+    timer_ = services_.mainQueue->repeatEvery(refreshInterval, call(&AppDelegate::timerFired));
+    wakeObserver_ = services_.workspace->observeWake(call(&AppDelegate::workspaceDidWake));
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -95,6 +82,7 @@ void AppDelegate::statusItemPressed(std::optional<MouseEvent> currentEvent) {
 }
 
 void AppDelegate::timerFired() {
+    readChoices(); // some hosts show the status item's menu without announcing it
     refreshStorage();
     refreshWallpaperTheme(false);
 }
@@ -112,30 +100,19 @@ void AppDelegate::refreshStorage() {
     refreshInFlight_ = true;
     popoverController_.showError(std::nullopt);
     render();
-    services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
-                                                                  read = services_.readSystemVolume] {
-        if (weak.expired())
-            return;
-        queue->post([weak, result = read()] {
-            if (const auto self = weak.lock())
-                self->finishRefresh(result);
-        });
-    });
+    inBackground(services_.readSystemVolume,
+                 [](AppDelegate& self, const StorageReadResult& result) { self.finishRefresh(result); });
 }
 
 void AppDelegate::finishRefresh(const StorageReadResult& result) {
     refreshInFlight_ = false;
     if (result) {
-        snapshot_ = *result;
-        statusItem_.view.snapshot = snapshot_;
-        popoverController_.update(snapshot_);
-        statusItem_.tooltip = snapshot_->volumeName + ": " + byteCountText(snapshot_->usedBytes()) + " used, " +
-                              byteCountText(snapshot_->availableBytes) + " available";
-        statusItem_.accessibilityLabel = statusItem_.tooltip;
+        state_.snapshot = *result;
+        state_.readFailure.reset();
+        popoverController_.update(state_.snapshot);
     } else {
-        const std::string description = result.error().localizedDescription();
-        popoverController_.showError(description);
-        statusItem_.tooltip = "Storage unavailable: " + description;
+        state_.readFailure = result.error().localizedDescription();
+        popoverController_.showError(state_.readFailure);
     }
     render();
 }
@@ -144,7 +121,8 @@ void AppDelegate::finishRefresh(const StorageReadResult& result) {
 
 void AppDelegate::refreshWallpaperTheme(bool force) {
     if (wallpaperRefreshInFlight_) {
-        wallpaperRefreshForced_ = wallpaperRefreshForced_ || force; // counts while the file is still looked for
+        wallpaperRefreshForced_ =
+            wallpaperRefreshForced_ || force; // takes effect if the wallpaper has not been found yet
         return;
     }
     const auto screen = wallpaperScreen(*services_.workspace);
@@ -152,20 +130,16 @@ void AppDelegate::refreshWallpaperTheme(bool force) {
         applyWallpaperThemeColors(fallbackPalette());
         return;
     }
-    // Finding the file may start a process and read the disk, so it happens in the background as well.
+    // Finding the file may start a process and read the disk, so it runs in the background, too.
     wallpaperRefreshInFlight_ = true;
     wallpaperRefreshForced_ = force;
-    services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
-                                                                  wallpaper = services_.wallpaper, screen] {
-        if (weak.expired())
-            return;
-        auto url = wallpaper.currentWallpaperURL(*screen);
-        auto identity = url ? wallpaper.identity(*url) : std::string();
-        queue->post([weak, screen, url = std::move(url), identity = std::move(identity)] {
-            if (const auto self = weak.lock())
-                self->wallpaperFound(*screen, url, identity);
-        });
-    });
+    using Found = std::pair<std::optional<std::filesystem::path>, std::string>;
+    inBackground(
+        [wallpaper = services_.wallpaper, screen]() -> Found {
+            const auto url = wallpaper.currentWallpaperURL(*screen);
+            return {url, url ? wallpaper.identity(*url) : std::string()};
+        },
+        [screen](AppDelegate& self, const Found& found) { self.wallpaperFound(*screen, found.first, found.second); });
 }
 
 void AppDelegate::wallpaperFound(const Screen& screen, const std::optional<std::filesystem::path>& url,
@@ -182,16 +156,9 @@ void AppDelegate::wallpaperFound(const Screen& screen, const std::optional<std::
         return;
     }
     wallpaperIdentity_ = identity;
-    services_.backgroundQueue->submit(QualityOfService::utility, [weak = weak_from_this(), queue = services_.mainQueue,
-                                                                  palette = services_.wallpaper.palette, screen, url,
-                                                                  identity] {
-        if (weak.expired())
-            return;
-        queue->post([weak, identity, colors = palette(screen, *url, wallpaperColorCount)] {
-            if (const auto self = weak.lock())
-                self->wallpaperSampled(identity, colors);
-        });
-    });
+    inBackground([palette = services_.wallpaper.palette, screen,
+                  url = *url] { return palette(screen, url, wallpaperColorCount); },
+                 [identity](AppDelegate& self, const auto& colors) { self.wallpaperSampled(identity, colors); });
 }
 
 void AppDelegate::wallpaperSampled(const std::string& identity, std::optional<std::vector<Rgba>> palette) {
@@ -203,9 +170,8 @@ void AppDelegate::wallpaperSampled(const std::string& identity, std::optional<st
 }
 
 void AppDelegate::applyWallpaperThemeColors(std::vector<Rgba> colors) {
-    wallpaperThemeColors_ = std::move(colors);
-    statusItem_.view.themeColors = wallpaperThemeColors_;
-    popoverController_.updateThemeColors(wallpaperThemeColors_);
+    state_.themeColors = std::move(colors);
+    popoverController_.updateThemeColors(*state_.themeColors);
     render();
 }
 
@@ -213,7 +179,7 @@ void AppDelegate::applyWallpaperThemeColors(std::vector<Rgba> colors) {
 
 void AppDelegate::changeBarStyle(BarStyle style) {
     AppPreferences::setBarStyle(*services_.preferences, style);
-    statusItem_.view.barStyle = style;
+    state_.choices.barStyle = style;
     popoverController_.updateBarStyleStatus(style);
     render();
     if (style == BarStyle::currentTheme)
@@ -222,24 +188,25 @@ void AppDelegate::changeBarStyle(BarStyle style) {
 
 void AppDelegate::updatePercentageDisplay(bool enabled, bool /*persist*/) {
     AppPreferences::setShowsUsedPercentage(*services_.preferences, enabled);
-    statusItem_.view.showsPercentageLabel = enabled;
-    statusItem_.length = statusItemLength(enabled);
+    state_.choices.showsUsedPercentage = enabled;
     popoverController_.updatePercentageStatus(enabled);
     render();
 }
 
 void AppDelegate::updateSegmentSizing(SegmentSizing sizing, bool /*persist*/) {
     AppPreferences::setSegmentSizing(*services_.preferences, sizing);
-    statusItem_.view.segmentSizing = sizing;
+    state_.choices.segmentSizing = sizing;
     popoverController_.updateSegmentSizingStatus(sizing);
     render();
 }
 
 void AppDelegate::setLaunchAtLogin(bool enabled) {
     const auto result = services_.loginItem.setEnabled(enabled);
-    popoverController_.updateLoginItemStatus(services_.loginItem.isEnabled());
-    popoverController_.showError(result ? std::nullopt
-                                        : std::optional("Could not change Login Items: " + result.error().message));
+    state_.choices.launchesAtLogin = services_.loginItem.isEnabled();
+    popoverController_.updateLoginItemStatus(state_.choices.launchesAtLogin);
+    popoverController_.showError(
+        result ? std::nullopt
+               : std::optional(inWordsOf(services_.system, "Could not change Login Items: ") + result.error().message));
     render();
 }
 
@@ -251,49 +218,52 @@ void AppDelegate::openStorageSettings() {
 
 void AppDelegate::configurePopover() {
     popoverController_.delegate = weak_from_this();
-    readPreferencesIntoPopover();
-    popoverController_.updateThemeColors(wallpaperThemeColors_);
+    readChoices();
+    popoverController_.updateThemeColors(state_.themeColors.value_or(fallbackPalette()));
 }
 
-void AppDelegate::readPreferencesIntoPopover() {
+void AppDelegate::readChoices() {
     const auto& preferences = *services_.preferences;
-    popoverController_.updateLoginItemStatus(services_.loginItem.isEnabled());
-    popoverController_.updatePercentageStatus(AppPreferences::showsUsedPercentage(preferences));
-    popoverController_.updateBarStyleStatus(AppPreferences::barStyle(preferences));
-    popoverController_.updateSegmentSizingStatus(AppPreferences::segmentSizing(preferences));
+    state_.choices = {.showsUsedPercentage = AppPreferences::showsUsedPercentage(preferences),
+                      .barStyle = AppPreferences::barStyle(preferences),
+                      .segmentSizing = AppPreferences::segmentSizing(preferences),
+                      .launchesAtLogin = services_.loginItem.isEnabled()};
+    popoverController_.updateLoginItemStatus(state_.choices.launchesAtLogin);
+    popoverController_.updatePercentageStatus(state_.choices.showsUsedPercentage);
+    popoverController_.updateBarStyleStatus(state_.choices.barStyle);
+    popoverController_.updateSegmentSizingStatus(state_.choices.segmentSizing);
 }
 
 void AppDelegate::showPopover() {
     if (shell_.popoverIsShown())
         return;
-    popoverController_.update(snapshot_);
-    readPreferencesIntoPopover();
-    popoverController_.updateThemeColors(wallpaperThemeColors_);
+    popoverController_.update(state_.snapshot);
+    readChoices();
+    popoverController_.updateThemeColors(state_.themeColors.value_or(fallbackPalette()));
     render();
     shell_.openPopover();
 }
 
 void AppDelegate::showCleanupWindow() {
     if (!cleanupWindowController_)
-        cleanupWindowController_ =
-            std::make_shared<CleanupWindowController>(shell_, services_.mainQueue, services_.backgroundQueue,
-                                                      services_.workspace, services_.makeCleanupServices());
+        cleanupWindowController_ = std::make_shared<CleanupWindowController>(
+            shell_.cleanupWindowShell(), services_.mainQueue, services_.backgroundQueue, services_.workspace,
+            services_.makeCleanupServices());
     cleanupWindowController_->showAndScan();
 }
 
-ContextMenuContent AppDelegate::contextMenu() const {
-    const auto& preferences = *services_.preferences;
-    return contextMenuContent({.showsUsedPercentage = AppPreferences::showsUsedPercentage(preferences),
-                               .barStyle = AppPreferences::barStyle(preferences),
-                               .segmentSizing = AppPreferences::segmentSizing(preferences),
-                               .launchesAtLogin = services_.loginItem.isEnabled()});
+void AppDelegate::showContextMenu() {
+    readChoices();
+    shell_.popUpContextMenu(contextMenuContent(state_.choices));
 }
 
-void AppDelegate::showContextMenu() { shell_.popUpContextMenu(contextMenu()); }
+void AppDelegate::menuWillOpen() {
+    readChoices();
+    render();
+}
 
 void AppDelegate::performMenuItem(const MenuItemContent& item) {
     switch (item.command) {
-    case MenuCommand::none: break;
     case MenuCommand::refresh: storagePopoverRequestedRefresh(); break;
     case MenuCommand::openStorageSettings: openStorageSettings(); break;
     case MenuCommand::freeUpSpace: showCleanupWindow(); break;
@@ -328,20 +298,8 @@ void AppDelegate::storagePopoverRequestedCleanup() {
     showCleanupWindow();
 }
 
-void AppDelegate::storagePopoverRequestedQuit() { shell_.terminate(); }
-
-void AppDelegate::storagePopoverRequestedLoginItemChange(bool enabled) { setLaunchAtLogin(enabled); }
-
-void AppDelegate::storagePopoverRequestedPercentageChange(bool enabled) { updatePercentageDisplay(enabled, true); }
-
-void AppDelegate::storagePopoverRequestedBarStyleChange(BarStyle style) { changeBarStyle(style); }
-
-void AppDelegate::storagePopoverRequestedSegmentSizingChange(SegmentSizing sizing) {
-    updateSegmentSizing(sizing, true);
-}
-
 void AppDelegate::render() {
-    shell_.showStatusItem(statusItem_);
+    shell_.showStatusItem(statusItemContent(state_));
     shell_.renderPopover(popoverController_.content());
 }
 

@@ -12,13 +12,13 @@
 
 namespace vantry {
 
-/// How the status item was pressed. A click with the control key held is a left one.
+/// How the status item was pressed. A control-click is a left click.
 enum class MouseEvent { leftMouseUp, rightMouseUp };
 
-/// The application's controller: it owns what the status item and the popover show, reads the volume every minute, on
-/// wake and on request, and keeps the wallpaper's colours current. At most one read and one sampling run at a time; a
-/// request that arrives during a read is dropped. Main thread. To be owned by a `std::shared_ptr`: whatever is posted,
-/// scheduled or asked holds it weakly.
+/// The application's controller: it holds the state that the status item, the menu and the popover show, reads the
+/// volume every minute, on wake and on request, and keeps the wallpaper's colours current. At most one read and one
+/// sampling run at a time; a request that arrives during a read is dropped. Main thread. Must be owned by a
+/// `std::shared_ptr`, because posted blocks, timers and observers hold it weakly.
 class AppDelegate : public StoragePopoverDelegate, public std::enable_shared_from_this<AppDelegate> {
 public:
     /// `shell` outlives the delegate.
@@ -27,19 +27,19 @@ public:
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
 
-    /// A left click toggles the popover, a right click opens the menu; without a known event it counts as a left click.
+    /// A left click toggles the popover, a right click opens the menu. An unknown event counts as a left click.
     void statusItemPressed(std::optional<MouseEvent> currentEvent);
     void timerFired();
     void workspaceDidWake();
 
-    /// Reads the volume in the background; the bar, the popover and the tooltip follow.
+    /// Reads the volume in the background, then updates the bar, the popover and the tooltip.
     void refreshStorage();
-    /// Samples the wallpaper in the background, unless the same one was sampled less than 600 seconds ago; `force`
-    /// samples always.
+    /// Samples the wallpaper in the background. Without `force`, does nothing if the same wallpaper was sampled less
+    /// than 600 seconds ago.
     void refreshWallpaperTheme(bool force);
     void applyWallpaperThemeColors(std::vector<Rgba> colors);
 
-    /// Stores and shows the choice. `persist` is accepted for symmetry with the callers; the choice is always stored.
+    /// Stores and shows the choice. `persist` is ignored; the choice is always stored.
     void updatePercentageDisplay(bool enabled, bool persist);
     void updateSegmentSizing(SegmentSizing sizing, bool persist);
     void setLaunchAtLogin(bool enabled);
@@ -54,29 +54,33 @@ public:
         return cleanupWindowController_;
     }
 
-    /// The menu as it is right at this moment, for a host that draws it by itself.
-    [[nodiscard]] ContextMenuContent contextMenu() const;
     void showContextMenu();
-    /// What choosing an item does. An unknown represented object does nothing.
+    /// For a host that draws the menu itself: brings the status item's menu up to date before it is shown.
+    void menuWillOpen();
+    /// An unknown represented object does nothing.
     void performMenuItem(const MenuItemContent& item);
 
-    /// The controls of the popover report here.
+    /// The controls of the popover report to it.
     [[nodiscard]] StoragePopoverViewController& popoverController() { return popoverController_; }
 
     void storagePopoverRequestedRefresh() override;
     void storagePopoverRequestedSettings() override;
     void storagePopoverRequestedCleanup() override;
-    void storagePopoverRequestedQuit() override;
-    void storagePopoverRequestedLoginItemChange(bool enabled) override;
-    void storagePopoverRequestedPercentageChange(bool enabled) override;
-    void storagePopoverRequestedBarStyleChange(BarStyle style) override;
-    void storagePopoverRequestedSegmentSizingChange(SegmentSizing sizing) override;
+    void storagePopoverRequestedQuit() override { shell_.terminate(); }
+    void storagePopoverRequestedLoginItemChange(bool enabled) override { setLaunchAtLogin(enabled); }
+    void storagePopoverRequestedPercentageChange(bool enabled) override { updatePercentageDisplay(enabled, true); }
+    void storagePopoverRequestedBarStyleChange(BarStyle style) override { changeBarStyle(style); }
+    void storagePopoverRequestedSegmentSizingChange(SegmentSizing sizing) override {
+        updateSegmentSizing(sizing, true);
+    }
 
 private:
+    /// Hands the result of `work` to `finish` on the main thread.
+    template <class Work, class Finish>
+    void inBackground(const Work& work, const Finish& finish);
     void configurePopover();
-    void readPreferencesIntoPopover();
+    void readChoices();
     void changeBarStyle(BarStyle style);
-    void showSegmentSizing(SegmentSizing sizing);
     void finishRefresh(const StorageReadResult& result);
     void wallpaperFound(const Screen& screen, const std::optional<std::filesystem::path>& url,
                         const std::string& identity);
@@ -85,18 +89,16 @@ private:
 
     Shell& shell_;
     AppServices services_;
-    StatusItemContent statusItem_;
+    StatusItemState state_;
     StoragePopoverViewController popoverController_;
     std::shared_ptr<CleanupWindowController> cleanupWindowController_;
     std::unique_ptr<Subscription> timer_;
     std::unique_ptr<Subscription> wakeObserver_;
-    std::optional<StorageSnapshot> snapshot_;
     bool refreshInFlight_ = false;
-    std::vector<Rgba> wallpaperThemeColors_;
     std::optional<std::string> wallpaperIdentity_;
     std::optional<SystemTime> wallpaperPaletteUpdatedAt_;
     bool wallpaperRefreshInFlight_ = false;
-    bool wallpaperRefreshForced_ = false; ///< what runs was asked for with force, then or since
+    bool wallpaperRefreshForced_ = false; ///< some request for the current refresh had `force` set
 };
 
 } // namespace vantry

@@ -10,7 +10,7 @@ namespace vantry {
 
 namespace {
 
-// What is to be started at login is found out once: the running copy may be replaced meanwhile.
+// Determined once, because the running copy may be replaced later.
 LoginItemServices loginItemServices() {
     namespace Controller = LaunchAtLoginController;
     const auto environment = Controller::currentEnvironment();
@@ -40,7 +40,8 @@ WallpaperServices wallpaperServices(std::shared_ptr<const WindowList> windows) {
 AppServices makeAppServices(std::shared_ptr<MainQueue> mainQueue, std::shared_ptr<PreferencesStore> preferences,
                             std::shared_ptr<Workspace> workspace, std::shared_ptr<const WindowList> windows,
                             std::vector<std::string> arguments) {
-    return {.mainQueue = std::move(mainQueue),
+    return {.system = hostSystem(),
+            .mainQueue = std::move(mainQueue),
             .backgroundQueue = makeBackgroundQueue(),
             .preferences = std::move(preferences),
             .workspace = std::move(workspace),

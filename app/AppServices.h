@@ -5,6 +5,7 @@
 #include "base/Time.h"
 #include "cleanup/window/CleanupServices.h"
 #include "platform/BackgroundQueue.h"
+#include "platform/HostSystem.h"
 #include "platform/MainQueue.h"
 #include "platform/PreferencesStore.h"
 #include "platform/WindowList.h"
@@ -24,9 +25,9 @@ namespace vantry {
 struct WallpaperServices {
     /// The picture or video that a screen shows; absent when there is none to sample.
     std::function<std::optional<std::filesystem::path>(const Screen&)> currentWallpaperURL;
-    /// A text that changes whenever the file does.
+    /// Changes whenever the file changes.
     std::function<std::string(const std::filesystem::path&)> identity;
-    /// Of the screen's picture, or where that cannot be read of what else there is; absent when nothing can.
+    /// Colours of the screen's picture, or of another source if that cannot be read; absent if none can.
     std::function<std::optional<std::vector<Rgba>>(const Screen&, const std::filesystem::path&, int colorCount)>
         palette;
 };
@@ -38,8 +39,9 @@ struct LoginItemServices {
     std::function<Result<void>()> refreshIfEnabled;
 };
 
-/// All that the application asks of the world around it.
+/// Everything that the application needs from the system.
 struct AppServices {
+    HostSystem system; ///< decides the wording of texts
     std::shared_ptr<MainQueue> mainQueue;
     std::shared_ptr<BackgroundQueue> backgroundQueue;
     std::shared_ptr<PreferencesStore> preferences;
@@ -49,11 +51,11 @@ struct AppServices {
     WallpaperServices wallpaper;
     LoginItemServices loginItem;
     std::function<CleanupServices()> makeCleanupServices; ///< called on first use
-    std::vector<std::string> arguments;                   ///< of the process, without its name
+    std::vector<std::string> arguments;                   ///< of the process, without argv[0]
 };
 
-/// The application's services: what only a front end has, and the real ones for all the rest. There are no defaults, so
-/// that no front end forgets one; only `windows` may be null, where the system does not list windows.
+/// The real services, completed by those that a front end provides. There are no defaults, so that no front end forgets
+/// one. `windows` may be null if the system does not list windows.
 [[nodiscard]] AppServices makeAppServices(std::shared_ptr<MainQueue> mainQueue,
                                           std::shared_ptr<PreferencesStore> preferences,
                                           std::shared_ptr<Workspace> workspace,

@@ -42,14 +42,17 @@ std::optional<InstanceRequest> requestOfSecondStart(std::span<const std::string>
 
 std::string helpText() {
     return "Usage: ombrel [OPTION]\n"
-           "Shows how full the startup volume is as a coloured bar in the menu bar or tray.\n"
+           "Shows how full the startup volume is, as a coloured bar beside the clock.\n"
            "\n"
            "  --show-cleanup   also open the \"Free Up Space\" window\n"
            "  --status         print the volume’s figures and end\n"
            "  --status=json    print them as one JSON object and end\n"
-           "  --report         print what could be cleaned up in the home folder and end; changes nothing\n"
+           "  --report         print what could be cleaned up in the home folder, and on\n"
+           "                   Linux what the caches and stores of programs hold, and end;\n"
+           "                   changes nothing\n"
            "  --report=json    print that as one JSON object and end\n"
-           "  --running ID     for a report: the application with this bundle identifier is running (repeatable)\n"
+           "  --running ID     for a report: the application with this bundle identifier is\n"
+           "                   running (repeatable)\n"
            "  --help           print this and end\n"
            "  --version        print the version and end\n"
            "\n"
@@ -57,13 +60,5 @@ std::string helpText() {
 }
 
 std::string versionText() { return "Ombrel " OMBREL_VERSION "\n"; }
-
-int runEntry(const std::vector<std::string>& arguments, const EntrySteps& steps) {
-    if (steps.runFilesystemWorkerIfRequested(arguments))
-        return 0;
-    if (const auto status = steps.runInTerminal(launchMode(arguments), arguments))
-        return *status;
-    return steps.runUserInterface(arguments);
-}
 
 } // namespace vantry

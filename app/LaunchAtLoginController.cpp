@@ -30,7 +30,7 @@ std::optional<std::string> bytesIfReadable(const std::filesystem::path& file) {
     return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
-// What is there already is not written again: macOS may announce each writing as a new item in the background.
+// Unchanged files are not written again, because macOS may announce every write as a new background item.
 Result<void> writeWithFolder(const std::filesystem::path& file, const std::string& contents) {
     std::error_code failure;
     if (std::filesystem::is_regular_file(std::filesystem::symlink_status(file, failure)) &&
@@ -42,15 +42,15 @@ Result<void> writeWithFolder(const std::filesystem::path& file, const std::strin
     return writeFileAtomically(file, contents, readableByAll);
 }
 
-// Only ever the file itself: a folder in its place stays.
+// Removes a file only; a folder with that name stays.
 Result<void> removeFile(const std::filesystem::path& file) {
     if (fileExists(file) && unlink(file.c_str()) != 0 && errno != ENOENT)
         return std::unexpected(errorFromErrno(errno, file.native()));
     return {};
 }
 
-// The copies that may be started at login, the preferred one first; never empty. A copy that lies anywhere, in a build
-// tree for instance, counts only while none is installed.
+// The copies that may be started at login, the preferred one first; never empty. A copy elsewhere, in a build tree for
+// instance, counts only if none is installed.
 std::vector<std::filesystem::path> applicationsToStart(const Environment& environment) {
     std::vector<std::filesystem::path> applications;
     if (std::ranges::find(environment.installedApplications, environment.runningApplication) ==

@@ -8,16 +8,16 @@
 
 namespace vantry {
 
-/// "Launch at Login": a launch agent's property list in the user's launch-agents folder, and on Linux the desktop's
-/// autostart entry with it. These files are the setting; nothing else is kept. What they say takes effect at the next
-/// login. Blocking (small files); main thread.
+/// "Launch at Login": a launch agent's property list in the user's launch-agents folder and, on Linux, a desktop
+/// autostart entry. These files are the setting; there is no other store. They take effect at the next login. Blocking
+/// (small files); main thread.
 namespace LaunchAtLoginController {
 
-/// What the operations act on; the real one is `currentEnvironment()`.
+/// What the operations act on. `currentEnvironment()` is the real one.
 struct Environment {
     std::filesystem::path home;
     std::filesystem::path runningApplication;
-    /// The first of these that is an application is preferred to a running copy that is none of them.
+    /// The first of these that is an application is started, unless the running copy is one of them.
     std::vector<std::filesystem::path> installedApplications;
 };
 
@@ -28,17 +28,16 @@ inline constexpr const char* label = "app.ombrel.Ombrel";
 
 [[nodiscard]] std::filesystem::path launchAgentURL(const Environment& environment);
 
-/// Whether a file stands there (a folder or a dangling link is no file) and, on systems that need an autostart entry,
-/// the desktop honours the one that stands beside it.
+/// Whether the agent file exists (a folder or a dangling link does not count) and, on systems that need an autostart
+/// entry, the desktop honours that entry.
 [[nodiscard]] bool isEnabled(const Environment& environment);
 
-/// Writes the agent, or removes it, and on systems that need one the autostart entry with it: both or, when something
-/// fails, neither; the error is the system's.
+/// Writes or removes the agent file and, on systems that need one, the autostart entry. If one of them fails, neither
+/// changes, and the error is the system's.
 [[nodiscard]] Result<void> setEnabled(const Environment& environment, bool enabled);
 
-/// When enabled, writes the files anew for where the application is. An autostart entry that starts the right copy
-/// already is left alone with what the user added to it, as is one that starts an installed copy while this one is not
-/// installed.
+/// If enabled, rewrites the files for the application's current place. An autostart entry that already starts the right
+/// copy is kept with the user's changes, and so is one that starts an installed copy while this one is not installed.
 [[nodiscard]] Result<void> refreshIfEnabled(const Environment& environment);
 
 } // namespace LaunchAtLoginController

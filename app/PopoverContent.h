@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/HostSystem.h"
 #include "rendering/SolidSwatchView.h"
 #include "rendering/VantryView.h"
 
@@ -52,9 +53,11 @@ struct PopoverContent {
     LabelContent usedTitleLabel{"Used"};
     SolidSwatchView usedSwatchView{SolidSwatchView::Kind::used};
     LabelContent usedValueLabel{"—"};
+    std::string usedTooltip; ///< of the two labels; says what is counted
     LabelContent availableTitleLabel{"Available"};
     SolidSwatchView availableSwatchView{SolidSwatchView::Kind::available};
     LabelContent availableValueLabel{"—"};
+    std::string availableTooltip;
     LabelContent detailLabel{
         "The color strip shows total used space with the macOS Storage palette. Open Storage Settings "
         "for Apple’s category breakdown.",
@@ -76,5 +79,21 @@ struct PopoverContent {
 
     bool operator==(const PopoverContent&) const = default;
 };
+
+/// What the popover shows is computed from this. A choice is absent until it is known.
+struct PopoverState {
+    HostSystem system;
+    std::optional<StorageSnapshot> snapshot;
+    std::optional<std::string> volumeName; ///< stays when the snapshot goes
+    std::optional<bool> launchesAtLogin;
+    bool showsUsedPercentage = false;
+    std::optional<BarStyle> barStyle;
+    std::optional<SegmentSizing> segmentSizing;
+    bool explainsBarStyle = false; ///< false: the detail is the introduction
+    std::optional<std::vector<Rgba>> themeColors;
+    std::optional<std::string> error;
+};
+
+[[nodiscard]] PopoverContent popoverContent(const PopoverState& state);
 
 } // namespace vantry

@@ -7,11 +7,11 @@
 
 namespace vantry {
 
-/// Connects what reaches the process from outside with the application: later starts open the popover or the cleanup
-/// window, a termination signal ends the event loop. Does so until it is destroyed. Main thread.
+/// Handles events from outside the process: a second start opens the popover or the cleanup window, and a termination
+/// signal ends the event loop. Active during its lifetime. Main thread.
 class ProcessEvents {
 public:
-    /// `instance` may be null; `terminationDescriptor` is -1 where signals are not caught.
+    /// `instance` may be null; `terminationDescriptor` is -1 if signals are not caught.
     ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDelegate> delegate,
                   std::unique_ptr<SingleInstance> instance, int terminationDescriptor);
 

@@ -1,12 +1,15 @@
 #include "app/ReportText.h"
 
+#include "base/ByteSum.h"
 #include "base/Format.h"
+#include "base/Text.h"
 #include "base/Utf8.h"
+#include "cleanup/model/CleanupAvenue.h"
 #include "platform/TextFormat.h"
 
 #include <algorithm>
-#include <limits>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -39,6 +42,22 @@ public:
         return colored_ ? formatted("{}{}\x1b[0m", escapeSequence(style), text) : std::string(text);
     }
     void line(std::string_view text = {}) { text_ += formatted("{}\n", text); }
+    /// Wraps at the terminal's width. All lines are indented, continuation lines by two more.
+    void paragraph(std::string_view text, std::size_t indent) {
+        constexpr std::size_t width = 80;
+        std::string current(indent, ' ');
+        bool isEmpty = true;
+        for (const auto word : std::views::split(text, ' ')) {
+            if (!isEmpty && current.size() + 1 + word.size() > width) {
+                line(current);
+                current.assign(indent + 2, ' ');
+                isEmpty = true;
+            }
+            current += (isEmpty ? "" : " ") + std::string(word.begin(), word.end());
+            isEmpty = false;
+        }
+        line(current);
+    }
     void heading(std::string_view text) {
         line();
         line(styled(Style::heading, text));
@@ -50,29 +69,11 @@ private:
     bool colored_;
 };
 
-// Whether the UTF-8 at the begin of `text` is a character that would move a terminal's cursor, change its state, or let
-// a name look like another: the controls, and what sets the direction of writing.
-bool isControl(std::string_view text, std::size_t& length) {
-    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-    length = 1;
-    if (byte(0) < 0x20 || byte(0) == 0x7f)
-        return true;
-    length = 2;
-    if ((byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) <= 0x9f) || (byte(0) == 0xd8 && byte(1) == 0x9c))
-        return true;
-    length = 3;
-    if (byte(0) != 0xe2)
-        return false;
-    return (byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f || (byte(2) >= 0xa8 && byte(2) <= 0xae))) ||
-           (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9);
-}
-
 std::string printable(std::string_view text) {
     std::string result;
     const std::string valid = withReplacementCharacters(text);
     for (std::string_view rest = valid; !rest.empty();) {
-        std::size_t length = 0;
-        if (isControl(rest, length)) {
+        if (const auto length = deceptiveLength(rest); length != 0) {
             for (const char character : rest.substr(0, length))
                 result += formatted("\\x{:02x}", static_cast<unsigned char>(character));
             rest.remove_prefix(length);
@@ -91,16 +92,11 @@ std::string shortPath(const std::filesystem::path& path, const std::filesystem::
     return printable(path.native());
 }
 
-std::string countText(std::size_t count, std::string_view one, std::string_view several) {
-    return formatted("{} {}", count, count == 1 ? one : several);
-}
-
 std::int64_t sumOfSizes(const std::vector<CleanupCandidate>& candidates, bool lowRiskOnly) {
     std::int64_t sum = 0;
     for (const auto& candidate : candidates)
         if (!lowRiskOnly || candidate.canMoveToTrash())
-            if (__builtin_add_overflow(sum, candidate.size, &sum))
-                return std::numeric_limits<std::int64_t>::max();
+            addBytes(sum, candidate.size);
     return sum;
 }
 
@@ -129,29 +125,30 @@ void appendTotals(Report& report, const CleanupScanReport& scanned) {
     }
     const auto lowRisk = static_cast<std::size_t>(
         std::ranges::count_if(scanned.candidates, [](const auto& candidate) { return candidate.canMoveToTrash(); }));
-    report.line(formatted("{} to review, {}; {}", countText(scanned.candidates.size(), "item", "items"),
+    report.line(formatted("{} to review, {}; {}", countText(scanned.candidates.size(), "item"),
                           byteCountText(sumOfSizes(scanned.candidates, false)),
                           lowRisk == 0 ? "none of them low risk"
                                        : formatted("{} of them low risk, {}", lowRisk,
                                                    byteCountText(sumOfSizes(scanned.candidates, true)))));
 }
 
-void appendCandidates(Report& report, const CleanupScanReport& scanned, const std::filesystem::path& home) {
+void appendCandidates(Report& report, const CleanupScanReport& scanned, const std::filesystem::path& home,
+                      HostSystem system) {
     for (const auto& row : allCleanupAreas) {
         bool first = true;
         for (const auto& candidate : scanned.candidates) {
             if (area(candidate.category) != row.value)
                 continue;
             if (std::exchange(first, false))
-                report.heading(row.title);
+                report.heading(inWordsOf(system, row.title));
             const auto style = candidate.confidence == CleanupConfidence::suggested ? Style::lowRisk : Style::review;
             report.line(formatted("{:>10}  {}  {}", byteCountText(candidate.size),
                                   report.styled(style, formatted("{:<12}", rawValue(candidate.confidence))),
                                   printable(candidate.title)));
-            report.line(formatted("{:26}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
-            report.line(formatted("{:26}{}", "", candidate.reason));
+            report.line(formatted("{:12}{}", "", report.styled(Style::faded, shortPath(candidate.url, home))));
+            report.paragraph(inWordsOf(system, candidate.reason), 12);
             if (scanned.sizeIsLowerBound(candidate))
-                report.line(formatted("{:26}At least {}; measuring stopped early", "", byteCountText(candidate.size)));
+                report.line(formatted("{:12}At least {}; measuring stopped early", "", byteCountText(candidate.size)));
         }
     }
 }
@@ -172,20 +169,22 @@ std::string_view explanation(CleanupScanState state) {
     return "";
 }
 
-void appendCategories(Report& report, const CleanupScanReport& scanned) {
+void appendCategories(Report& report, const CleanupScanReport& scanned, HostSystem system) {
     report.heading("Checked places");
     for (const auto& row : allCleanupCategories) {
         const auto state = scanned.states.at(row.value);
+        if (state == CleanupScanState::notPresent && system != HostSystem::macOS)
+            continue; // most places of a Mac are missing
         const auto& metric = scanned.metrics.at(row.value);
-        const std::string title = formatted("{:<22}", vantry::title(state));
-        std::string line =
-            formatted("  {:<26}{}{:>20}", row.rawValue, isTrouble(state) ? report.styled(Style::warning, title) : title,
-                      state == CleanupScanState::notPresent ? "" : amountText(metric.occupied));
-        if (metric.reviewableItemCount != 0)
-            line +=
-                formatted("  {}, {}", countText(static_cast<std::size_t>(metric.reviewableItemCount), "item", "items"),
-                          byteCountText(metric.reviewableBytes));
+        const std::string title = formatted("{:<22}", inWordsOf(system, vantry::title(state)));
+        std::string line = formatted("  {:<26}{}{:>20}", inWordsOf(system, row.rawValue),
+                                     isTrouble(state) ? report.styled(Style::warning, title) : title,
+                                     state == CleanupScanState::notPresent ? "" : amountText(metric.occupied));
         report.line(line.substr(0, line.find_last_not_of(' ') + 1));
+        if (metric.reviewableItemCount != 0)
+            report.line(formatted("{:28}{} to review, {}", "",
+                                  countText(static_cast<std::size_t>(metric.reviewableItemCount), "item"),
+                                  byteCountText(metric.reviewableBytes)));
     }
     bool first = true;
     for (const auto& row : allCleanupCategories) {
@@ -194,30 +193,49 @@ void appendCategories(Report& report, const CleanupScanReport& scanned) {
             continue;
         if (std::exchange(first, false))
             report.heading("Not checked completely");
-        report.line(formatted("  {}: {}", row.rawValue, explanation(state)));
+        report.paragraph(formatted("{}: {}", inWordsOf(system, row.rawValue), explanation(state)), 2);
     }
 }
 
-std::string percentEncoded(std::string_view bytes) {
-    std::string result;
-    for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
-        const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                           (byte >= '0' && byte <= '9') ||
-                           std::string_view("-._~/").find(character) != std::string_view::npos;
-        result += plain ? std::string(1, character) : formatted("%{:02X}", byte);
+const GuideUsage* measured(const CleanupAvenue& avenue, const CleanupScanReport& scanned) {
+    const auto found = scanned.guide.find(std::string(avenue.identifier));
+    return found == scanned.guide.end() ? nullptr : &found->second;
+}
+
+void appendGuide(Report& report, const CleanupScanReport& scanned, const std::filesystem::path& home,
+                 HostSystem system) {
+    bool first = true;
+    for (const auto& avenue : CleanupAvenue::catalog(system)) {
+        const auto* usage = measured(avenue, scanned);
+        if (!usage || usage->state == CleanupScanState::notPresent)
+            continue;
+        if (std::exchange(first, false))
+            report.heading("Other places, which Ombrel only measures");
+        const auto bytes = usage->occupied.knownBytes();
+        const auto remark = !bytes                      ? ": " + std::string(title(usage->state))
+                            : usage->occupied.isExact() ? ""
+                                                        : ", at least";
+        report.line(formatted("{:>10}  {}{}", bytes ? byteCountText(*bytes) : "", avenue.title, remark));
+        for (const auto& path : usage->paths)
+            report.line(formatted("{:12}{}", "", report.styled(Style::faded, shortPath(path, home))));
+        if (!usage->note.empty())
+            report.paragraph(usage->note, 12);
+        if (!avenue.command.empty())
+            report.line(formatted("{:12}{}", "", avenue.command));
     }
-    return result;
 }
 
 Json storageJson(const std::optional<StorageSnapshot>& storage) {
     if (!storage)
         return nullptr;
-    return {{"volumeName", storage->volumeName},
-            {"totalBytes", storage->totalBytes},
-            {"availableBytes", storage->availableBytes},
-            {"usedBytes", storage->usedBytes()},
-            {"updatedAt", iso8601Text(storage->updatedAt)}};
+    Json object{{"volumeName", storage->volumeName},
+                {"totalBytes", storage->totalBytes},
+                {"availableBytes", storage->availableBytes},
+                {"usedBytes", storage->usedBytes()},
+                {"updatedAt", iso8601Text(storage->updatedAt)}};
+    if (storage->reservedBytes)
+        object["reservedBytes"] = *storage->reservedBytes;
+    return object;
 }
 
 Json candidateJson(const CleanupCandidate& candidate, bool sizeIsLowerBound) {
@@ -229,12 +247,15 @@ Json candidateJson(const CleanupCandidate& candidate, bool sizeIsLowerBound) {
         object["pathEncoded"] = percentEncoded(path);
     object["title"] = candidate.title;
     object["category"] = rawValue(candidate.category);
+    object["categoryId"] = identifier(candidate.category);
     object["area"] = title(area(candidate.category));
+    object["areaId"] = identifier(area(candidate.category));
     object["reason"] = candidate.reason;
     object["sizeBytes"] = candidate.size;
     object["sizeIsLowerBound"] = sizeIsLowerBound;
     object["confidence"] = rawValue(candidate.confidence);
     object["disposition"] = title(candidate.removalDisposition());
+    object["dispositionId"] = identifier(candidate.removalDisposition());
     object["modifiedAt"] =
         candidate.scannedModificationDate ? Json(iso8601Text(*candidate.scannedModificationDate)) : Json(nullptr);
     return object;
@@ -246,14 +267,32 @@ Json amountJson(const CleanupByteAmount& amount) {
     return {{"kind", amount.isExact() ? "exact" : "atLeast"}, {"bytes", *amount.knownBytes()}};
 }
 
+Json guideJson(const CleanupAvenue& avenue, const GuideUsage& usage) {
+    Json paths = Json::array();
+    for (const auto& path : usage.paths)
+        paths.push_back(path.native());
+    return {{"guideId", avenue.identifier},
+            {"title", avenue.title},
+            {"area", title(avenue.area)},
+            {"areaId", identifier(avenue.area)},
+            {"state", title(usage.state)},
+            {"stateId", identifier(usage.state)},
+            {"occupied", amountJson(usage.occupied)},
+            {"paths", std::move(paths)},
+            {"note", usage.note.empty() ? Json(nullptr) : Json(usage.note)},
+            {"command", avenue.command.empty() ? Json(nullptr) : Json(avenue.command)}};
+}
+
 } // namespace
 
-std::string reportText(const CleanupScanReport& scanned, const std::filesystem::path& home, bool colored) {
+std::string reportText(const CleanupScanReport& scanned, const std::filesystem::path& home, bool colored,
+                       HostSystem system) {
     Report report(colored);
     appendStorage(report, scanned.storageSnapshot);
     appendTotals(report, scanned);
-    appendCandidates(report, scanned, home);
-    appendCategories(report, scanned);
+    appendCandidates(report, scanned, home, system);
+    appendCategories(report, scanned, system);
+    appendGuide(report, scanned, home, system);
     report.line();
     report.line(report.styled(Style::faded,
                               formatted("Checked in {:.1f} seconds; nothing was changed.", scanned.duration.count())));
@@ -270,11 +309,17 @@ std::string reportJson(const CleanupScanReport& scanned) {
     object["categories"] = Json::object();
     for (const auto& row : allCleanupCategories) {
         const auto& metric = scanned.metrics.at(row.value);
-        object["categories"][std::string(row.rawValue)] = {{"state", title(scanned.states.at(row.value))},
+        object["categories"][std::string(row.rawValue)] = {{"categoryId", row.identifier},
+                                                           {"state", title(scanned.states.at(row.value))},
+                                                           {"stateId", identifier(scanned.states.at(row.value))},
                                                            {"occupied", amountJson(metric.occupied)},
                                                            {"reviewableBytes", metric.reviewableBytes},
                                                            {"reviewableItemCount", metric.reviewableItemCount}};
     }
+    object["guide"] = Json::array();
+    for (const auto& avenue : CleanupAvenue::catalog(HostSystem::linuxDesktop))
+        if (const auto* usage = measured(avenue, scanned))
+            object["guide"].push_back(guideJson(avenue, *usage));
     return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -8,8 +8,10 @@
 namespace vantry {
 
 /// A front end: it draws the values it is given and forwards clicks to `AppDelegate`. Main thread.
-class Shell : public CleanupWindowShell {
+class Shell {
 public:
+    virtual ~Shell() = default;
+
     /// No Dock icon, no main menu, no window that keeps the application in the foreground.
     virtual void becomeAccessory() = 0;
 
@@ -24,6 +26,9 @@ public:
     [[nodiscard]] virtual bool popoverIsShown() const = 0;
 
     virtual void popUpContextMenu(const ContextMenuContent& content) = 0;
+
+    /// The "Free Up Space" window, created by the first call.
+    [[nodiscard]] virtual CleanupWindowShell& cleanupWindowShell() = 0;
 
     /// Ends the event loop soon.
     virtual void terminate() = 0;

@@ -63,7 +63,7 @@ Result<std::unique_ptr<SingleInstance>> SingleInstance::claim(const std::filesys
             return nullptr;
         return std::unexpected(errorFromErrno(errno, lockFile.native()));
     }
-    // Whoever holds the lock owns the socket's name; one that a crashed instance left behind is in the way.
+    // The holder of the lock owns the socket's name and removes a socket that a crashed instance left behind.
     auto path = socketPath(folder, name);
     const auto address = addressOf(path);
     if (!address)
@@ -90,7 +90,7 @@ Result<void> SingleInstance::ask(const std::filesystem::path& folder, const std:
     for (const auto giveUp = std::chrono::steady_clock::now() + patience;;) {
         if (sendto(socket->get(), word.data(), word.size(), 0, generic(*address), sizeof *address) >= 0)
             return {};
-        // The other instance may hold the lock and not listen yet.
+        // The other instance may hold the lock without listening yet.
         const bool mayStillCome = errno == ENOENT || errno == ECONNREFUSED || errno == EAGAIN || errno == EINTR;
         if (!mayStillCome || std::chrono::steady_clock::now() >= giveUp)
             return std::unexpected(errorFromErrno(errno, path.native()));
@@ -127,9 +127,9 @@ void SingleInstance::touch() const {
 }
 
 std::string instanceName(const std::filesystem::path& home, const std::string& session) {
-    // FNV-1a, 64 bits: a short file name, the same in every start.
+    // FNV-1a with 64 bits, for a short and stable file name.
     std::uint64_t hash = 14695981039346656037U;
-    const auto folder = (home / "").lexically_normal(); // with a slash at its end, whether or not it came with one
+    const auto folder = (home / "").lexically_normal(); // always with a slash at the end
     for (const char byte : folder.native() + '\0' + session) {
         hash ^= static_cast<unsigned char>(byte);
         hash *= 1099511628211U;

@@ -13,15 +13,15 @@ namespace vantry {
 /// What a second start asks of the running instance.
 enum class InstanceRequest { showPopover, showCleanup };
 
-/// The one Ombrel of a user session and home folder. It holds a lock, which the system releases however the process
-/// ends, and listens on a socket beside it for what later starts ask. Main thread.
+/// The only running Ombrel of a user session and home folder. It holds a lock, which the system releases however the
+/// process ends, and listens on a socket for requests of later starts. Main thread.
 class SingleInstance {
 public:
-    /// Becomes the instance called `name` in `folder`. Null when another process is it already; an error when that
-    /// cannot be told, so that the caller may go on without this.
+    /// Becomes the instance called `name` in `folder`. Null if another process already is; an error if that is unknown,
+    /// and the caller may continue without an instance.
     [[nodiscard]] static Result<std::unique_ptr<SingleInstance>> claim(const std::filesystem::path& folder,
                                                                        const std::string& name);
-    /// Hands `request` to the running instance, waiting up to two seconds for one that is just starting.
+    /// Sends `request` to the running instance. Waits up to two seconds for one that is still starting.
     [[nodiscard]] static Result<void> ask(const std::filesystem::path& folder, const std::string& name,
                                           InstanceRequest request);
 
@@ -31,9 +31,9 @@ public:
 
     /// Readable whenever a request waits.
     [[nodiscard]] int descriptor() const { return socket_.get(); }
-    /// The next waiting request; absent when none waits. What is no request is passed over.
+    /// The next waiting request, if any. Unknown messages are skipped.
     [[nodiscard]] std::optional<InstanceRequest> receive();
-    /// Dates lock and socket anew: the system removes what is some days old from the folder.
+    /// Updates the timestamps of the lock and the socket, because the system removes old files from the folder.
     void touch() const;
 
 private:
@@ -44,7 +44,7 @@ private:
     std::filesystem::path socketPath_;
 };
 
-/// The name that all starts with this home folder in this graphical session share.
+/// The instance name for this home folder and graphical session.
 [[nodiscard]] std::string instanceName(const std::filesystem::path& home, const std::string& session);
 
 } // namespace vantry

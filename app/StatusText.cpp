@@ -18,15 +18,17 @@ std::string statusText(const StorageSnapshot& snapshot) {
 }
 
 std::string statusJson(const StorageSnapshot& snapshot) {
-    const nlohmann::ordered_json object{{"volumeName", snapshot.volumeName},
-                                        {"totalBytes", snapshot.totalBytes},
-                                        {"usedBytes", snapshot.usedBytes()},
-                                        {"availableBytes", snapshot.availableBytes},
-                                        {"totalText", byteCountText(snapshot.totalBytes)},
-                                        {"usedText", byteCountText(snapshot.usedBytes())},
-                                        {"availableText", byteCountText(snapshot.availableBytes)},
-                                        {"usedFraction", snapshot.usedFraction()},
-                                        {"updatedAt", iso8601Text(snapshot.updatedAt)}};
+    nlohmann::ordered_json object{{"volumeName", snapshot.volumeName},
+                                  {"totalBytes", snapshot.totalBytes},
+                                  {"usedBytes", snapshot.usedBytes()},
+                                  {"availableBytes", snapshot.availableBytes},
+                                  {"totalText", byteCountText(snapshot.totalBytes)},
+                                  {"usedText", byteCountText(snapshot.usedBytes())},
+                                  {"availableText", byteCountText(snapshot.availableBytes)},
+                                  {"usedFraction", snapshot.usedFraction()},
+                                  {"updatedAt", iso8601Text(snapshot.updatedAt)}};
+    if (snapshot.reservedBytes)
+        object["reservedBytes"] = *snapshot.reservedBytes;
     return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 

@@ -10,7 +10,7 @@ namespace vantry {
 
 namespace {
 
-// A signal handler can reach nothing else.
+// Global, because a signal handler can reach nothing else.
 int writeEnd = -1;
 
 void handleTermination(int) {

@@ -4,9 +4,9 @@
 
 namespace vantry {
 
-/// Makes SIGTERM, SIGINT and SIGHUP something that the event loop can read, so that the application ends as it does by
-/// its menu. The handlers stay for the life of the process. Main thread, once. The result is a descriptor that has one
-/// byte to read for the first of the signals; the same signal once more ends the process at once.
+/// Lets the event loop handle SIGTERM, SIGINT and SIGHUP, so that the application quits as from its menu. Returns a
+/// descriptor with one byte to read after the first signal; the same signal again ends the process at once. The
+/// handlers stay installed. Main thread, call once.
 [[nodiscard]] Result<int> catchTerminationSignals();
 
 } // namespace vantry

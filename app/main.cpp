@@ -2,8 +2,9 @@
 #include "app/ReportText.h"
 #include "app/ShellEntry.h"
 #include "app/StatusText.h"
-#include "cleanup/scan/CleanupScanner.h"
-#include "cleanup/scan/FilesystemWorker.h"
+#include "cleanup/finding/CleanupScanner.h"
+#include "cleanup/finding/GuideMeasurement.h"
+#include "cleanup/measuring/FilesystemWorker.h"
 #include "platform/Picture.h"
 #include "platform/ShellModule.h"
 #include "platform/UserSession.h"
@@ -42,7 +43,7 @@ bool understandsEscapes(int fd) {
     return isatty(fd) == 1 && terminal && std::string_view(terminal) != "dumb";
 }
 
-// On a terminal, while there is nothing to see yet.
+// Shown on a terminal during the scan.
 class ProgressLine {
 public:
     ProgressLine() {
@@ -67,7 +68,9 @@ bool wantsColors() {
 
 CleanupScanReport scanWithProgress(const ScanEnvironment& environment, std::span<const std::string> arguments) {
     const ProgressLine progress;
-    return CleanupScanner::scan(environment, runningBundleIdentifiers(arguments));
+    auto report = CleanupScanner::scan(environment, runningBundleIdentifiers(arguments));
+    report.guide = CleanupScanner::measureGuide(environment, [] { return true; });
+    return report;
 }
 
 int printReport(bool json, std::span<const std::string> arguments) {
@@ -77,7 +80,8 @@ int printReport(bool json, std::span<const std::string> arguments) {
     if (!environment)
         return fail(environment.error().message);
     const auto report = scanWithProgress(*environment, arguments);
-    return printOut(json ? reportJson(report) : reportText(report, environment->home, wantsColors()));
+    return printOut(json ? reportJson(report)
+                         : reportText(report, environment->places.home, wantsColors(), hostSystem()));
 }
 
 std::optional<int> runInTerminal(LaunchMode mode, std::span<const std::string> arguments) {
@@ -103,7 +107,7 @@ int runUserInterface(std::vector<std::string> arguments) {
             const auto request = requestOfSecondStart(launch.arguments);
             if (!request || SingleInstance::ask(*folder, name, *request))
                 return EXIT_SUCCESS;
-            instance = SingleInstance::claim(*folder, name); // it may have been about to end
+            instance = SingleInstance::claim(*folder, name); // the other process may have been about to exit
             if (instance && !*instance)
                 return fail("Ombrel runs already and does not answer.");
         }
@@ -122,12 +126,14 @@ int runUserInterface(std::vector<std::string> arguments) {
 
 int main(int argumentCount, char** argumentValues) {
     using namespace vantry;
-    std::signal(SIGCHLD, SIG_DFL); // whoever started this may ignore it, and then no worker could be waited for
+    std::signal(SIGCHLD, SIG_DFL); // if the parent process ignores it, no worker can be waited for
     const std::vector<std::string> arguments(argumentValues + std::min(argumentCount, 1),
                                              argumentValues + argumentCount);
     if (const auto status = runPictureWorkerIfRequested(arguments))
-        std::_Exit(*status); // past what decoders would still tidy up, with threads of theirs running
-    return runEntry(arguments, {.runFilesystemWorkerIfRequested = CleanupScanner::runFilesystemWorkerIfRequested,
-                                .runInTerminal = runInTerminal,
-                                .runUserInterface = runUserInterface});
+        std::_Exit(*status); // without the cleanup of decoders whose threads still run
+    if (CleanupScanner::runFilesystemWorkerIfRequested(arguments))
+        return EXIT_SUCCESS;
+    if (const auto status = runInTerminal(launchMode(arguments), arguments))
+        return *status;
+    return runUserInterface(arguments);
 }

@@ -1,6 +1,7 @@
 #include "base/AtomicFile.h"
 
 #include "base/UniqueFd.h"
+#include "base/WriteAll.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -16,51 +17,37 @@ std::unexpected<Error> failed(const std::filesystem::path& path) {
     return std::unexpected(errorFromErrno(errno, path.native()));
 }
 
-bool writeAll(int fd, std::string_view contents) {
-    while (!contents.empty()) {
-        const ssize_t written = write(fd, contents.data(), contents.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return false;
-        contents.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 } // namespace
 
 std::filesystem::path draftOf(const std::filesystem::path& file) {
     return file.parent_path() / ("." + file.filename().native() + ".new");
 }
 
-Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode,
-                                 Durability durability) {
+Result<void> writeFileAtomically(const std::filesystem::path& file, std::string_view contents, mode_t mode) {
     const auto draft = draftOf(file);
-    if (unlink(draft.c_str()) != 0 && errno != ENOENT)
-        return failed(file);
-    UniqueFd fd(open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    const auto created = [&draft] {
+        return open(draft.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    };
+    UniqueFd fd(created());
+    if (!fd && errno == EEXIST && unlink(draft.c_str()) == 0)
+        fd.reset(created());
     if (!fd)
         return failed(file);
-    const bool complete = writeAll(fd.get(), contents) && fchmod(fd.get(), mode) == 0 &&
-                          (durability == Durability::unsynced || fsync(fd.get()) == 0) &&
-                          rename(draft.c_str(), file.c_str()) == 0;
-    if (!complete) {
-        const auto error = failed(file);
+    if (const int error = writeAll(fd.get(), contents);
+        error != 0 || fchmod(fd.get(), mode) != 0 || fsync(fd.get()) != 0 || rename(draft.c_str(), file.c_str()) != 0) {
+        const auto failure = errorFromErrno(error != 0 ? error : errno, file.native());
         unlink(draft.c_str());
-        return error;
+        return std::unexpected(failure);
     }
-    if (durability == Durability::synced) {
-        // The file is whole and in its place, also when its folder cannot be synced.
-        const UniqueFd folder(open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (folder)
-            fsync(folder.get());
-    }
+    // The file is complete and in its place, even if its folder cannot be synced.
+    const UniqueFd folder(open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder)
+        fsync(folder.get());
     return {};
 }
 
 Result<std::string> readSmallFile(const std::filesystem::path& file, std::size_t limit) {
-    // A fifo in place of the file must not hold up the caller.
+    // O_NONBLOCK: a FIFO in place of the file must not block the caller.
     const UniqueFd fd(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat facts = {};
     if (!fd || fstat(fd.get(), &facts) != 0)

@@ -44,7 +44,7 @@ std::optional<std::string> bytesOfBase64(std::string_view text) {
     if (padding > 2)
         return std::nullopt;
     bytes.resize(bytes.size() - padding);
-    // Padding in the wrong place, or bits that say nothing, come out as another text.
+    // Misplaced padding and stray bits show when the bytes are encoded again.
     if (base64Text(bytes) != text)
         return std::nullopt;
     return bytes;

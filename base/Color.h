@@ -4,7 +4,7 @@
 
 namespace vantry {
 
-/// What an interface looks like around a colour. "No appearance known" is an absent `std::optional<Appearance>`.
+/// The appearance of the interface. An unknown one is an absent `std::optional<Appearance>`.
 enum class Appearance { light, dark };
 
 /// sRGB components, 0 to 1, alpha not premultiplied.
@@ -40,7 +40,7 @@ enum class SystemColor {
     windowBackground,
 };
 
-/// A role that keeps following the appearance, with an alpha factor of its own.
+/// A role that follows the appearance, with its own alpha factor.
 struct DynamicColor {
     SystemColor role = SystemColor::label;
     double alpha = 1;
@@ -48,7 +48,7 @@ struct DynamicColor {
     bool operator==(const DynamicColor&) const = default;
 };
 
-/// What a canvas is given to paint with.
+/// The colours that a canvas accepts.
 using Color = std::variant<Rgba, DynamicColor>;
 
 } // namespace vantry

@@ -4,7 +4,7 @@
 
 namespace vantry {
 
-/// The moment at which work has to stop. Steady: a clock that is set moves no deadline.
+/// The moment at which work has to stop. Setting the system's clock does not move it.
 using Deadline = std::chrono::steady_clock::time_point;
 
 [[nodiscard]] inline Deadline deadlineIn(std::chrono::nanoseconds duration) {

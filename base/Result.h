@@ -6,7 +6,7 @@
 
 namespace vantry {
 
-/// What a caller may want to branch on; `system` is everything without a kind of its own.
+/// What a caller may want to branch on; `system` is everything else.
 enum class ErrorKind { notFound, permissionDenied, noSpace, timedOut, unsupported, invalid, system };
 
 /// A failure as a value: branch on `kind`, show `message`.

@@ -14,7 +14,7 @@ struct Form {
     unsigned char leadMask;
 };
 
-// How many bytes the well-formed code point at the begin of `text`, which is not empty, has; 0 when there is none.
+// The length in bytes of the code point at the start of `text`, which is not empty; 0 if it is malformed.
 std::size_t codePointLength(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     Form form{};

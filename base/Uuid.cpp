@@ -4,30 +4,15 @@
 #include <cstddef>
 #include <random>
 #include <string_view>
-#include <sys/random.h>
 
 namespace vantry {
 
-namespace {
-
-using Bytes = std::array<unsigned char, 16>;
-
-Bytes randomBytes() {
-    Bytes bytes{};
-    if (getentropy(bytes.data(), bytes.size()) == 0)
-        return bytes;
-    // A sandbox may refuse the call; the library knows other sources.
-    std::random_device source;
-    for (auto& byte : bytes)
-        byte = static_cast<unsigned char>(source());
-    return bytes;
-}
-
-} // namespace
-
 std::string randomUuid() {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    Bytes bytes = randomBytes();
+    std::random_device source;
+    std::array<unsigned char, 16> bytes{};
+    for (auto& byte : bytes)
+        byte = static_cast<unsigned char>(source());
     bytes[6] = static_cast<unsigned char>(0x40 | (bytes[6] & 0x0f)); // version 4
     bytes[8] = static_cast<unsigned char>(0x80 | (bytes[8] & 0x3f)); // the variant of RFC 9562
     std::string text;

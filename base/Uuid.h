@@ -4,7 +4,7 @@
 
 namespace vantry {
 
-/// A fresh random UUID (RFC 9562, version 4) as text: 8-4-4-4-12 hexadecimal digits in upper case. Any thread.
+/// A new random UUID (RFC 9562, version 4): 8-4-4-4-12 hexadecimal digits in upper case. Any thread.
 [[nodiscard]] std::string randomUuid();
 
 } // namespace vantry

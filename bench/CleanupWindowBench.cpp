@@ -85,7 +85,7 @@ int measure() {
     installCleanupAccessibility();
     const CleanupWindowActions nobody{
         [] {}, [](auto) {}, [] {}, [] {}, [] {}, [] {}, {[](auto&, auto) {}, [](auto&) {}, [](auto) {}}};
-    CleanupWindow window(appearance, nobody);
+    CleanupWindow window(nobody);
     const CleanupWindowContent scan = cannedScan();
     const CleanupWindowContent files = cannedFiles(rowCount);
     const CleanupWindowContent guide = cannedGuide();
@@ -96,8 +96,8 @@ int measure() {
         while (quiet.elapsed() < 100 || results.builtRowCount() < results.rowCount())
             turn();
     };
-    window.render(scan);
-    window.showInFront();
+    window.renderCleanupWindow(scan);
+    window.showCleanupWindow();
     settle();
 
     std::vector<double> first, complete, stalls, rescans, modes, ticks;
@@ -107,7 +107,7 @@ int measure() {
         QElapsedTimer started;
         started.start();
         Heartbeat heart;
-        window.render(files);
+        window.renderCleanupWindow(files);
         while (results.builtRowCount() < rowCount || !watch.painted_)
             turn();
         complete.push_back(milliseconds(started));
@@ -119,24 +119,24 @@ int measure() {
         ticked.sections[0].candidates[0].selected = true;
         QElapsedTimer tick;
         tick.start();
-        window.render(ticked);
+        window.renderCleanupWindow(ticked);
         QCoreApplication::sendPostedEvents();
         turn();
         ticks.push_back(milliseconds(tick));
 
         Heartbeat mode;
-        window.render(guide);
+        window.renderCleanupWindow(guide);
         settle();
-        window.render(files);
+        window.renderCleanupWindow(files);
         settle();
         modes.push_back(mode.longest());
 
         Heartbeat rescan;
-        window.render(scan);
+        window.renderCleanupWindow(scan);
         settle();
         rescans.push_back(rescan.longest());
     }
-    window.render(files);
+    window.renderCleanupWindow(files);
     settle();
     std::vector<double> frames;
     auto* bar = results.verticalScrollBar();

@@ -2,7 +2,7 @@
 // check and a question: what a move costs, as a multiple of what its waiting for the disk costs alone.
 //   trash-bench FOLDER [ROUNDS]      FOLDER is on the disk to be measured; exit status 1 when the target is missed
 
-#include "cleanup/window/CleanupHistory.h"
+#include "cleanup/move/CleanupHistory.h"
 #include "platform/linux/Trash.h"
 
 #include <algorithm>
@@ -93,7 +93,8 @@ double waitForAll(const fs::path& folder, const fs::path& trash) {
     return milliseconds(waited);
 }
 
-/// What `measured` says about `files` new files and an empty Trash.
+/// What `measured` says about `files` new files and an empty Trash. They stay, for ext4 without a journal is slow to
+/// create a file shortly after many were deleted.
 template <class Measured>
 double oneRound(const fs::path& root, const Measured& measured) {
     const fs::path folder = root / "place";
@@ -102,10 +103,7 @@ double oneRound(const fs::path& root, const Measured& measured) {
     fs::create_directories(trash / "files");
     fs::create_directories(trash / "info");
     makeFiles(folder);
-    const double result = measured(folder, trash);
-    fs::remove_all(folder);
-    fs::remove_all(trash);
-    return result;
+    return measured(folder, trash);
 }
 
 double median(std::vector<double> all) {
@@ -127,8 +125,8 @@ int main(int count, char** arguments) {
     std::vector<double> waits;
     std::vector<double> ratios; // of two rounds one after the other: a disk is not always as fast
     for (int i = 0; i < rounds; ++i) {
-        moves.push_back(oneRound(root, moveAll));
-        waits.push_back(oneRound(root, waitForAll));
+        moves.push_back(oneRound(root / std::to_string(i) / "moved", moveAll));
+        waits.push_back(oneRound(root / std::to_string(i) / "waited for", waitForAll));
         ratios.push_back(moves.back() / waits.back());
     }
     fs::remove_all(root);

@@ -1,6 +1,6 @@
 // walk-worker: what a question to a filesystem worker costs, beside a process that does nothing.
 
-#include "cleanup/scan/WorkerHost.h"
+#include "cleanup/measuring/WorkerHost.h"
 
 #include <algorithm>
 #include <chrono>

@@ -36,8 +36,8 @@ struct Pipe {
     UniqueFd writeEnd;
 };
 
-// The child's standard streams are made one after the other: an end that has the number of one of them, in a process
-// without it, would be replaced before it is used.
+// In a process that lacks a standard stream, an end could get its number, and setting up the child's streams would
+// overwrite it. Hence the write end is moved out of the way.
 Result<Pipe> makePipe() {
     std::array<int, 2> ends{};
     if (const int failure = ChildProcessSystem::openPipe(ends); failure != 0)
@@ -50,8 +50,8 @@ Result<Pipe> makePipe() {
     return made;
 }
 
-// Blocks all signals while a thread is started, which keeps them blocked: a request to end this process must not reach
-// a thread that only waits, past the ones that clean up first.
+// Blocks all signals while a thread is started; the thread inherits that. SIGTERM must reach a thread that cleans up,
+// not one that only waits.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -67,7 +67,7 @@ private:
     sigset_t before_{};
 };
 
-// Nobody else waits for `pid`. A child that a hung file system holds ends when that answers again, maybe much later.
+// Nobody else waits for `pid`. A child in a hung file system ends when that answers again, maybe much later.
 void reapWhenItEnds(pid_t pid) {
     const SignalsBlocked blocked;
     try {
@@ -116,8 +116,8 @@ Result<ChildProcess> ChildProcess::start(const std::filesystem::path& program,
         failure != 0)
         return std::unexpected(errorFromErrno(failure, program.native()));
     if (const int failure = ChildProcessSystem::watchExit(*exit, pid); failure != 0) {
-        // Without a way to see it end, the child is of no use. One that was reaped already, where the ends of children
-        // are ignored, may have left its number to another process.
+        // A child that cannot be watched is of no use. After ESRCH (SIGCHLD is ignored) it was reaped, and its number
+        // may belong to another process.
         if (failure != ESRCH) {
             kill(pid, SIGKILL);
             reapWhenItEnds(pid);
@@ -132,7 +132,7 @@ ChildProcess::ChildProcess(pid_t pid, UniqueFd exit, UniqueFd output)
       exit_(std::move(exit)),
       output_(std::move(output)) {}
 
-// What was moved from counts as ended.
+// The moved-from object counts as ended.
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
     : pid_(other.pid_),
       exit_(std::move(other.exit_)),
@@ -159,7 +159,7 @@ std::optional<int> ChildProcess::exitStatus() {
     int status = 0;
     const pid_t ended = waitpid(pid_, &status, WNOHANG);
     if (ended < 0 && errno != EINTR)
-        status_ = signalStatusOffset; // somebody else has reaped it
+        status_ = signalStatusOffset; // reaped by somebody else
     else if (ended == pid_)
         status_ = WIFEXITED(status) ? WEXITSTATUS(status) : signalStatusOffset + WTERMSIG(status);
     return status_;

@@ -14,12 +14,12 @@ namespace vantry {
 /// Where a child's standard output goes; its standard input and error are the null device.
 enum class ChildOutput { nullDevice, pipe };
 
-/// A child process. It inherits nothing but its standard descriptors and the environment, and starts with no signal
-/// blocked or ignored. Nothing here waits. Destroying this does not end the child; a thread that lives as long as the
-/// child reaps it then, so that it leaves no zombie (it does where no thread can be started). One thread at a time.
+/// A child process. It inherits only its standard descriptors and the environment, and starts with no signal blocked or
+/// ignored. Nothing here waits. The destructor does not end the child, but starts a thread that reaps it, so that it
+/// leaves no zombie unless no thread can be started. One thread at a time.
 class ChildProcess {
 public:
-    /// Starts `program` with `arguments` (its own name not among them).
+    /// Starts `program` with `arguments` (without its own name).
     [[nodiscard]] static Result<ChildProcess> start(const std::filesystem::path& program,
                                                     const std::vector<std::string>& arguments, ChildOutput output);
 
@@ -32,10 +32,10 @@ public:
     /// Readable, for `poll`, once the child has ended.
     [[nodiscard]] int exitDescriptor() const { return exit_.get(); }
 
-    /// How the child ended; absent while it runs. With the first answer it is reaped.
-    /// An exit status of 0 to 255, or 256 and more for a child that a signal ended.
+    /// The exit status of 0 to 255, or 256 and more for a child that a signal ended; absent while it runs. The first
+    /// answer reaps the child.
     [[nodiscard]] std::optional<int> exitStatus();
-    /// Does nothing once the child was seen to have ended.
+    /// Does nothing after `exitStatus` has returned a status.
     void sendSignal(int signal);
 
 private:
@@ -47,8 +47,8 @@ private:
     std::optional<int> status_;
 };
 
-/// What `ChildProcess` starts to get another process of the running executable, also when its file was replaced or
-/// removed since (on Linux; on macOS the file that stands there now). Any thread.
+/// The program for `ChildProcess` to start the running executable again, on Linux even if its file was replaced or
+/// removed. On macOS the file at its path is started. Any thread.
 [[nodiscard]] Result<std::filesystem::path> ownExecutable();
 
 } // namespace vantry

@@ -9,7 +9,7 @@
 
 namespace vantry {
 
-/// How a child is started. Collects the failures of a sequence of calls that return an errno; later ones are not made.
+/// How a child is started. After a call has failed, later ones are skipped and `spawn` returns the errno.
 class SpawnPlan {
 public:
     SpawnPlan() {
@@ -45,23 +45,24 @@ private:
     int failure_ = 0;
 };
 
-/// What each system does in its own way about child processes.
+/// The parts of child processes that differ between systems.
 namespace ChildProcessSystem {
 
-/// Both ends are closed in children. The result is an errno.
+/// Both ends are close-on-exec. The result is an errno.
 [[nodiscard]] int openPipe(std::array<int, 2>& ends);
 
 [[nodiscard]] char* const* environment();
 
-/// Makes the child inherit its three standard descriptors only. The result is what to add to the plan's flags.
+/// Makes the child inherit only its three standard descriptors. Returns flags to add to the plan's.
 [[nodiscard]] short inheritStandardStreamsOnly(SpawnPlan& plan);
 
-/// A descriptor for `watchExit`: a process that has none left starts no child.
+/// Reserves a descriptor for `watchExit`, so that a process without free ones starts no child.
 [[nodiscard]] Result<UniqueFd> prepareExitWatch();
-/// Makes `watch` readable once the child has ended. The result is an errno, ESRCH when the system has reaped the child.
+/// Makes `watch` readable once the child has ended. The result is an errno, ESRCH when the system has already reaped
+/// the child.
 [[nodiscard]] int watchExit(UniqueFd& watch, pid_t pid);
 
-/// To a child that was not reaped.
+/// The child must not have been reaped.
 void sendSignal(const UniqueFd& watch, pid_t pid, int signal);
 
 } // namespace ChildProcessSystem

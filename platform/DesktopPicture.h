@@ -7,19 +7,17 @@
 
 namespace vantry {
 
-// Which picture or film the system has been told to show on the desktop. Blocking, for a few seconds at most; any
-// thread.
+// The picture or film that is chosen for the desktop. Blocking, for a few seconds at most; any thread.
 
-/// The picture that stands for the moving wallpaper that was chosen, or the film itself, where both are there; nowhere
-/// but on macOS.
+/// The preview picture of the chosen moving wallpaper, or else its film. Always absent on Linux.
 [[nodiscard]] std::optional<std::filesystem::path> movingWallpaper();
 
-/// The picture chosen for `screen`, or the one that the chosen slideshow shows now, if it can be read. On Linux by the
-/// settings of the desktop that runs: GNOME, Cinnamon, MATE, KDE Plasma, Xfce, LXQt, sway, Hyprland, and elsewhere what
-/// feh or nitrogen was last told.
+/// The picture chosen for `screen`, or the current one of the chosen slideshow, if it can be read. On Linux from the
+/// settings of the running desktop (GNOME, Cinnamon, MATE, KDE Plasma, Xfce, LXQt, sway, Hyprland), else the picture
+/// that feh or nitrogen showed last.
 [[nodiscard]] std::optional<std::filesystem::path> desktopPicture(const Screen& screen);
 
-/// Where the system keeps the picture that is shown when none was chosen; it need not be there.
+/// Where the system keeps the picture that it shows when none is chosen. The file may be missing.
 [[nodiscard]] std::filesystem::path defaultDesktopPicture();
 
 } // namespace vantry

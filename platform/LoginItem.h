@@ -10,26 +10,26 @@
 
 namespace vantry {
 
-/// The running application, as something that can be started again: the bundle on macOS, elsewhere the executable, also
-/// when it was replaced or removed since. Any thread.
+/// The path by which the running application can be started again: the bundle on macOS, elsewhere the executable, even
+/// if it was replaced or removed. Any thread.
 [[nodiscard]] Result<std::filesystem::path> runningApplicationPath();
 
-/// Where an installed copy of the application stands, the preferred place first; there need not be one. Any thread.
+/// Where an installed copy of the application would be, the preferred place first. Any thread.
 [[nodiscard]] std::vector<std::filesystem::path> installedApplicationPaths();
 
-/// Whether an application stands at `path`: a bundle on macOS, elsewhere an executable file. Blocking; any thread.
+/// Whether an application is at `path`: a bundle on macOS, elsewhere an executable file. Blocking; any thread.
 [[nodiscard]] bool isApplication(const std::filesystem::path& path);
 
-/// Where a file has to stand beside the launch agent for the application to start at login: on Linux, where nothing
-/// reads launch agents, the desktop's autostart entry called `label` (Desktop Application Autostart Specification);
-/// absent on macOS, where launchd reads the agent itself. Any thread.
+/// The file that is needed in addition to the launch agent to start the application at login: on Linux, where nothing
+/// reads launch agents, the autostart entry called `label` (Desktop Application Autostart Specification); absent on
+/// macOS, where launchd reads the agent itself. Any thread.
 [[nodiscard]] std::optional<std::filesystem::path> autostartFile(const std::string& label);
 
-/// What that file has to hold to start `application`. Fails for a path that a desktop entry cannot hold. Any thread.
+/// The contents of that file to start `application`. Fails for a path that a desktop entry cannot express. Any thread.
 [[nodiscard]] Result<std::string> autostartEntry(const std::string& label, const std::filesystem::path& application);
 
-/// Whether the desktop starts what `entry` names at login: it is not hidden, not switched off, meant for the desktop
-/// that runs, and its "TryExec" can be run. Blocking; any thread.
+/// Whether the desktop starts what `entry` names at login: it is not hidden or switched off, is meant for the running
+/// desktop, and its "TryExec" exists. Blocking; any thread.
 [[nodiscard]] bool autostartEntryIsHonoured(std::string_view entry);
 
 /// Whether `entry` starts exactly `application`, without arguments. Any thread.

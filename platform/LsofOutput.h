@@ -6,7 +6,7 @@
 
 namespace vantry {
 
-/// The paths in what `lsof -Fn` prints: the lines that begin with "n", without it. Paths are bytes as they stand there.
+/// The paths in the output of `lsof -Fn`: the lines that begin with "n", without the "n". The bytes are not decoded.
 [[nodiscard]] std::vector<std::filesystem::path> pathsInLsofOutput(std::string_view output);
 
 } // namespace vantry

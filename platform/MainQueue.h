@@ -6,7 +6,7 @@
 
 namespace vantry {
 
-/// Something that goes on until this is destroyed: a timer, an observer, a watched descriptor. Main thread.
+/// A timer, an observer or a watched descriptor. Its destructor ends it. Main thread.
 class Subscription {
 public:
     Subscription() = default;

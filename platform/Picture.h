@@ -1,6 +1,7 @@
 #pragma once
 
-#include <array>
+#include "base/Text.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -27,20 +28,23 @@ inline constexpr std::size_t pictureSide = 128; ///< pixels
 /// times `pictureSide` pixels.
 using PicturePixels = std::vector<PicturePixel>;
 
-/// The extensions of films, in lower case.
-inline constexpr std::array filmExtensions{".mov", ".mp4", ".m4v"};
+/// By its extension, in any case.
+[[nodiscard]] inline bool isFilm(const std::filesystem::path& file) {
+    const std::string extension = asciiLowercase(file.extension().native());
+    return extension == ".mov" || extension == ".mp4" || extension == ".m4v";
+}
 
-/// The picture in `file`, upright, or of a film (by its extension, in any case) the key frame at or before 75 seconds,
-/// else 10, else the first one. What kind of picture it is its contents tell. Of a picture of many the first one.
-/// Absent for what is no regular file, no such picture, cut off or damaged, larger than 768 MB can decode (and no film
-/// and larger than 1 GB), or not decoded in time. On Linux a worker process decodes it, so that no picture can harm
-/// this one. Blocking, for half a minute at most; any thread but the main one.
+/// The picture in `file`, upright. The contents tell its format; of several pictures the first one. A file with a
+/// film's extension (in any case) gives the key frame at or before 75 seconds, else 10, else the first one. Absent for
+/// what is not a regular file or not such a picture, is damaged (a JPEG or GIF that was cut off shows what is there),
+/// takes more than 768 MB to decode, is over 1 GB and not a film, or takes too long. On Linux a worker process decodes
+/// it, so that no picture can harm this one. Blocking, for half a minute at most; any thread but the main one.
 [[nodiscard]] std::optional<PicturePixels> readPicture(const std::filesystem::path& file);
 
-/// Whether this process was started to decode a picture for `readPicture` of another one; absent if not. Otherwise its
-/// job is done when this returns, and this is the status that it is to end with at once, without running what
-/// libraries left for the end. `arguments` are the process's, without its name. Gives up the right to change files and
-/// most memory for good. On macOS always absent. Main thread, before any other.
+/// Decodes a picture if another process started this one to do that for its `readPicture`; absent if not. Otherwise the
+/// process is to exit with this status at once, without running the exit handlers of libraries. `arguments` are the
+/// process's, without its name. Gives up the right to change files and most memory for good. On macOS always absent.
+/// Main thread, before anything else.
 [[nodiscard]] std::optional<int> runPictureWorkerIfRequested(std::span<const std::string> arguments);
 
 } // namespace vantry

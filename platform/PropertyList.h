@@ -26,20 +26,18 @@ struct PropertyList::Entry {
     PropertyList value;
 };
 
-/// The list as an XML property list (CoreFoundation on macOS, libplist elsewhere). Fails for a text that is no UTF-8 or
-/// holds a character that XML cannot. Any thread.
+/// The list as an XML property list (CoreFoundation on macOS, libplist elsewhere). Fails for a text that is not
+/// valid UTF-8 or has a character that XML cannot express. Any thread.
 [[nodiscard]] Result<std::string> xmlPropertyList(const PropertyList& list);
 
-/// What `propertyListTexts` reads at most, so that no list, whoever wrote it, takes much time or memory.
-inline constexpr std::size_t largestPropertyList = 8 << 20;      ///< bytes
-inline constexpr std::size_t deepestPropertyList = 64;           ///< arrays and dictionaries in one another
-inline constexpr std::size_t mostPropertyListValues = 100'000;   ///< keys and values, shared ones once for each use
-inline constexpr std::size_t longestPropertyListText = 64 << 10; ///< bytes in UTF-8
+inline constexpr std::size_t largestPropertyList = 8 << 20;      ///< bytes that `propertyListTexts` reads
+inline constexpr std::size_t longestPropertyListText = 64 << 10; ///< bytes in UTF-8 of a text that it returns
 
-/// The texts under `keys` of the outermost dictionary of a list that is XML in UTF-8 or binary. A key has none when
-/// its value, the last one of a key that comes twice, is no text, a longer one, no valid Unicode or holds a zero.
-/// Fails for everything else and beyond the bounds above. What a number, a date or data says is not looked at. On macOS
-/// the system reads the list, which takes as much memory as it likes before the bounds are looked at. Any thread.
+/// The texts under `keys` of the outermost dictionary of a list that is XML in UTF-8 or binary. A key has none when its
+/// value is not a text, too long or not valid Unicode. Fails for everything else.
+/// Only for a worker process, see platform/Sandbox.h, whose death its parent copes with: the reader is CoreFoundation's
+/// or libplist's, and a hostile list can make it allocate gigabytes (shared references) or overflow the stack (deep
+/// nesting).
 [[nodiscard]] Result<std::map<std::string, std::string>> propertyListTexts(std::string_view bytes,
                                                                            std::span<const std::string> keys);
 

@@ -4,14 +4,14 @@
 
 namespace vantry {
 
-/// How many threads may help with one job, beside the one that has it. Whoever starts a helper takes a place; the
-/// helper gives it back when it is done. Any thread.
+/// A shared limit on helper threads. Whoever starts a helper takes a place; the helper gives it back when it is done.
+/// Any thread.
 class SpareThreads {
 public:
     explicit SpareThreads(unsigned most) : most_(most), left_(most) {}
 
     [[nodiscard]] unsigned most() const { return most_; }
-    /// Whether there was a place left.
+    /// Takes a place. False if none is left.
     [[nodiscard]] bool take() {
         unsigned left = left_.load(std::memory_order_relaxed);
         while (left > 0 && !left_.compare_exchange_weak(left, left - 1, std::memory_order_relaxed)) {

@@ -10,7 +10,7 @@ namespace vantry {
 
 namespace {
 
-// Longer than it takes to end a child, see SupervisedChild.
+// Longer than SupervisedChild takes to end a child.
 constexpr std::chrono::milliseconds patience{500};
 
 } // namespace

@@ -9,29 +9,29 @@
 
 namespace vantry {
 
-/// Ends work with child processes that other threads do, and keeps more of it from starting: for the end of this
-/// process. Any thread.
+/// Ends work with child processes on other threads, and prevents more of it from starting; for the end of this process.
+/// Any thread.
 class StopSwitch {
     struct EndOfWork {
         void operator()(StopSwitch* owner) const { owner->endWork(); }
     };
 
 public:
-    /// Something that `stop` waits for, from `beginWork` to the end of this. Not longer than the switch.
+    /// Work that `stop` waits for, until this is destroyed. The switch must outlive it.
     using Work = std::unique_ptr<StopSwitch, EndOfWork>;
 
-    /// Fails without descriptors.
+    /// Fails if no descriptors are free.
     [[nodiscard]] static Result<std::shared_ptr<StopSwitch>> create();
 
-    /// Fails once `stop` was called. Without a switch there is nothing to wait for.
+    /// Fails after `stop`. `stopSwitch` may be null.
     [[nodiscard]] static Result<Work> beginWork(const std::shared_ptr<StopSwitch>& stopSwitch);
 
-    /// Readable, for `poll`, once `stop` was called.
+    /// Readable, for `poll`, after `stop`.
     [[nodiscard]] int descriptor() const { return readEnd_.get(); }
     [[nodiscard]] bool isStopped() const;
 
-    /// From here on children are ended and no more of them started. Waits until all work has ended, for half a second
-    /// at most. Whether it has: the work with a child that a hung file system holds ends in that time, too.
+    /// Ends the children and prevents new ones. Waits until all work has ended, for half a second at most, and returns
+    /// whether it has. That is long enough for a child that hangs in a file system: such a child is left behind.
     bool stop();
 
 private:

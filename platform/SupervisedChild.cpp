@@ -73,9 +73,9 @@ std::optional<std::string> SupervisedChild::nextLine(std::size_t limit, Deadline
     }
 }
 
-// Reads some output or waits for it. False at the end: of the child, of the time, or by the switch.
+// Reads some output or waits for it. False when the child has ended, the deadline has passed or the switch is stopped.
 bool SupervisedChild::mayHaveMore(Deadline deadline) {
-    // What the child wrote was in the pipe before it ended.
+    // Asked before reading: what the child wrote is in the pipe when it ends.
     const bool hasEnded = child_.exitStatus().has_value();
     const bool isLate = hasPassed(deadline) || (stopSwitch_ && stopSwitch_->isStopped());
     if (isLate && !hasEnded)
@@ -88,7 +88,7 @@ bool SupervisedChild::mayHaveMore(Deadline deadline) {
     return true;
 }
 
-// Whether there was something to read.
+// Returns whether there was something to read.
 bool SupervisedChild::readPiece() {
     if (!isReading_)
         return false;
@@ -101,7 +101,7 @@ bool SupervisedChild::readPiece() {
     return length > 0;
 }
 
-// An output at its end stays readable, and is not looked at any more.
+// A closed output stays readable, so it is not polled any longer.
 void SupervisedChild::wait(Deadline deadline) {
     std::array<pollfd, 3> events{{{child_.exitDescriptor(), POLLIN, 0},
                                   {isReading_ ? child_.output() : -1, POLLIN, 0},
@@ -116,6 +116,15 @@ bool SupervisedChild::endsWithin(std::chrono::milliseconds patience) {
         poll(&ended, 1, millisecondsUntil(deadline));
     }
     return child_.exitStatus().has_value();
+}
+
+std::optional<std::string> programOutput(const std::filesystem::path& program,
+                                         const std::vector<std::string>& arguments, std::size_t limit,
+                                         Deadline deadline, int highestStatus) {
+    if (hasPassed(deadline))
+        return std::nullopt;
+    auto child = SupervisedChild::start(program, arguments, ChildOutput::pipe);
+    return child ? child->outputToEnd(limit, deadline, highestStatus) : std::nullopt;
 }
 
 } // namespace vantry

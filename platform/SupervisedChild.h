@@ -13,12 +13,12 @@
 
 namespace vantry {
 
-/// A child process that is read, ended and reaped without ever being waited for without a bound. Destroying this ends a
-/// child that still runs: it is asked to (SIGTERM), killed 0.12 seconds later, and after 0.12 seconds more left behind,
-/// stuck in a hung file system, to be reaped when it ends. One thread at a time.
+/// A child process whose output is read with bounded waits. The destructor ends a running child: SIGTERM, SIGKILL after
+/// 0.12 seconds, and after 0.12 seconds more a child that hangs in a file system is left behind and reaped when it
+/// ends. One thread at a time.
 class SupervisedChild {
 public:
-    /// Fails also once `stopSwitch`, which may be null, is stopped. From then on nothing is read either.
+    /// `stopSwitch` may be null. Once it is stopped this fails, and nothing more is read.
     [[nodiscard]] static Result<SupervisedChild> start(const std::filesystem::path& program,
                                                        const std::vector<std::string>& arguments, ChildOutput output,
                                                        std::shared_ptr<StopSwitch> stopSwitch = nullptr);
@@ -27,13 +27,12 @@ public:
     SupervisedChild& operator=(SupervisedChild&&) = delete;
     ~SupervisedChild();
 
-    /// What the child writes until it ends; what others that hold its output write later is not waited for. Absent
-    /// unless the child ends with a status of 0 to `highestStatus` before `deadline` and writes no more than `limit`
-    /// bytes. Blocking.
+    /// What the child writes until it ends; later output of its own children is not waited for. Absent unless the child
+    /// exits with a status of 0 to `highestStatus` before `deadline` and writes no more than `limit` bytes. Blocking.
     [[nodiscard]] std::optional<std::string> outputToEnd(std::size_t limit, Deadline deadline, int highestStatus = 0);
 
-    /// The next line that the child writes, without its end. Absent when there is none before `deadline` or the end of
-    /// the output, and when more than `limit` bytes come without one. Blocking.
+    /// The next line of the output, without the line break. Absent when none is complete before `deadline` or the end
+    /// of the output, or a line is longer than `limit` bytes. Blocking.
     [[nodiscard]] std::optional<std::string> nextLine(std::size_t limit, Deadline deadline);
 
 private:
@@ -47,8 +46,15 @@ private:
     std::shared_ptr<StopSwitch> stopSwitch_;
     StopSwitch::Work work_;
     ChildProcess child_;
-    std::string pending_; ///< read and not given out
+    std::string pending_; ///< read but not returned yet
     bool isReading_;      ///< the output is open
 };
+
+/// What `program` writes to its standard output. Absent unless it exits with a status of 0 to `highestStatus` before
+/// `deadline` and writes no more than `limit` bytes; otherwise it is ended, which takes a quarter of a second at most.
+/// Blocking; any thread.
+[[nodiscard]] std::optional<std::string> programOutput(const std::filesystem::path& program,
+                                                       const std::vector<std::string>& arguments, std::size_t limit,
+                                                       Deadline deadline, int highestStatus = 0);
 
 } // namespace vantry

@@ -22,8 +22,8 @@ class WindowList {
 public:
     virtual ~WindowList() = default;
 
-    /// On macOS all windows on the screens, frontmost first; on X11 those of the desktop type, and for each the
-    /// processes of the windows inside it too. Empty where the system does not tell. Blocking, shortly; any thread.
+    /// On macOS all windows on the screens, frontmost first; on X11 those of the desktop type, and also the processes
+    /// of the windows inside each. Empty if the system does not say. Blocking, briefly; any thread.
     [[nodiscard]] virtual std::vector<WindowInfo> onScreenWindows() const = 0;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/CaseTable.h"
+
 #include <array>
 #include <optional>
 #include <string_view>
@@ -28,16 +30,24 @@ inline constexpr std::array<ChoiceRow<BarStyle>, 4> allBarStyles{{
     {BarStyle::currentTheme, "currentTheme", "Current Theme"},
 }};
 
-/// Every sizing, by the same rule.
+/// Every sizing, in the same way.
 inline constexpr std::array<ChoiceRow<SegmentSizing>, 2> allSegmentSizings{{
     {SegmentSizing::equal, "equal", "Equal Colors"},
     {SegmentSizing::verifiedSnapshot, "verifiedSnapshot", "Verified Storage Snapshot"},
 }};
 
-[[nodiscard]] std::string_view rawValue(BarStyle style);
-[[nodiscard]] std::optional<BarStyle> barStyleFromRawValue(std::string_view rawValue);
+static_assert(rowsStandInOrder(allBarStyles) && rowsStandInOrder(allSegmentSizings));
 
-[[nodiscard]] std::string_view rawValue(SegmentSizing sizing);
-[[nodiscard]] std::optional<SegmentSizing> segmentSizingFromRawValue(std::string_view rawValue);
+[[nodiscard]] inline std::string_view rawValue(BarStyle style) { return rowOf(allBarStyles, style).rawValue; }
+[[nodiscard]] inline std::optional<BarStyle> barStyleFromRawValue(std::string_view rawValue) {
+    return caseOf(allBarStyles, rawValue);
+}
+
+[[nodiscard]] inline std::string_view rawValue(SegmentSizing sizing) {
+    return rowOf(allSegmentSizings, sizing).rawValue;
+}
+[[nodiscard]] inline std::optional<SegmentSizing> segmentSizingFromRawValue(std::string_view rawValue) {
+    return caseOf(allSegmentSizings, rawValue);
+}
 
 } // namespace vantry

@@ -35,7 +35,7 @@ struct GradientStop {
 
 enum class GradientDirection { leftToRight, topToBottom };
 
-/// How what is painted joins what is there.
+/// How paint is combined with what is below.
 enum class BlendMode { sourceOver, screen };
 
 enum class FontWeight { regular, medium, semibold, bold };
@@ -49,8 +49,8 @@ struct Font {
     bool operator==(const Font&) const = default;
 };
 
-/// Everything that Ombrel draws by itself is drawn with these. Coordinates are those of a flipped view: y grows
-/// downwards. A dynamic colour is resolved by the canvas for the appearance that it draws in. Main thread.
+/// Everything that Ombrel draws itself is drawn with these operations. y grows downwards. A dynamic colour is resolved
+/// by the canvas for the appearance that it draws in. Main thread.
 class Canvas {
 public:
     virtual ~Canvas() = default;

@@ -9,7 +9,7 @@
 
 namespace vantry {
 
-/// The round legend swatch beside a figure, painted as the bar is. A value, like `VantryView`.
+/// The round legend swatch beside a figure, painted like the bar. A value, like `VantryView`.
 struct SolidSwatchView {
     enum class Kind { used, available };
 

@@ -9,8 +9,8 @@
 
 namespace vantry {
 
-/// The colours of the storage bar, and the one routine that paints its used part: a bar and its swatch always look
-/// alike. Main thread (it draws).
+/// The colours of the storage bar, and the one function that paints its used part, so that a bar and its swatch always
+/// look alike. Main thread.
 namespace StoragePalette {
 
 /// One segment of the macOS style: `weight` is its share under `SegmentSizing::verifiedSnapshot`.
@@ -29,7 +29,7 @@ inline constexpr std::array<Rgba, 6> gradientColors{{
     {0.302, 0.616, 0.792},
 }};
 
-/// Left to right, deliberately not sorted by weight: the two grey segments come last.
+/// Left to right. Not sorted by weight: the two grey segments come last.
 inline constexpr std::array<Segment, 11> macOSSegments{{
     {DynamicColor{SystemColor::red}, 36.8},
     {DynamicColor{SystemColor::orange}, 31.94},
@@ -45,14 +45,14 @@ inline constexpr std::array<Segment, 11> macOSSegments{{
 }};
 
 /// The used part of a bar, painted into `rect` of a canvas that the caller has clipped to the bar's shape.
-/// `themeColors` count for `BarStyle::currentTheme` only, which falls back to the rainbow with fewer than two of them.
+/// Only `BarStyle::currentTheme` uses `themeColors`; with fewer than two of them it falls back to the rainbow.
 void drawUsedFill(Canvas& canvas, const Rect& rect, BarStyle style, SegmentSizing segmentSizing,
                   std::span<const Rgba> themeColors);
 
-/// The part of the track that is not used. Anything but dark, and no appearance, gives the light value.
+/// The unused part of the track. Without an appearance the light value.
 [[nodiscard]] Rgba availableColor(std::optional<Appearance> appearance);
 
-/// The bar's outline, by the same rule.
+/// The bar's outline, likewise.
 [[nodiscard]] Rgba borderColor(std::optional<Appearance> appearance);
 
 } // namespace StoragePalette

@@ -18,7 +18,7 @@ struct Figure {
     double width = 0;
 };
 
-// The largest writing of the percentage that fits, with the sign before without.
+// The largest size at which the percentage fits, preferably with its sign.
 std::optional<Figure> fittingFigure(const Canvas& canvas, const VantryView& bar, double width, double side) {
     std::string withSign = bar.percentageText();
     std::string withoutSign = withSign.substr(0, withSign.size() - 1);
@@ -57,7 +57,7 @@ void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect, double
         const double usedWidth = std::max(inside.width * fraction, unit);
         StoragePalette::drawUsedFill(canvas, {inside.x, inside.y, usedWidth, inside.height}, bar.barStyle,
                                      bar.segmentSizing, bar.themeColors);
-        if (usedWidth < inside.width - unit) // the grey segments end where the grey track begins
+        if (usedWidth < inside.width - unit) // separates grey segments from the grey track
             canvas.fill(Rect{std::floor(inside.x + usedWidth), inside.y, unit, inside.height}, endMark);
     }
     canvas.restore();
@@ -67,7 +67,7 @@ void drawCapsule(Canvas& canvas, const VantryView& bar, const Rect& rect, double
 
 void draw(Canvas& canvas, const VantryView& bar, double side, std::optional<Appearance> appearance) {
     const double unit =
-        std::max(1.0, std::round(side / 22)); // a pixel of the common size; panels scale larger ones down
+        std::max(1.0, std::round(side / 22)); // one pixel at the usual size of 22; panels scale larger pictures down
     const auto figure = bar.showsPercentageLabel ? fittingFigure(canvas, bar, side, side) : std::nullopt;
     const double height = figure ? std::round(side * 0.34) : 2 * std::round(side * 0.26);
     const double y = figure ? side - height - unit : std::floor((side - height) / 2);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "rendering/AccessibilityContent.h"
 #include "rendering/BarStyle.h"
 #include "rendering/Canvas.h"
 #include "rendering/StoragePalette.h"
@@ -12,9 +11,21 @@
 
 namespace vantry {
 
+enum class AccessibilityRole { progressIndicator };
+
+/// What a screen reader says about a view. If `isElement` is false it says nothing, and the rest is empty.
+struct AccessibilityContent {
+    bool isElement = false;
+    AccessibilityRole role = AccessibilityRole::progressIndicator;
+    std::string label;
+    std::string value;
+
+    bool operator==(const AccessibilityContent&) const = default;
+};
+
 /// The storage bar: a capsule whose left part, as wide as the used share of the volume, is painted in the chosen style,
-/// optionally followed by the percentage. A value: its owner sets the properties and hands a copy to the front end,
-/// which draws again whenever the copy differs from the last one or the appearance changes. Lengths are points.
+/// optionally followed by the percentage. A value: its owner sets the properties and gives a copy to the front
+/// end, which redraws when the copy differs from the last one or the appearance changes. Lengths are points.
 struct VantryView {
     std::optional<StorageSnapshot> snapshot;
     double barHeight = 7.0;

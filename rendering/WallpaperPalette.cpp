@@ -95,8 +95,8 @@ double vibrance(const RGB& color) {
 }
 
 std::vector<ColorBin> colorBins(std::span<const PicturePixel> pixels) {
-    // At first the colours are sums of bytes. Those are exact, so that components with equal means are equal: a red
-    // whose green is less than its blue by a rounding error has the hue 1 instead of 0.
+    // The colours are first summed as bytes, which is exact. With rounding errors a red whose green and blue have the
+    // same mean could get the hue 1 instead of 0.
     std::vector<ColorBin> bins(levels * levels * levels);
     for (const auto& pixel : pixels) {
         if (component(pixel.alpha) <= 0.5)
@@ -158,7 +158,7 @@ void fillUp(std::span<const ColorBin> bins, std::size_t limit, std::vector<RGB>&
         const ColorBin* best = nullptr;
         double bestScore = 0;
         for (const auto& bin : bins) {
-            const double nearest = distance(bin.color, chosen); // 0 for what is chosen
+            const double nearest = distance(bin.color, chosen); // 0 for chosen colours
             const double score = (nearest + 0.04) * std::sqrt(bin.weight + 1.8 * bin.vibranceWeight);
             if (nearest > leastDifference && score > bestScore) {
                 best = &bin;

@@ -27,25 +27,25 @@ struct HSB {
     double brightness = 0;
 };
 
-/// Pixels of about one colour.
+/// Pixels of similar colours.
 struct ColorBin {
     RGB color;                 ///< their average
-    double weight = 0;         ///< how many there are
+    double weight = 0;         ///< their number
     double vibranceWeight = 0; ///< the sum of their vibrance
 
     bool operator==(const ColorBin&) const = default;
 };
 
-/// The hues that get a place in the palette wherever there is enough of them.
+/// The hues that always get a place in the palette if the picture has enough of them.
 enum class HueFamily { red, rose, violet };
 
 [[nodiscard]] HSB hsb(const RGB& color);
 [[nodiscard]] RGB rgb(const HSB& color);
 
-/// The level of 0 to 15 that a component falls in: only 1 itself reaches the last.
+/// The level of a component, 0 to 15. Only 1 itself reaches the last.
 [[nodiscard]] int quantized(double component);
 
-/// How much a colour draws the eye; more than 0.
+/// How vivid a colour is; more than 0.
 [[nodiscard]] double vibrance(const RGB& color);
 
 /// Counts the pixels that are more than half opaque. Largest weight first, equal ones in the order of their levels.
@@ -53,13 +53,13 @@ enum class HueFamily { red, rose, violet };
 
 [[nodiscard]] bool isInFamily(const HSB& color, HueFamily family);
 
-/// The bin of `bins` that stands for the family; null when none is strong enough.
+/// The bin that represents the family; null when none is strong enough.
 [[nodiscard]] const ColorBin* accent(std::span<const ColorBin> bins, HueFamily family);
 
 /// Adds the colours of the heaviest bins that differ clearly from all in `chosen`, until there are `limit`.
 void addDominantColors(std::span<const ColorBin> bins, std::size_t limit, std::vector<RGB>& chosen);
 
-/// Adds what differs most and draws the eye, until there are `limit` or nothing differs any more.
+/// Adds the most different and most vivid colours, until there are `limit` or the rest is too similar.
 void fillUp(std::span<const ColorBin> bins, std::size_t limit, std::vector<RGB>& chosen);
 
 /// Stronger and brighter, for a thin bar; greys stay grey.
@@ -68,8 +68,8 @@ void fillUp(std::span<const ColorBin> bins, std::size_t limit, std::vector<RGB>&
 /// By hue, then the near-greys by brightness. Equal ones keep their order.
 void sortForDisplay(std::vector<HSB>& colors);
 
-/// All of it: `colorCount` colours, or fewer when the picture has fewer, or up to three accents when that is more.
-/// Fewer than 2 are not asked for. Empty when no pixel is more than half opaque.
+/// All steps: `colorCount` colours (at least 2), fewer when the picture has fewer, or up to three accents if that is
+/// more. Empty when no pixel is more than half opaque.
 [[nodiscard]] std::vector<Rgba> paletteOfPixels(std::span<const PicturePixel> pixels, int colorCount);
 
 } // namespace vantry::WallpaperThemeReader

@@ -1,6 +1,7 @@
 #include "rendering/WallpaperThemeReader.h"
 
 #include "base/Format.h"
+#include "base/Text.h"
 #include "platform/DesktopPicture.h"
 #include "platform/OpenFiles.h"
 #include "platform/Picture.h"
@@ -28,10 +29,7 @@ constexpr std::array<std::string_view, 6> ownersOfOtherWindows{"Dock",      "Fin
 std::string lowercaseExtension(const std::filesystem::path& path) {
     std::string extension = path.extension().native();
     extension.erase(0, 1);
-    std::ranges::transform(extension, extension.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return extension;
+    return asciiLowercase(std::move(extension));
 }
 
 template <std::size_t Count>

@@ -27,9 +27,10 @@ constexpr const char* systemVolume = "/";
 
 StorageReadResult failure(StorageReadError error) { return std::unexpected(StorageReadFailure{error}); }
 
-StorageSnapshot snapshot(std::optional<std::string> name, const char* nameIfUnnamed, std::int64_t total,
-                         std::int64_t available, SystemTime now) {
-    return {std::move(name).value_or(nameIfUnnamed), total, std::clamp<std::int64_t>(available, 0, total), now};
+StorageSnapshot snapshot(const VolumeCapacity& said, const char* nameIfUnnamed, std::int64_t available,
+                         SystemTime now) {
+    return {said.name.value_or(nameIfUnnamed), *said.totalBytes,
+            std::clamp<std::int64_t>(available, 0, *said.totalBytes), now, said.reservedBytes};
 }
 
 } // namespace
@@ -43,13 +44,13 @@ StorageReadResult strictSnapshot(const Result<VolumeCapacity>& said, SystemTime 
         said->availableForImportantUsageBytes ? said->availableForImportantUsageBytes : said->availableBytes;
     if (!available)
         return failure(StorageReadError::missingAvailableCapacity);
-    return snapshot(said->name, "Macintosh HD", *said->totalBytes, *available, now);
+    return snapshot(*said, "Macintosh HD", *available, now);
 }
 
 std::optional<StorageSnapshot> basicSnapshot(const Result<VolumeCapacity>& said, SystemTime now) {
     if (!said || said->totalBytes.value_or(0) < 1 || !said->availableBytes)
         return std::nullopt;
-    return snapshot(said->name, "Mac Storage", *said->totalBytes, *said->availableBytes, now);
+    return snapshot(*said, "Mac Storage", *said->availableBytes, now);
 }
 
 StorageReadResult readSystemVolume() {

@@ -11,7 +11,7 @@
 
 namespace vantry {
 
-/// What a volume can fail to tell.
+/// Figures that a volume may fail to report.
 enum class StorageReadError { missingCapacity, missingAvailableCapacity };
 
 /// The sentence that the user is shown.
@@ -30,10 +30,10 @@ using StorageReadResult = std::expected<StorageSnapshot, StorageReadFailure>;
 /// Reads the volume that holds "/". No state; any thread; blocking.
 namespace StorageReader {
 
-/// Strict: says why a read failed. Prefers the figure that counts space the system can free by itself.
+/// Strict: returns why a read failed. Prefers the figure that counts space the system can free by itself.
 [[nodiscard]] StorageReadResult readSystemVolume();
 
-/// Basic: nothing on any failure, and the plain figure of the file system.
+/// Basic: absent on any failure; uses the plain figure of the file system.
 [[nodiscard]] std::optional<StorageSnapshot> readBasicSystemVolume();
 
 /// The strict reader's decision about what the system said.

@@ -1,6 +1,6 @@
 #include "cleanup/model/CleanupAvenue.h"
 
-#include "cleanup/model/CaseTable.h"
+#include "base/CaseTable.h"
 
 namespace vantry {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Color.h"
-#include "cleanup/model/CleanupArea.h"
 #include "cleanup/model/CleanupCategory.h"
+#include "platform/HostSystem.h"
 
 #include <array>
 #include <optional>
@@ -12,7 +12,7 @@
 
 namespace vantry {
 
-/// One way in which space could be had back, explained to the user.
+/// One way to get space back, explained to the user.
 struct CleanupAvenue {
     /// How the application treats it.
     enum class Mode { scanned, manageInApp, macOSManaged, keptPrivate, includedAbove };
@@ -31,16 +31,37 @@ struct CleanupAvenue {
         deviceBackups,
     };
 
+    /// A place that an avenue measures by itself, beside those of the categories.
+    struct Place {
+        enum class Kind {
+            whole,      ///< everything at the path
+            diskImages, ///< the images of virtual machines at any depth below it
+            oldCaches,  ///< what lies directly in it, is no other avenue's, and has not changed for 30 days
+            leftBehind, ///< the folders below it of Flatpak applications that are not installed
+        };
+
+        std::string_view path; ///< a pattern, see GuidePlaces.h
+        Kind kind = Kind::whole;
+
+        bool operator==(const Place&) const = default;
+    };
+
     CleanupArea area;
     std::string_view title;
     std::string_view detail;
     std::string_view symbolName;
     Mode mode;
-    std::set<CleanupCategory> categories; ///< whose findings it shows; empty unless `scanned`
+    std::set<CleanupCategory> categories; ///< it shows their findings; empty unless `scanned`
     std::optional<Action> action;         ///< absent: no button
+    // Of avenues with places of their own.
+    std::string_view identifier = {}; ///< its name for programs
+    std::vector<Place> places = {};
+    std::string_view command = {}; ///< the owner's own, for the user to run; Ombrel never does
 
-    /// Every avenue, within an area in the order in which they are shown. One list for all. Any thread.
+    /// Every avenue of macOS; within an area in the order of display. Any thread.
     [[nodiscard]] static const std::vector<CleanupAvenue>& catalog();
+    /// Every avenue of `system`. Every category stands in one of them.
+    [[nodiscard]] static const std::vector<CleanupAvenue>& catalog(HostSystem system);
 
     bool operator==(const CleanupAvenue&) const = default;
 };

@@ -9,7 +9,7 @@ using Mode = CleanupAvenue::Mode;
 using Category = CleanupCategory;
 using Action = CleanupAvenue::Action;
 
-// An entry reads line by line: what it is called, what it says, how it is treated.
+// Each entry: title, text, then symbol, treatment, categories and button.
 // clang-format off
 std::vector<CleanupAvenue> everyAvenue() {
     return {

@@ -1,8 +1,9 @@
 #include "cleanup/model/CleanupCandidate.h"
 
+#include "base/CaseTable.h"
+#include "base/HashOf.h"
+#include "base/StandardizedPath.h"
 #include "base/Uuid.h"
-#include "cleanup/model/HashOf.h"
-#include "cleanup/model/StandardizedPath.h"
 #include "platform/FoundItem.h"
 
 #include <chrono>
@@ -10,7 +11,14 @@
 
 namespace vantry {
 
-// The parameters must not hide the fields that they become.
+static_assert(rowsStandInOrder(allCleanupConfidences));
+
+std::string_view rawValue(CleanupConfidence confidence) { return rowOf(allCleanupConfidences, confidence).rawValue; }
+std::optional<CleanupConfidence> cleanupConfidenceFromRawValue(std::string_view rawValue) {
+    return caseOf(allCleanupConfidences, rawValue);
+}
+
+// The parameters have other names than the fields, which they would hide.
 CleanupCandidate::CleanupCandidate(const std::filesystem::path& itsUrl, std::string itsTitle, Category itsCategory,
                                    std::string itsReason, std::int64_t itsSize, Confidence itsConfidence,
                                    FileFingerprint fingerprint, SystemTime itsTime)

@@ -2,44 +2,61 @@
 
 #include "base/Time.h"
 #include "cleanup/model/CleanupCategory.h"
-#include "cleanup/model/CleanupConfidence.h"
-#include "cleanup/model/CleanupRemovalDisposition.h"
 #include "platform/FileFingerprint.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vantry {
 
-/// A file or folder that is offered for review or for the Trash. Equal and hashed by every field.
+/// How sure a finder is that nobody needs the item.
+enum class CleanupConfidence { suggested, review };
+
+/// `rawValue` is also the label.
+struct CleanupConfidenceRow {
+    CleanupConfidence value;
+    std::string_view rawValue;
+};
+
+inline constexpr std::array<CleanupConfidenceRow, 2> allCleanupConfidences{{
+    {CleanupConfidence::suggested, "Low Risk"},
+    {CleanupConfidence::review, "Review First"},
+}};
+
+[[nodiscard]] std::string_view rawValue(CleanupConfidence confidence);
+[[nodiscard]] std::optional<CleanupConfidence> cleanupConfidenceFromRawValue(std::string_view rawValue);
+
+/// A file or folder offered for review or for the Trash. Equality and hash cover every field.
 struct CleanupCandidate {
     using Category = CleanupCategory;
     using Confidence = CleanupConfidence;
     using RemovalDisposition = CleanupRemovalDisposition;
 
-    std::string uiID; ///< fresh for every candidate made, also for the same file
+    std::string uiID; ///< new for every candidate, even for the same file
     std::filesystem::path url;
     std::string title;
     Category category;
     std::string reason;    ///< the line under the title
-    std::int64_t size = 0; ///< bytes it occupies
+    std::int64_t size = 0; ///< allocated bytes
     Confidence confidence;
-    // What identified the item when it was found; compared again before it is moved.
+    // These identified the item when it was found; they are compared before it is moved.
     std::optional<SystemTime> scannedModificationDate;
     std::optional<std::string> scannedResourceIdentifier;
     std::optional<std::string> scannedVolumeIdentifier;
     SystemTime scannedAt;
 
-    /// Reads the fingerprint of the item at the absolute path `url` and the clock. Blocking; any thread. Never fails:
-    /// what cannot be read of the fingerprint is absent.
+    /// Reads the clock and the fingerprint of the item at the absolute path `url`. Blocking; any thread. Never fails:
+    /// fields that cannot be read are absent.
     CleanupCandidate(const std::filesystem::path& url, std::string title, Category category, std::string reason,
                      std::int64_t size, Confidence confidence);
 
-    /// The same with a fingerprint that was read before, at `scannedAt`. Touches no disk.
+    /// The same with a fingerprint that was read at `scannedAt`. Touches no disk.
     [[nodiscard]] static CleanupCandidate withFingerprint(const std::filesystem::path& url, std::string title,
                                                           Category category, std::string reason, std::int64_t size,
                                                           Confidence confidence, FileFingerprint fingerprint,

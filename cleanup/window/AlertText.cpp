@@ -9,20 +9,20 @@ namespace vantry {
 
 namespace {
 
-constexpr std::size_t mostLines = 12; // which are twice as many where the words break badly
+constexpr std::size_t mostLines = 12; // twice as many if the words break badly
 constexpr const char* ellipsis = "…";
 
-/// The place of the first character that begins at or after `index`.
-std::size_t characterAt(std::string_view text, std::size_t index) {
-    while (index < text.size() && (static_cast<unsigned char>(text[index]) & 0xc0) == 0x80)
+/// The start of the first character at or after `index`; the null character at the end counts as one.
+std::size_t characterAt(const std::string& text, std::size_t index) {
+    while ((static_cast<unsigned char>(text[index]) & 0xc0) == 0x80)
         ++index;
     return index;
 }
 
-std::string withoutMiddle(std::string_view text, std::size_t keptBytes) {
+std::string withoutMiddle(const std::string& text, std::size_t keptBytes) {
     const std::size_t head = characterAt(text, keptBytes - keptBytes / 2);
     const std::size_t tail = characterAt(text, text.size() - keptBytes / 2);
-    return std::string(text.substr(0, head)) + ellipsis + std::string(text.substr(tail));
+    return text.substr(0, head) + ellipsis + text.substr(tail);
 }
 
 std::string elided(const std::string& text, double width, const TextWidth& widthOf) {
@@ -36,7 +36,7 @@ std::string elided(const std::string& text, double width, const TextWidth& width
     return withoutMiddle(text, fits);
 }
 
-/// Where the word ends that begins at `begin`: at a space, or behind a slash where a line may break.
+/// The end of the word that begins at `begin`: at a space, or after a slash, where a line may break.
 std::size_t endOfWord(std::string_view text, std::size_t begin) {
     const auto isLetter = [](char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); };
     std::size_t end = begin + 1;

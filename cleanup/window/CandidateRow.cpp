@@ -1,6 +1,6 @@
 #include "cleanup/window/CandidateRow.h"
 
-#include "cleanup/window/SingleLine.h"
+#include "base/Text.h"
 #include "platform/TextFormat.h"
 
 namespace vantry {
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view identifierPrefix = "candidate-";
 
-/// What all rows of one kind share.
+/// The properties of a kind of row.
 struct RowKind {
     CandidateRowContent::Kind kind;
     const char* symbolName;
@@ -36,19 +36,21 @@ bool isControlOf(const CleanupCandidate& candidate, std::string_view identifier)
     return identifier.starts_with(identifierPrefix) && identifier.substr(identifierPrefix.size()) == candidate.uiID;
 }
 
-CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected, bool sizeIsLowerBound) {
+CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selected, HostSystem system,
+                                 bool sizeIsLowerBound) {
     const auto kind = rowKind(candidate.removalDisposition());
     const auto name = singleLine(candidate.title);
     CandidateRowContent row{.identifier = controlIdentifier(candidate),
                             .kind = kind.kind,
                             .symbolName = kind.symbolName,
                             .title = name,
-                            .reason = candidate.reason,
+                            .reason = inWordsOf(system, candidate.reason),
                             .sizeText = "Uses " + byteCountText(candidate.size),
-                            .badge = std::string(title(candidate.removalDisposition())),
+                            .badge = inWordsOf(system, title(candidate.removalDisposition())),
                             .badgeColor = kind.color,
                             .tooltip = singleLine(candidate.url.native()),
-                            .revealAccessibilityLabel = "Reveal " + name + " in Finder"};
+                            .revealAccessibilityLabel = "Reveal " + name + inWordsOf(system, " in Finder"),
+                            .revealTooltip = inWordsOf(system, "Reveal in Finder")};
     if (sizeIsLowerBound) {
         row.sizeDetail = "At least " + byteCountText(candidate.size) + "; measuring stopped early";
         row.tooltip += "\n" + row.sizeDetail;
@@ -57,7 +59,7 @@ CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selecte
         row.selected = selected;
         row.selectionAccessibilityLabel = "Select low-risk file " + name;
     } else {
-        row.note = "Review in Finder. This item cannot be selected here.";
+        row.note = inWordsOf(system, "Review in Finder. This item cannot be selected here.");
     }
     return row;
 }

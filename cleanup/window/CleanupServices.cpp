@@ -1,12 +1,8 @@
 #include "cleanup/window/CleanupServices.h"
 
-#include "cleanup/scan/CleanupScanner.h"
-#include "cleanup/scan/CleanupValidation.h"
-#include "cleanup/scan/ScanEnvironment.h"
-#include "cleanup/window/CleanupHistory.h"
-#include "platform/FileCoordinator.h"
+#include "cleanup/finding/CleanupScanner.h"
+#include "cleanup/finding/GuideMeasurement.h"
 #include "platform/StopSwitch.h"
-#include "platform/Trash.h"
 #include "platform/UserSession.h"
 #include "storage/StorageReader.h"
 
@@ -17,9 +13,7 @@ namespace vantry {
 
 namespace {
 
-constexpr const char* noHome = "the home folder could not be verified";
-
-// Without a home folder nothing can be checked, which is a result too.
+// The report without a home folder: nothing could be checked.
 CleanupScanReport nothingChecked() {
     CleanupScanReport report{.storageSnapshot = StorageReader::readBasicSystemVolume()};
     for (const auto& row : allCleanupCategories) {
@@ -35,43 +29,36 @@ CleanupScanReport scan(std::span<const std::string> runningBundleIdentifiers, st
     return environment ? CleanupScanner::scan(*environment, runningBundleIdentifiers) : nothingChecked();
 }
 
-std::optional<std::string> validationFailure(const CleanupCandidate& candidate) {
-    const auto environment = ScanEnvironment::currentWithoutWorkers();
-    return environment ? CleanupScanner::validationFailure(candidate, *environment) : noHome;
-}
-
-TrashMove moveValidated(const CleanupCandidate& candidate) {
-    const auto environment = ScanEnvironment::currentWithoutWorkers();
-    if (!environment)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = noHome};
-    const auto checked = CleanupScanner::validatedFile(candidate, *environment);
-    if (!checked)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = checked.error()};
-    return moveToTrash(checked->file, checked->facts);
+std::map<std::string, GuideUsage> measureGuide(const std::shared_ptr<StopSwitch>& stopSwitch,
+                                               const std::function<bool()>& isWanted) {
+    const auto environment = ScanEnvironment::current(stopSwitch, nullptr);
+    return environment ? CleanupScanner::measureGuide(*environment, isWanted) : std::map<std::string, GuideUsage>();
 }
 
 } // namespace
 
 CleanupServices systemCleanupServices(FolderOpener opener) {
     const auto home = homeFolder().value_or(std::filesystem::path());
-    const auto stopSwitch = StopSwitch::create().value_or(nullptr); // without one, scans end by themselves
-    return {.home = home,
-            .applications = "/Applications",
-            .scan = [stopSwitch, questions = FolderQuestions::create(std::move(opener))](
-                        std::span<const std::string> running) { return scan(running, stopSwitch, questions); },
-            .stopScanning =
-                [stopSwitch] {
-                    if (stopSwitch)
-                        std::ignore = stopSwitch->stop();
-                },
-            .validationFailure = validationFailure,
-            .coordinateMoving = coordinateMoving,
-            .moveToTrash = moveValidated,
-            .saveHistory =
-                [home](std::span<const CleanupCandidate> moved, const CleanupRecord& record, RecordVersion version) {
-                    return !home.empty() && saveHistory(moved, home, record, version);
-                },
-            .now = [] { return SystemTime(std::chrono::system_clock::now()); }};
+    const auto stopSwitch = StopSwitch::create().value_or(nullptr); // without one, scans run to their own end
+    CleanupServices services{
+        .home = home,
+        .downloads = downloadFolder(home),
+        .applications = "/Applications",
+        .system = hostSystem(),
+        .scan = [stopSwitch, questions = FolderQuestions::create(std::move(opener))](
+                    std::span<const std::string> running) { return scan(running, stopSwitch, questions); },
+        .measureGuide = {},
+        .stopScanning =
+            [stopSwitch] {
+                if (stopSwitch)
+                    std::ignore = stopSwitch->stop();
+            },
+        .move = systemMoveServices()};
+    if (services.system != HostSystem::macOS)
+        services.measureGuide = [stopSwitch](const std::function<bool()>& isWanted) {
+            return measureGuide(stopSwitch, isWanted);
+        };
+    return services;
 }
 
 } // namespace vantry

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "base/Result.h"
-#include "cleanup/model/CleanupCandidate.h"
 #include "cleanup/model/CleanupScanReport.h"
-#include "cleanup/window/CleanupHistory.h"
+#include "cleanup/move/MoveServices.h"
+#include "platform/HostSystem.h"
 #include "platform/ItemFacts.h"
-#include "platform/Trash.h"
 
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <optional>
+#include <map>
 #include <span>
 #include <string>
 
@@ -18,29 +16,24 @@ namespace vantry {
 
 /// What the "Free Up Space" window does to the disk. The functions block and run in the background.
 struct CleanupServices {
-    std::filesystem::path home;         ///< whose folders the avenues open
-    std::filesystem::path applications; ///< the folder of applications that the avenues open
+    std::filesystem::path home;         ///< the avenues open its folders
+    std::filesystem::path downloads;    ///< opened by an avenue
+    std::filesystem::path applications; ///< opened by an avenue
+    HostSystem system;                  ///< its words are shown
 
     std::function<CleanupScanReport(std::span<const std::string> runningBundleIdentifiers)> scan;
-    /// Ends a scan that runs, and keeps one from starting: its worker processes end and their files are removed. Any
-    /// thread; takes half a second at most.
+    /// Measures the avenues' own places, which can take some seconds; ends early when `isWanted` says no. Empty where
+    /// no avenue has a place.
+    std::function<std::map<std::string, GuideUsage>(const std::function<bool()>& isWanted)> measureGuide;
+    /// Ends a running scan or measurement and prevents new ones: its worker processes end and their files are removed.
+    /// Any thread; takes at most half a second.
     std::function<void()> stopScanning;
-    /// Why the candidate may not be moved, a lower-case phrase; absent when it may.
-    std::function<std::optional<std::string>(const CleanupCandidate&)> validationFailure;
-    /// Calls the function with the path to act on, unless other processes cannot be brought to leave the file alone.
-    std::function<Result<void>(const std::filesystem::path&, const std::function<void(const std::filesystem::path&)>&)>
-        coordinateMoving;
-    /// Validates the candidate once more and moves what was validated to the Trash; what may not be moved is
-    /// `notMoved`.
-    std::function<TrashMove(const CleanupCandidate&)> moveToTrash;
-    /// Writes the record of a move, in place of its earlier version; false when it could not be written.
-    std::function<bool(std::span<const CleanupCandidate>, const CleanupRecord&, RecordVersion)> saveHistory;
-    std::function<SystemTime()> now;
-    /// How long the end of the process waits for the file in hand of a move.
+    MoveServices move;
+    /// How long the end of the process waits for a move to finish its current file.
     std::chrono::milliseconds longestEnding{2000};
 };
 
-/// The real ones, whose first scan has the system ask the user about folders by `opener`. Blocking, once.
+/// The real ones. Their first scan makes the system ask the user about folders by `opener`. Blocking; once.
 [[nodiscard]] CleanupServices systemCleanupServices(FolderOpener opener = folderOpener());
 
 } // namespace vantry

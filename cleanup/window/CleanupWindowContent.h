@@ -2,20 +2,21 @@
 
 #include "base/Color.h"
 #include "base/Geometry.h"
-#include "cleanup/model/CleanupArea.h"
 #include "cleanup/model/CleanupAvenue.h"
+#include "cleanup/model/CleanupCategory.h"
 
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace vantry {
 
 // Everything that the "Free Up Space" window shows. Symbols are named as in SF Symbols.
 
-/// The two ways to look at what a scan found, in the order of the mode control's segments.
+/// The two views of a scan's results, in the order of the mode control's segments.
 enum class CleanupWindowMode { filesFound, storageGuide };
 
 struct SummaryCardContent {
@@ -35,7 +36,7 @@ struct CleanupButtonContent {
     bool operator==(const CleanupButtonContent&) const = default;
 };
 
-/// What stands in the middle of the results when there are none.
+/// Shown in the middle of the results if there are none.
 struct EmptyStateContent {
     std::string symbolName;
     std::string title;
@@ -50,33 +51,43 @@ struct CandidateRowContent {
 
     std::string identifier; ///< of its controls: "candidate-" and the candidate's UI id
     Kind kind = Kind::review;
-    std::string symbolName; ///< in front; empty where there is a checkbox instead
+    std::string symbolName; ///< before the title; empty where there is a checkbox
     bool selected = false;  ///< the checkbox
     std::string selectionAccessibilityLabel;
     std::string title;
     std::string reason;
     std::string note; ///< why it cannot be selected; empty where it can
     std::string sizeText;
-    std::string sizeDetail; ///< for a screen reader: that there is more; empty for a whole size
+    std::string sizeDetail; ///< that the size is a lower bound; empty for an exact size
     std::string badge;
     SystemColor badgeColor = SystemColor::label; ///< of the badge and the symbol
-    std::string tooltip; ///< the path, with replacement characters for bytes that are not UTF-8, and the size's detail
+    std::string tooltip; ///< the path, with U+FFFD for bytes that are not UTF-8, and the size's detail
     std::string revealAccessibilityLabel;
+    std::string revealTooltip;
 
     bool operator==(const CandidateRowContent&) const = default;
 };
+
+/// A button that puts a command on the clipboard.
+struct CopyCommand {
+    std::string command;
+
+    bool operator==(const CopyCommand&) const = default;
+};
+
+using AvenueButtonAction = std::variant<CleanupAvenue::Action, CopyCommand>;
 
 /// The button of an avenue.
 struct AvenueButtonContent {
     std::string title;
     std::string tooltip;
-    CleanupAvenue::Action action = CleanupAvenue::Action::home;
+    AvenueButtonAction action = CleanupAvenue::Action::home;
     bool enabled = true;
 
     bool operator==(const AvenueButtonContent&) const = default;
 };
 
-/// One avenue of the catalog and what is known of it.
+/// One avenue of the catalog with its status.
 struct AvenueRowContent {
     std::string symbolName;
     std::string title;
@@ -89,7 +100,7 @@ struct AvenueRowContent {
     bool operator==(const AvenueRowContent&) const = default;
 };
 
-/// One area: a header, and one card with the rows below each other. Rows are of one kind at a time.
+/// One area: a header, and one card with its rows, all of one kind.
 struct CleanupSectionContent {
     CleanupArea area = CleanupArea::quickWins;
     std::string symbolName;
@@ -117,27 +128,25 @@ struct CleanupWindowContent {
     std::array<std::string, 2> modeLabels{"Files Found", "Storage Guide"};
     CleanupWindowMode modeControl = CleanupWindowMode::filesFound; ///< the selected segment
     CleanupButtonContent scanButton{"Scan Again"};
-    bool progressIndicator = false; ///< spinning; hidden when not
+    bool progressIndicator = false; ///< whether it spins; hidden otherwise
     CleanupButtonContent selectSuggestedButton{"Select Low-Risk Files", false};
     CleanupButtonContent trashButton{"Move to Trash…", false}; ///< marked destructive
-    std::string noticeSymbolName = "lock.shield.fill";         ///< green, as the border and the fill around it
+    std::string noticeSymbolName = "lock.shield.fill";         ///< green, like the border and the fill around it
     std::string notice =
         "Only individual low-risk files can be selected. macOS files, app databases, documents, photos, "
         "messages, passwords, game saves, and device backups are blocked.";
     std::string statusLabel = "Scan local metadata to find explainable cleanup opportunities.";
     std::string selectionLabel = "Nothing selected"; ///< in the secondary colour
 
-    std::optional<EmptyStateContent> emptyState; ///< in place of the sections
+    std::optional<EmptyStateContent> emptyState; ///< replaces the sections
     std::vector<CleanupSectionContent> sections;
     bool selectionEnabled = true; ///< whether the checkboxes of the rows can be used
 
     bool operator==(const CleanupWindowContent&) const = default;
 };
 
-inline constexpr const char* revealTooltip = "Reveal in Finder";
-
-/// A question or a message of the warning style on a sheet of the window. The first button is the default one; the last
-/// is what Escape means, and what a sheet that goes away unanswered means.
+/// A warning on a sheet of the window. The first button is the default; the last one stands for Escape and for a sheet
+/// that closes unanswered.
 struct AlertContent {
     std::string message;
     std::string informativeText;

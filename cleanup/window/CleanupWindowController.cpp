@@ -1,26 +1,14 @@
 #include "cleanup/window/CleanupWindowController.h"
 
-#include "cleanup/window/AvenueTarget.h"
+#include "cleanup/window/AvenueRow.h"
 #include "cleanup/window/CandidateRow.h"
 #include "cleanup/window/MoveTexts.h"
-#include "cleanup/window/ResultSections.h"
-#include "cleanup/window/ScanSummaryText.h"
-#include "cleanup/window/SummaryCards.h"
-#include "platform/TextFormat.h"
+#include "cleanup/window/SummaryTexts.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace vantry {
-
-namespace {
-
-void applyTexts(SummaryCardContent& card, SummaryCardTexts texts) {
-    card.value = std::move(texts.value);
-    card.detail = std::move(texts.detail);
-}
-
-} // namespace
 
 CleanupWindowController::CleanupWindowController(CleanupWindowShell& shell, std::shared_ptr<MainQueue> mainQueue,
                                                  std::shared_ptr<BackgroundQueue> backgroundQueue,
@@ -29,7 +17,8 @@ CleanupWindowController::CleanupWindowController(CleanupWindowShell& shell, std:
       mainQueue_(std::move(mainQueue)),
       backgroundQueue_(std::move(backgroundQueue)),
       workspace_(std::move(workspace)),
-      services_(std::move(services)) {}
+      services_(std::move(services)),
+      content_(cleanupWindowContent(state_, services_.system)) {}
 
 // ---- the scan
 
@@ -39,16 +28,19 @@ void CleanupWindowController::showAndScan() {
 }
 
 void CleanupWindowController::scan() {
-    if (activity_ != Activity::idle)
+    if (state_.activity != Activity::idle)
         return;
-    begin(Activity::scanning);
-    selectedPaths_.clear();
-    if (canOpen_.empty())
+    state_.activity = Activity::scanning;
+    state_.selected.clear();
+    state_.copiedCommand.clear();
+    if (const auto isWanted = std::exchange(guideIsWanted_, nullptr))
+        isWanted->store(false);
+    if (state_.canOpen.empty())
         findOutWhatCanBeOpened();
-    content_.statusLabel = "Measuring storage and checking only approved low-risk locations…";
     updateSelectionSummary();
+    state_.announcement = "Measuring storage and checking only approved low-risk locations…";
     render();
-    renderResults();
+    state_.announcement.reset();
     render();
     backgroundQueue_->submit(QualityOfService::userInitiated,
                              [weak = weak_from_this(), queue = mainQueue_, scan = services_.scan,
@@ -63,14 +55,35 @@ void CleanupWindowController::scan() {
 }
 
 void CleanupWindowController::finishScan(CleanupScanReport report) {
-    report_ = std::move(report);
+    report.guide = std::move(state_.report.guide); // until it is measured again
+    state_.report = std::move(report);
+    state_.activity = Activity::idle;
+    state_.summary = scanSummaryText(state_.report, services_.system);
     findOutWhatCanBeOpened();
-    endActivity();
-    scanSummary_ = scanSummaryText(report_);
-    updateSummaryCards();
-    renderResults();
     render();
     shell_.scrollCleanupResultsToTop();
+    measureGuide();
+}
+
+void CleanupWindowController::measureGuide() {
+    if (!services_.measureGuide)
+        return;
+    guideIsWanted_ = std::make_shared<std::atomic<bool>>(true);
+    backgroundQueue_->submit(QualityOfService::utility, [weak = weak_from_this(), queue = mainQueue_,
+                                                         measure = services_.measureGuide, isWanted = guideIsWanted_] {
+        const auto isStillWanted = [weak, isWanted] { return isWanted->load() && !weak.expired(); };
+        if (!isStillWanted())
+            return;
+        queue->post(
+            [weak, isWanted, guide = std::make_shared<std::map<std::string, GuideUsage>>(measure(isStillWanted))] {
+                const auto self = weak.lock();
+                if (!self || self->guideIsWanted_ != isWanted)
+                    return;
+                self->guideIsWanted_.reset();
+                self->state_.report.guide = std::move(*guide);
+                self->render();
+            });
+    });
 }
 
 // ---- the controls
@@ -78,36 +91,31 @@ void CleanupWindowController::finishScan(CleanupScanReport report) {
 void CleanupWindowController::scanPressed() { scan(); }
 
 void CleanupWindowController::modeChanged(CleanupWindowMode mode) {
-    content_.modeControl = mode;
-    renderResults();
+    state_.mode = mode;
+    state_.copiedCommand.clear();
+    updateSelectionSummary();
     render();
 }
 
 void CleanupWindowController::candidateSelectionChanged(std::string_view identifier, bool isOn) {
     const auto* changed = candidate(identifier);
-    if (!changed || activity_ != Activity::idle)
+    if (!changed || state_.activity != Activity::idle)
         return;
     if (isOn && changed->canMoveToTrash())
-        selectedPaths_.insert(changed->url.native());
+        state_.selected.insert(changed->url.native());
     else
-        selectedPaths_.erase(changed->url.native());
-    // The one row instead of all of them: a list may be long.
-    for (auto& section : content_.sections)
-        for (auto& row : section.candidates)
-            if (row.identifier == identifier)
-                row.selected = isSelected(*changed);
+        state_.selected.erase(changed->url.native());
     updateSelectionSummary();
     render();
 }
 
 void CleanupWindowController::selectSuggestedPressed() {
-    if (activity_ != Activity::idle)
+    if (state_.activity != Activity::idle)
         return;
-    selectedPaths_.clear();
-    for (const auto& found : report_.candidates)
+    for (const auto& found : state_.report.candidates)
         if (found.canMoveToTrash())
-            selectedPaths_.insert(found.url.native());
-    renderResults();
+            state_.selected.insert(found.url.native());
+    updateSelectionSummary();
     render();
 }
 
@@ -116,8 +124,15 @@ void CleanupWindowController::revealPressed(std::string_view identifier) {
         workspace_->revealItem(found->url);
 }
 
-void CleanupWindowController::avenueActionPressed(CleanupAvenue::Action action) {
-    const auto target = avenueTarget(action, services_.home, services_.applications);
+void CleanupWindowController::avenueActionPressed(const AvenueButtonAction& action) {
+    if (const auto* copy = std::get_if<CopyCommand>(&action)) {
+        workspace_->copyText(copy->command);
+        state_.copiedCommand = copy->command;
+        render();
+        return;
+    }
+    const auto target = avenueTarget(std::get<CleanupAvenue::Action>(action), services_.home, services_.downloads,
+                                     services_.applications);
     switch (target.kind) {
     case AvenueTarget::Kind::homeFolder:
     case AvenueTarget::Kind::systemFolder: openFolder(target.path); break;
@@ -129,7 +144,7 @@ void CleanupWindowController::avenueActionPressed(CleanupAvenue::Action action) 
 // ---- the move
 
 void CleanupWindowController::trashPressed() {
-    if (activity_ != Activity::idle)
+    if (state_.activity != Activity::idle)
         return;
     auto selected = selectedCandidates();
     if (selected.empty())
@@ -140,18 +155,17 @@ void CleanupWindowController::trashPressed() {
     }
     for (const auto& found : selected)
         if (!found.canMoveToTrash())
-            selectedPaths_.erase(found.url.native());
-    renderResults();
+            state_.selected.erase(found.url.native());
+    updateSelectionSummary();
     ask(protectedSelectionAlert(), {});
 }
 
 void CleanupWindowController::validate(Candidates selected, Check checked) {
-    begin(Activity::checking);
-    updateModeControls();
+    state_.activity = Activity::checking;
     render();
     backgroundQueue_->submit(
         QualityOfService::userInitiated,
-        [weak = weak_from_this(), queue = mainQueue_, services = services_, checked, number = ++checkNumber_,
+        [weak = weak_from_this(), queue = mainQueue_, services = services_.move, checked, number = ++checkNumber_,
          candidates = std::make_shared<const Candidates>(std::move(selected))] {
             if (weak.expired())
                 return;
@@ -162,10 +176,10 @@ void CleanupWindowController::validate(Candidates selected, Check checked) {
         });
 }
 
-// What was checked moves on only if it still is what the user selected, in a window that they can see.
+// The checked files move on only if they are still the selected ones, in a window that the user can see.
 void CleanupWindowController::finishCheck(const Candidates& selected, const std::vector<std::string>& failureLines,
                                           Check checked) {
-    endActivity();
+    state_.activity = Activity::idle;
     if (selectedCandidates() == selected && shell_.cleanupWindowIsShown())
         (this->*checked)(selected, failureLines);
     else
@@ -173,10 +187,10 @@ void CleanupWindowController::finishCheck(const Candidates& selected, const std:
 }
 
 void CleanupWindowController::cancelPressed() {
-    if (activity_ != Activity::checking)
+    if (state_.activity != Activity::checking)
         return;
-    ++checkNumber_; // the check may hang, so nobody waits for it
-    endActivity();
+    ++checkNumber_; // do not wait for the check: it may hang
+    state_.activity = Activity::idle;
     render();
 }
 
@@ -204,15 +218,14 @@ void CleanupWindowController::startMove(const Candidates& candidates, const std:
         ask(changedBeforeMoveAlert(failureLines), {});
         return;
     }
-    begin(Activity::moving);
-    updateModeControls();
+    state_.activity = Activity::moving;
     render();
     move_ = std::make_shared<MoveControl>();
     backgroundQueue_->submit(QualityOfService::userInitiated, [weak = weak_from_this(), queue = mainQueue_,
-                                                               services = services_, candidates, control = move_] {
+                                                               services = services_.move, candidates, control = move_] {
         if (weak.expired())
             return;
-        queue->post([weak, outcome = vantry::moveToTrash(services, candidates, *control)] {
+        queue->post([weak, outcome = moveCandidates(services, candidates, *control)] {
             if (const auto self = weak.lock())
                 self->finishMove(outcome);
         });
@@ -224,25 +237,26 @@ void CleanupWindowController::finishMove(const MoveOutcome& outcome) {
         forget(moved);
     for (const auto& item : outcome.misplaced)
         forget(item.candidate);
-    endActivity();
-    scanSummary_ = movedText(outcome.moved.size(), outcome.failureLines.size(), outcome.recordWritten);
-    updateSummaryCards();
-    renderResults();
+    state_.activity = Activity::idle;
+    state_.summary = movedText(outcome.moved.size(), outcome.failureLines.size(), outcome.recordWritten);
+    updateSelectionSummary();
     render();
     if (outcome.misplaced.empty())
         return;
     if (!shell_.cleanupWindowIsShown())
-        shell_.showCleanupWindow(); // the user has to learn where the file is
+        shell_.showCleanupWindow(); // the user must learn where the file is
     ask(misplacedAlert(outcome.misplaced), {});
 }
 
-// The item is not in its place any more.
+// The item left its place.
 void CleanupWindowController::forget(const CleanupCandidate& gone) {
-    selectedPaths_.erase(gone.url.native());
-    std::erase_if(report_.candidates, [&](const auto& found) { return found.uiID == gone.uiID; });
+    state_.selected.erase(gone.url.native());
+    std::erase_if(state_.report.candidates, [&](const auto& found) { return found.uiID == gone.uiID; });
 }
 
 void CleanupWindowController::applicationWillTerminate() {
+    if (guideIsWanted_)
+        guideIsWanted_->store(false);
     services_.stopScanning();
     if (move_)
         move_->stop(services_.longestEnding);
@@ -250,13 +264,13 @@ void CleanupWindowController::applicationWillTerminate() {
 
 void CleanupWindowController::ask(const AlertContent& alert,
                                   std::function<void(CleanupWindowController&, AlertAnswer)> answered) {
-    begin(Activity::asking);
+    state_.activity = Activity::asking;
     render();
     shell_.ask(alert, [weak = weak_from_this(), answered = std::move(answered)](AlertAnswer answer) {
         const auto self = weak.lock();
         if (!self)
             return;
-        self->endActivity();
+        self->state_.activity = Activity::idle;
         if (answered)
             answered(*self, answer);
         self->render();
@@ -265,107 +279,42 @@ void CleanupWindowController::ask(const AlertContent& alert,
 
 // ---- what is shown
 
-void CleanupWindowController::begin(Activity activity) {
-    activity_ = activity;
-    content_.scanButton.enabled = false;
-    content_.selectSuggestedButton.enabled = false;
-    content_.trashButton.enabled = false;
-    content_.selectionEnabled = false;
-    content_.progressIndicator = activity != Activity::asking;
-}
-
-void CleanupWindowController::endActivity() {
-    activity_ = Activity::idle;
-    content_.scanButton.enabled = true;
-    content_.selectSuggestedButton.enabled = std::ranges::any_of(report_.candidates, &CleanupCandidate::canMoveToTrash);
-    content_.selectionEnabled = true;
-    content_.progressIndicator = false;
-    updateModeControls();
-}
-
-void CleanupWindowController::updateModeControls() {
-    const bool isGuide = content_.modeControl == CleanupWindowMode::storageGuide;
-    content_.selectSuggestedButton.hidden = isGuide;
-    content_.trashButton.hidden = isGuide;
-    if (isGuide) {
-        content_.statusLabel = std::to_string(CleanupAvenue::catalog().size()) +
-                               " storage areas covered · “Used here” is everything measured in that area. “Shown” is "
-                               "only the smaller set of files worth checking.";
-        content_.selectionLabel =
-            "Nothing is removed automatically. Managed and private storage never gets a cleanup checkbox.";
-        return;
-    }
-    content_.statusLabel = statusText();
-    updateSelectionSummary();
-}
-
-std::string CleanupWindowController::statusText() const {
-    switch (activity_) {
-    case Activity::scanning: return "Checking cleanup avenues locally without reading personal document contents…";
-    case Activity::checking: return checkingText;
-    case Activity::moving: return movingText;
-    case Activity::idle:
-    case Activity::asking: break;
-    }
-    return scanSummary_;
-}
-
-void CleanupWindowController::updateSummaryCards() {
-    applyTexts(content_.macStorageCard, macStorageTexts(report_.storageSnapshot));
-    applyTexts(content_.foundCard, filesFoundTexts(report_.candidates));
-}
-
+// The guide shows no selection, so the last total stays.
 void CleanupWindowController::updateSelectionSummary() {
-    if (content_.modeControl == CleanupWindowMode::storageGuide)
-        return;
-    const auto selected = selectedTotal(report_.candidates, selectedPaths_);
-    content_.selectedCard.value = byteCountText(selected.bytes);
-    content_.selectionLabel = selectionText(selected);
-    content_.trashButton.enabled = selected.count > 0 && activity_ == Activity::idle;
+    if (state_.mode == CleanupWindowMode::filesFound)
+        state_.selectedTotal = selectedTotal(state_.report.candidates, state_.selected);
 }
 
-void CleanupWindowController::renderResults() {
-    content_.emptyState.reset();
-    content_.sections.clear();
-    if (content_.modeControl == CleanupWindowMode::storageGuide)
-        content_.sections = storageGuideSections(report_, [&](CleanupAvenue::Action action) {
-            const auto kind = avenueTarget(action, services_.home, services_.applications).kind;
-            const auto known = canOpen_.find(action);
-            return avenueButton(action, kind, known == canOpen_.end() || known->second);
-        });
-    else if (report_.candidates.empty() || activity_ == Activity::scanning)
-        content_.emptyState = emptyState(activity_ == Activity::scanning);
-    else
-        content_.sections = filesFoundSections(report_, selectedPaths_);
-    updateModeControls();
+void CleanupWindowController::render() {
+    content_ = cleanupWindowContent(state_, services_.system);
+    shell_.renderCleanupWindow(content_);
 }
-
-void CleanupWindowController::render() { shell_.renderCleanupWindow(content_); }
 
 // ---- questions and places
 
 const CleanupCandidate* CleanupWindowController::candidate(std::string_view forUIIdentifier) const {
     const auto found = std::ranges::find_if(
-        report_.candidates, [&](const auto& candidate) { return isControlOf(candidate, forUIIdentifier); });
-    return found == report_.candidates.end() ? nullptr : &*found;
+        state_.report.candidates, [&](const auto& candidate) { return isControlOf(candidate, forUIIdentifier); });
+    return found == state_.report.candidates.end() ? nullptr : &*found;
 }
 
 bool CleanupWindowController::isSelected(const CleanupCandidate& candidate) const {
-    return selectedPaths_.contains(candidate.url.native());
+    return state_.selected.contains(candidate.url.native());
 }
 
 CleanupWindowController::Candidates CleanupWindowController::selectedCandidates() const {
     Candidates selected;
-    std::ranges::copy_if(report_.candidates, std::back_inserter(selected),
+    std::ranges::copy_if(state_.report.candidates, std::back_inserter(selected),
                          [&](const auto& candidate) { return isSelected(candidate); });
     return selected;
 }
 
 void CleanupWindowController::findOutWhatCanBeOpened() {
     for (const auto& row : allCleanupAvenueActions) {
-        const auto target = avenueTarget(row.value, services_.home, services_.applications);
-        canOpen_[row.value] = target.kind == AvenueTarget::Kind::settingsPane ? workspace_->canOpenURL(target.url)
-                                                                              : workspace_->canOpenItem(target.path);
+        const auto target = avenueTarget(row.value, services_.home, services_.downloads, services_.applications);
+        state_.canOpen[row.value] = target.kind == AvenueTarget::Kind::settingsPane
+                                        ? workspace_->canOpenURL(target.url)
+                                        : workspace_->canOpenItem(target.path);
     }
 }
 

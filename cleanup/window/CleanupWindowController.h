@@ -1,18 +1,16 @@
 #pragma once
 
-#include "cleanup/model/CleanupScanReport.h"
+#include "cleanup/move/MoveCandidates.h"
 #include "cleanup/window/CleanupServices.h"
-#include "cleanup/window/CleanupWindowContent.h"
 #include "cleanup/window/CleanupWindowShell.h"
-#include "cleanup/window/MoveToTrash.h"
-#include "cleanup/window/SelectionSummary.h"
+#include "cleanup/window/CleanupWindowState.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Workspace.h"
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,10 +18,10 @@
 
 namespace vantry {
 
-/// The controller of the "Free Up Space" window: it scans in the background, shows what was found, and moves low-risk
-/// files that the user chose to the Trash. One thing at a time: while a scan, a check or a move is under way, or a
-/// sheet asks, neither a scan nor a move starts and the selection does not change. Main thread. To be owned by a
-/// `std::shared_ptr`: whatever is posted or asked holds it weakly.
+/// The controller of the "Free Up Space" window: scans in the background, shows the findings, and moves low-risk files
+/// that the user chose to the Trash. Does one thing at a time: while a scan, a check or a move runs, or a sheet is
+/// open, no scan or move starts and the selection is locked. Main thread. Own it by a `std::shared_ptr`: callbacks hold
+/// it weakly.
 class CleanupWindowController : public std::enable_shared_from_this<CleanupWindowController> {
 public:
     /// `shell` outlives the controller.
@@ -31,44 +29,42 @@ public:
                             std::shared_ptr<BackgroundQueue> backgroundQueue, std::shared_ptr<Workspace> workspace,
                             CleanupServices services);
 
-    /// Only shows the window while a scan or a move is under way, or a sheet asks.
+    /// Scans unless a scan, a check or a move runs or a sheet is open; shows the window in any case.
     void showAndScan();
-    /// Does nothing while a scan or a move is under way, or a sheet asks.
+    /// Does nothing while a scan, a check or a move runs or a sheet is open.
     void scan();
 
-    // What the controls do.
+    // The actions of the controls.
     void scanPressed();
     void modeChanged(CleanupWindowMode mode);
     void selectSuggestedPressed();
     void candidateSelectionChanged(std::string_view identifier, bool isOn);
     void revealPressed(std::string_view identifier);
-    void avenueActionPressed(CleanupAvenue::Action action);
+    void avenueActionPressed(const AvenueButtonAction& action);
     void trashPressed();
 
-    /// Escape was pressed in the window: a check of the selected files that is under way is given up, and nothing
-    /// moves.
+    /// Escape was pressed in the window: gives up a running check of the selected files, so that nothing moves.
     void cancelPressed();
-    /// The user has closed the window: as `cancelPressed`.
+    /// The user closed the window: same as `cancelPressed`.
     void windowClosed();
-    /// The process is about to end. A scan that is under way ends with its worker processes. A move stops after the
-    /// file in hand and writes its record; this waits for that, at most `CleanupServices::longestEnding`.
+    /// The process is about to exit. Ends a running scan with its workers. Lets a move finish its current file and
+    /// write its record, waiting at most `CleanupServices::longestEnding`.
     void applicationWillTerminate();
 
-    /// The candidate whose controls carry `identifier`; null when there is none.
+    /// The candidate whose controls have this identifier; null if there is none.
     [[nodiscard]] const CleanupCandidate* candidate(std::string_view forUIIdentifier) const;
     [[nodiscard]] const CleanupWindowContent& content() const { return content_; }
 
 private:
-    /// What is under way. `checking` is the validation before a sheet or a move, `asking` a sheet.
-    enum class Activity { idle, scanning, checking, asking, moving };
-
+    using Activity = CleanupWindowState::Activity;
     using Candidates = std::vector<CleanupCandidate>;
     using Check = void (CleanupWindowController::*)(const Candidates& selected,
                                                     const std::vector<std::string>& failureLines);
 
     void finishScan(CleanupScanReport report);
+    void measureGuide();
 
-    // A move takes these steps; each but the last may be the end of it.
+    // The steps of a move; any of them may end it.
     void validate(Candidates selected, Check checked);
     void finishCheck(const Candidates& selected, const std::vector<std::string>& failureLines, Check checked);
     void confirm(const Candidates& selected, const std::vector<std::string>& failureLines);
@@ -78,16 +74,9 @@ private:
     void forget(const CleanupCandidate& gone);
 
     void ask(const AlertContent& alert, std::function<void(CleanupWindowController&, AlertAnswer)> answered);
-    void begin(Activity activity);
-    void endActivity();
-
-    void updateModeControls();
-    void updateSummaryCards();
     void updateSelectionSummary();
-    void renderResults();
     void render();
 
-    [[nodiscard]] std::string statusText() const;
     [[nodiscard]] Candidates selectedCandidates() const;
     [[nodiscard]] bool isSelected(const CleanupCandidate& candidate) const;
     void findOutWhatCanBeOpened();
@@ -100,14 +89,11 @@ private:
     std::shared_ptr<BackgroundQueue> backgroundQueue_;
     std::shared_ptr<Workspace> workspace_;
     CleanupServices services_;
-    Activity activity_ = Activity::idle;
-    int checkNumber_ = 0;               ///< of the last check that was started or given up
-    std::shared_ptr<MoveControl> move_; ///< of the last move that was started
-    CleanupScanReport report_;          ///< of the last scan that ended, without what was moved since
-    SelectedPaths selectedPaths_;
-    std::string scanSummary_ = CleanupWindowContent{}.statusLabel;
-    std::map<CleanupAvenue::Action, bool> canOpen_; ///< found out when a scan ends, and before the first one
-    CleanupWindowContent content_;
+    CleanupWindowState state_;
+    std::shared_ptr<std::atomic<bool>> guideIsWanted_; ///< of the last measurement; null once its result is shown
+    int checkNumber_ = 0;                              ///< number of the last check that was started or given up
+    std::shared_ptr<MoveControl> move_;                ///< of the last move that was started
+    CleanupWindowContent content_;                     ///< as last rendered
 };
 
 } // namespace vantry

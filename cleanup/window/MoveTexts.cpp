@@ -1,7 +1,6 @@
 #include "cleanup/window/MoveTexts.h"
 
-#include "cleanup/window/CountText.h"
-#include "cleanup/window/SingleLine.h"
+#include "base/Text.h"
 #include "platform/TextFormat.h"
 
 #include <algorithm>
@@ -20,10 +19,6 @@ AlertContent changedAlert(const char* message, std::span<const std::string> fail
 }
 
 } // namespace
-
-std::string failureLine(const CleanupCandidate& candidate, std::string_view reason) {
-    return singleLine(candidate.title) + ": " + singleLine(reason);
-}
 
 AlertContent protectedSelectionAlert() {
     return {"Protected files cannot be selected",

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "cleanup/model/CleanupCandidate.h"
+#include "cleanup/move/MoveCandidates.h"
 #include "cleanup/window/CleanupWindowContent.h"
-#include "cleanup/window/MoveToTrash.h"
-#include "cleanup/window/SelectionSummary.h"
+#include "cleanup/window/SummaryTexts.h"
 
 #include <cstddef>
 #include <span>
@@ -15,21 +15,18 @@ namespace vantry {
 inline constexpr const char* checkingText = "Checking that the selected items have not changed…";
 inline constexpr const char* movingText = "Moving selected items to the Trash…";
 
-/// Why a candidate is not moved, as a line.
-[[nodiscard]] std::string failureLine(const CleanupCandidate& candidate, std::string_view reason);
-
 [[nodiscard]] AlertContent protectedSelectionAlert();
-/// When nothing was confirmed yet. Of the failure lines the first four are shown.
+/// For a change before the confirmation. Shows the first four failure lines.
 [[nodiscard]] AlertContent changedSinceScanAlert(std::span<const std::string> failureLines);
-/// After the confirmation. Of the failure lines the first four are shown.
+/// For a change after the confirmation. Shows the first four failure lines.
 [[nodiscard]] AlertContent changedBeforeMoveAlert(std::span<const std::string> failureLines);
-/// The first button moves what is selected.
+/// The first button moves the selected files.
 [[nodiscard]] AlertContent confirmationAlert(const CandidateTotal& selected);
 
-/// Names the items that are neither in their place nor in the Trash with their origin, and says where they are.
+/// Names the items that are neither in their place nor in the Trash with a record of their origin, and where they are.
 [[nodiscard]] AlertContent misplacedAlert(std::span<const MisplacedItem> items);
 
-/// What became of a move.
+/// The result of a move.
 [[nodiscard]] std::string movedText(std::size_t movedCount, std::size_t failureCount, bool recordWritten);
 
 } // namespace vantry

@@ -1,4 +1,4 @@
-#include "platform/apple/AppleMainQueue.h"
+#include "platform/apple/Services.h"
 
 #include <Foundation/Foundation.h>
 #include <dispatch/dispatch.h>
@@ -12,7 +12,7 @@ namespace {
 
 using Block = std::function<void()>;
 
-// Holding the block here and only weakly in the callback does two things: nothing runs once the subscription is gone,
+// The subscription owns the block and the callback holds it weakly: nothing runs after the subscription is destroyed,
 // and a block that ends its own subscription lives until it returns.
 void runIfHeld(const std::weak_ptr<Block>& block) {
     @autoreleasepool {
@@ -47,8 +47,8 @@ private:
 class ReadSubscription : public Subscription {
 public:
     ReadSubscription(int fd, Block block) : block_(std::make_shared<Block>(std::move(block))) {
-        // A descriptor must stay open until its source has let go of it, which happens after this is destroyed; the
-        // caller may close its own at once. Without a descriptor to spare, the caller's has to do.
+        // A descriptor must stay open until its source has been cancelled, which happens after this is destroyed, and
+        // the caller may close its own at once. Hence a duplicate; if no descriptor is free, the caller's is used.
         const int duplicate = fcntl(fd, F_DUPFD_CLOEXEC, 0);
         const int watched = duplicate >= 0 ? duplicate : fd;
         source_ = dispatch_source_create(DISPATCH_SOURCE_TYPE_READ, static_cast<uintptr_t>(watched), 0,
@@ -76,7 +76,7 @@ private:
 
 class AppleMainQueue : public MainQueue {
 public:
-    // By pointer, so that the block is also destroyed on the main thread and not by whoever posted it.
+    // By pointer, so that the block is destroyed on the main thread.
     void post(Block block) override {
         dispatch_async_f(dispatch_get_main_queue(), new Block(std::move(block)), [](void* context) {
             @autoreleasepool {

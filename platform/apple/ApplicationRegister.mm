@@ -13,7 +13,7 @@ bool isRegistered(const std::string& bundleIdentifier) {
     @autoreleasepool {
         NSString* identifier = foundationText(bundleIdentifier);
         if (!identifier)
-            return false; // no bundle has one that is not text
+            return false; // identifiers are text
         CFErrorRef error = nullptr;
         NSArray<NSURL*>* applications =
             CFBridgingRelease(LSCopyApplicationURLsForBundleIdentifier((__bridge CFStringRef)identifier, &error));

@@ -15,7 +15,7 @@ dispatch_qos_class_t dispatchQuality(QualityOfService quality) {
 
 class DispatchQueue : public BackgroundQueue {
 public:
-    // By pointer, so that the block is destroyed where it ran.
+    // By pointer, so that the block is destroyed on the thread that ran it.
     void submit(QualityOfService quality, Block block) override {
         dispatch_async_f(dispatch_get_global_queue(dispatchQuality(quality), 0), new Block(std::move(block)),
                          [](void* context) {

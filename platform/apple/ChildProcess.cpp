@@ -53,14 +53,14 @@ int watchExit(UniqueFd& watch, pid_t pid) {
         return 0;
     if (errno != ESRCH)
         return errno;
-    // It has ended already, and waits to be reaped: an event of our own stands for the one that will not come.
+    // It has already ended and has to be reaped. No event will come, so a user event is triggered instead.
     std::array<struct kevent, 2> ended = {};
     EV_SET(&ended[0], 0, EVFILT_USER, EV_ADD, 0, 0, nullptr);
     EV_SET(&ended[1], 0, EVFILT_USER, 0, NOTE_TRIGGER, 0, nullptr);
     return kevent(watch.get(), ended.data(), static_cast<int>(ended.size()), nullptr, 0, nullptr) == 0 ? 0 : errno;
 }
 
-// Until it is reaped, the number is the child's and no other process's.
+// The process number is not reused before the child is reaped.
 void sendSignal(const UniqueFd& /*watch*/, pid_t pid, int signal) { kill(pid, signal); }
 
 } // namespace ChildProcessSystem

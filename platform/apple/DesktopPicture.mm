@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* aerialProvider = "com.apple.wallpaper.choice.aerials";
 
-// Nil unless `data` is a list with a dictionary outermost.
+// Nil unless `data` is a property list with a dictionary at the top.
 NSDictionary<NSString*, id>* dictionaryIn(NSData* data) {
     id list = [NSPropertyListSerialization propertyListWithData:data
                                                         options:NSPropertyListImmutable
@@ -26,7 +26,7 @@ NSDictionary<NSString*, id>* dictionaryIn(NSData* data) {
     return [list isKindOfClass:[NSDictionary class]] ? list : nil;
 }
 
-// Nil unless `object` is a dictionary with such an element.
+// Nil unless `object` is a dictionary with that key.
 id elementOf(id object, NSString* key) {
     return [object isKindOfClass:[NSDictionary class]]
                ? [static_cast<NSDictionary<NSString*, id>*>(object) objectForKey:key]
@@ -79,7 +79,7 @@ std::optional<fs::path> movingWallpaper() {
     }
 }
 
-// Screens belong to the main thread, which never waits for this one.
+// Screens may only be used on the main thread, which never waits for this one.
 std::optional<fs::path> desktopPicture(const Screen& screen) {
     @autoreleasepool {
         __block std::string path;

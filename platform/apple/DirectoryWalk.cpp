@@ -1,22 +1,16 @@
 #include "platform/DirectoryWalk.h"
 
+#include "base/ByteSum.h"
 #include "base/UniqueFd.h"
 #include "platform/ItemFacts.h"
+#include "platform/apple/DirectoryReader.h"
 
 #include <algorithm>
 #include <bit>
 #include <cerrno>
-#include <cstddef>
-#include <cstring>
-#include <expected>
 #include <fcntl.h>
-#include <limits>
-#include <memory>
-#include <span>
-#include <sys/attr.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/vnode.h>
 #include <unistd.h>
 #include <utility>
 
@@ -26,8 +20,8 @@ namespace {
 
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
-// While this lives, its thread does not make the system fetch what is only in the cloud: to look at a file must not
-// download it. What would have to be fetched fails with EDEADLK.
+// While this lives, its thread does not make the system download dataless files from the cloud. Calls that would have
+// to download one fail with EDEADLK.
 class NothingIsFetched {
 public:
     NothingIsFetched() : earlier_(getiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD)) {
@@ -45,146 +39,19 @@ private:
     int earlier_;
 };
 
-enum class EntryKind { regularFile, directory, other, unknown };
-
-struct DirectoryEntry {
-    const char* name = nullptr; ///< valid until the next read
-    int error = 0;              ///< an errno: why only the name is known
-    EntryKind kind = EntryKind::unknown;
-    std::uint32_t flags = 0; ///< of `st_flags`
-    std::int64_t allocatedBytes = 0;
-    std::optional<SystemTime> modification;
-};
-
-// What the system wrote about one entry: values one after the other, aligned to four bytes. What is read beyond its
-// end is zero, and remembered.
-class Record {
-public:
-    explicit Record(std::span<const char> bytes) : bytes_(bytes) {}
-
-    template <class Value>
-    Value take() {
-        Value value = {};
-        if (const auto place = placeOf(at_, sizeof value))
-            std::memcpy(&value, place, sizeof value);
-        at_ += sizeof value;
-        return value;
-    }
-    // A name stands elsewhere in the record, at a distance from where it is mentioned.
-    const char* takeName() {
-        const std::size_t from = at_;
-        const auto reference = take<attrreference_t>();
-        const char* name = placeOf(from + static_cast<std::size_t>(reference.attr_dataoffset), reference.attr_length);
-        isWhole_ = isWhole_ && name && std::memchr(name, 0, reference.attr_length);
-        return isWhole_ ? name : nullptr;
-    }
-    [[nodiscard]] bool isWhole() const { return isWhole_; }
-
-private:
-    const char* placeOf(std::size_t begin, std::size_t size) {
-        isWhole_ = isWhole_ && begin <= bytes_.size() && size <= bytes_.size() - begin;
-        return isWhole_ ? bytes_.data() + begin : nullptr;
-    }
-
-    std::span<const char> bytes_;
-    std::size_t at_ = 0;
-    bool isWhole_ = true;
-};
-
-// Reads folders in large pieces, the facts about each entry with its name.
-class DirectoryReader {
-public:
-    static constexpr std::size_t largestPiece =
-        64 * 1024; // some 700 entries, so that the clock is looked at in between
-
-    // The next entries of the folder that is open as `fd`, "." and ".." left out; empty at its end. The error is an
-    // errno.
-    [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd, std::size_t size = largestPiece) {
-        int count = 0;
-        do
-            count = getattrlistbulk(fd, &wanted_, buffer_.get(), size, FSOPT_NOFOLLOW);
-        while (count < 0 && errno == EINTR);
-        if (count < 0)
-            return std::unexpected(errno);
-        entries_.clear();
-        std::span<const char> rest(buffer_.get(), size);
-        for (; count > 0; --count) {
-            const std::size_t length = Record(rest).take<std::uint32_t>();
-            const auto entry = length <= rest.size() ? entryIn(rest.first(length)) : std::nullopt;
-            if (!entry)
-                return std::unexpected(EIO);
-            entries_.push_back(*entry);
-            rest = rest.subspan(length);
-        }
-        return entries_;
-    }
-
-private:
-    // In the order of the bits, but for the two that come first.
-    static std::optional<DirectoryEntry> entryIn(std::span<const char> bytes) {
-        Record record(bytes);
-        record.take<std::uint32_t>(); // its length
-        const auto returned = record.take<attribute_set_t>();
-        const auto has = [&](attrgroup_t attribute) { return (returned.commonattr & attribute) != 0; };
-        const auto hasOfFile = [&](attrgroup_t attribute) { return (returned.fileattr & attribute) != 0; };
-        DirectoryEntry entry;
-        if (has(ATTR_CMN_ERROR))
-            entry.error = static_cast<int>(record.take<std::uint32_t>());
-        if (has(ATTR_CMN_NAME))
-            entry.name = record.takeName();
-        if (has(ATTR_CMN_OBJTYPE))
-            entry.kind = kindOf(record.take<fsobj_type_t>());
-        if (has(ATTR_CMN_MODTIME)) {
-            const auto time = record.take<timespec>();
-            entry.modification = systemTimeFromUnix(time.tv_sec, time.tv_nsec);
-        }
-        if (has(ATTR_CMN_FLAGS))
-            entry.flags = record.take<std::uint32_t>();
-        if (hasOfFile(ATTR_FILE_ALLOCSIZE))
-            entry.allocatedBytes = record.take<off_t>();
-        if (hasOfFile(ATTR_FILE_DATAALLOCSIZE))
-            if (const auto dataBytes = record.take<off_t>(); !hasOfFile(ATTR_FILE_ALLOCSIZE))
-                entry.allocatedBytes = dataBytes;
-        return record.isWhole() && entry.name ? std::optional(entry) : std::nullopt;
-    }
-
-    static EntryKind kindOf(fsobj_type_t type) {
-        switch (type) {
-        case VREG: return EntryKind::regularFile;
-        case VDIR: return EntryKind::directory;
-        default: return EntryKind::other;
-        }
-    }
-
-    attrlist wanted_{.bitmapcount = ATTR_BIT_MAP_COUNT,
-                     .reserved = 0,
-                     .commonattr = ATTR_CMN_RETURNED_ATTRS | ATTR_CMN_ERROR | ATTR_CMN_NAME | ATTR_CMN_OBJTYPE |
-                                   ATTR_CMN_MODTIME | ATTR_CMN_FLAGS,
-                     .volattr = 0,
-                     .dirattr = 0,
-                     .fileattr = ATTR_FILE_ALLOCSIZE | ATTR_FILE_DATAALLOCSIZE,
-                     .forkattr = 0};
-    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(largestPiece);
-    std::vector<DirectoryEntry> entries_;
-};
-
-// An entry that cannot be read is passed over. Not so when it is this process that cannot: there is more to be seen.
+// An unreadable entry is skipped, but if this process lacks descriptors or memory, the count is incomplete.
 bool mayBePassedOver(int errorNumber) {
     return errorNumber != EMFILE && errorNumber != ENFILE && errorNumber != ENOMEM;
 }
 
 void addFile(TreeTotals& totals, std::int64_t allocatedBytes, std::optional<SystemTime> modification) {
-    if (__builtin_add_overflow(totals.allocatedBytes, std::max<std::int64_t>(allocatedBytes, 0),
-                               &totals.allocatedBytes)) {
-        totals.allocatedBytes = std::numeric_limits<std::int64_t>::max();
-        totals.complete = false;
-    }
+    totals.complete = addBytes(totals.allocatedBytes, std::max<std::int64_t>(allocatedBytes, 0)) && totals.complete;
     ++totals.regularFiles;
     totals.newestModification = std::max(totals.newestModification, modification);
 }
 
-// Walks a tree depth first with one thread. What it holds is the path to where it is, and of each folder on it the
-// names of some folders inside, so that neither a wide nor a deep tree has to be held in memory.
+// Walks a tree depth first with one thread. It holds the path to the current folder and, for each folder on it, the
+// names of some folders inside, so that neither a wide nor a deep tree is held in memory.
 class Walk {
 public:
     explicit Walk(Deadline deadline) : deadline_(deadline) {}
@@ -207,32 +74,32 @@ public:
     }
 
 private:
-    // A process has 256 descriptors, unless it asks for more; four threads walk at once.
+    // A process has 256 descriptors by default, and up to four walks run at once.
     static constexpr std::size_t mostOpen = 48;
     static constexpr std::size_t mostFarApart = mostOpen / 4;
     static constexpr std::size_t foldersAhead = 512;
-    static constexpr std::size_t manyFolders = 8'000; // of which the names are held
+    static constexpr std::size_t manyFolders = 8'000; // whose names are held
     static constexpr std::size_t smallPiece = 4096;   // some 40 entries, or one with the longest name
 
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
-        SystemTime modification; ///< of what stands in it
+        SystemTime modification; ///< of its entries
 
         [[nodiscard]] bool isSameFolder(const Identity& other) const {
             return device == other.device && inode == other.inode;
         }
     };
 
-    // A folder on the path. Its descriptor may be closed for want of others, that of the first one never is.
+    // A folder on the path. Its descriptor may be closed to save descriptors, except that of the root.
     struct Folder {
         std::string name;
         UniqueFd fd;
-        std::vector<std::string> folders; ///< inside it, still to be walked
+        std::vector<std::string> folders; ///< inside it, not walked yet
         std::size_t entriesRead = 0;
-        std::size_t entriesToSkip = 0; ///< they were read before it was opened again
+        std::size_t entriesToSkip = 0; ///< read before the folder was reopened
         bool readToEnd = false;
-        Identity identity; ///< before it was read
+        Identity identity; ///< from before it was read
     };
 
     void step() {
@@ -247,7 +114,7 @@ private:
             descend(folder);
     }
 
-    // From here on each level of a tree that is both deep and wide adds little to what is held.
+    // Beyond this, each level of a tree that is both deep and wide adds little to the memory.
     [[nodiscard]] bool holdsMany() const { return foldersHeld_ >= manyFolders; }
 
     void readPiece(Folder& folder) {
@@ -255,12 +122,12 @@ private:
         const auto piece = reader_.read(folder.fd.get(), isSmall ? smallPiece : DirectoryReader::largestPiece);
         if (!piece) {
             folder.readToEnd = true;
-            // Of a root that cannot be read nothing is known.
+            // An unreadable root tells nothing about the tree.
             totals_.complete = totals_.complete && mayBePassedOver(piece.error()) && path_.size() > 1;
             return;
         }
         folder.readToEnd = piece->empty();
-        // A place inside a folder cannot be returned to, only its beginning.
+        // Reading can only restart at the beginning of a folder, so entries that were read before are skipped.
         const std::size_t skipped = std::min(folder.entriesToSkip, piece->size());
         folder.entriesToSkip -= skipped;
         folder.entriesRead += piece->size() - skipped;
@@ -292,7 +159,7 @@ private:
         if (!fd)
             return missed(errno);
         const auto identity = identityOf(fd);
-        if (identity && identity->device == device_) // else another file system is mounted there
+        if (identity && identity->device == device_) // else it is a mount point
             enter(std::move(name), std::move(fd), *identity);
     }
 
@@ -312,7 +179,7 @@ private:
         path_.pop_back();
     }
 
-    // Opens the last folder of the path again, and before it those that lead there from the nearest one that is open.
+    // Reopens the last folder of the path, by way of the folders after the nearest open one.
     bool reopen() {
         for (std::size_t i = open_.back() + 1; i < path_.size(); ++i) {
             Folder& folder = path_[i];
@@ -322,7 +189,7 @@ private:
                 totals_.complete = false;
                 return false;
             }
-            // Where something was added or removed, other entries are skipped than those that were read.
+            // After a change the skipped entries may not be those that were read.
             if (!folder.readToEnd && found->modification != folder.identity.modification)
                 totals_.complete = false;
             folder.entriesToSkip = folder.entriesRead;
@@ -338,8 +205,8 @@ private:
             closeSome();
     }
 
-    // The folders near the end of the path are needed first and stay open. Of those before them some do, evenly spread,
-    // so that on the way back no folder is far from an open one.
+    // The folders near the end of the path are needed first and stay open. Some of the earlier ones stay open too,
+    // evenly spread, so that on the way back no folder is far from an open one.
     void closeSome() {
         const std::size_t stride = std::bit_ceil(path_.size() / mostFarApart + 1);
         const std::size_t farOnes = open_.size() - mostOpen / 2;
@@ -365,8 +232,8 @@ private:
     TreeTotals totals_;
     DirectoryReader reader_;
     std::vector<Folder> path_;
-    std::vector<std::size_t> open_; ///< which folders of the path are open, in its order
-    std::size_t foldersHeld_ = 0;   ///< in the folders of the path, still to be walked
+    std::vector<std::size_t> open_; ///< indices of the open folders of the path, ascending
+    std::size_t foldersHeld_ = 0;   ///< number of names held by all folders of the path
 };
 
 template <class Wanted>
@@ -391,7 +258,7 @@ Result<std::vector<std::string>> namesIn(const std::filesystem::path& folder, Wa
 
 } // namespace
 
-// One thread walks it all.
+// Helpers are not used: one thread walks the whole tree.
 TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
                     const std::shared_ptr<SpareThreads>& /*helpers*/) {
     const auto facts = readItemFacts(path);

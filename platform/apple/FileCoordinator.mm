@@ -1,5 +1,6 @@
 #include "platform/FileCoordinator.h"
 
+#include "base/StandardizedPath.h"
 #include "platform/apple/FoundationValues.h"
 
 #include <Foundation/Foundation.h>
@@ -10,12 +11,7 @@ namespace vantry {
 
 namespace {
 
-std::filesystem::path normalPath(const std::filesystem::path& path) {
-    auto normal = path.lexically_normal();
-    return normal.has_filename() ? normal : normal.parent_path();
-}
-
-// The system hands out decomposed names, the file systems find a file by either form. Empty when it is no text.
+// The system returns decomposed names, and file systems find a file by either form. Empty if it is not valid text.
 std::string composed(const std::filesystem::path& path) {
     NSString* text = [[NSFileManager defaultManager] stringWithFileSystemRepresentation:path.c_str()
                                                                                  length:path.native().size()];
@@ -27,7 +23,7 @@ bool isSameText(const std::filesystem::path& one, const std::filesystem::path& o
     return one == other || (!text.empty() && text == composed(other));
 }
 
-// Where a folder cannot be looked at, as the Trash without the user's consent, its path has to do.
+// If a folder cannot be looked at, such as the Trash without the user's consent, the paths are compared.
 bool isSameFolder(const std::filesystem::path& one, const std::filesystem::path& other) {
     struct stat oneFacts = {};
     struct stat otherFacts = {};
@@ -63,8 +59,8 @@ Result<void> coordinateMoving(const std::filesystem::path& file,
 
 bool isSamePlace(const std::filesystem::path& one, const std::filesystem::path& other) {
     @autoreleasepool {
-        const auto onePath = normalPath(one);
-        const auto otherPath = normalPath(other);
+        const auto onePath = standardizedPath(one);
+        const auto otherPath = standardizedPath(other);
         return onePath.is_absolute() && otherPath.is_absolute() &&
                isSameText(onePath.filename(), otherPath.filename()) &&
                isSameFolder(onePath.parent_path(), otherPath.parent_path());

@@ -15,7 +15,7 @@ bool isSameItem(const struct stat& one, const struct stat& other) {
 
 } // namespace
 
-// Resource values are asked for by path only. What the path held before and after they were read has to be the item.
+// Resource values can only be read by path. The path must lead to the item before and after they were read.
 FileFingerprint readFileFingerprint(int fd) {
     std::array<char, MAXPATHLEN> path{};
     struct stat item = {};

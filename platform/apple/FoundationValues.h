@@ -13,14 +13,14 @@
 
 namespace vantry {
 
-/// UTF-8; empty for nil and for text that is no valid Unicode. Any thread.
+/// UTF-8; empty for nil and for text that is not valid Unicode. Any thread.
 [[nodiscard]] std::string textFromFoundation(NSString* text);
 
-/// Nil when `text` is no UTF-8. Any thread.
+/// Nil when `text` is not UTF-8. Any thread.
 [[nodiscard]] NSString* foundationText(std::string_view text);
 
-/// The message is the system's localized description, unchanged. Nil, from a call that failed without saying why, is an
-/// error of kind `system`. Any thread.
+/// The message is the system's localized description, unchanged. Nil, from a call that failed without a reason, gives
+/// an error of kind `system`. Any thread.
 [[nodiscard]] Error errorFromFoundation(NSError* error);
 
 } // namespace vantry

@@ -20,8 +20,8 @@ namespace {
 std::optional<SystemTime> dateIn(id value) {
     if (![value isKindOfClass:[NSDate class]])
         return std::nullopt;
-    constexpr std::int64_t referenceDate = 978'307'200; // 2001, from which the dates count
-    constexpr double faraway = 1e12;                    // seconds; far outside what SystemTime holds
+    constexpr std::int64_t referenceDate = 978'307'200; // the start of 2001, in seconds since 1970
+    constexpr double faraway = 1e12;                    // seconds; far outside the range of SystemTime
     const double interval = std::clamp([value timeIntervalSinceReferenceDate], -faraway, faraway);
     const double seconds = std::floor(interval);
     const auto nanoseconds = std::min(std::lround((interval - seconds) * 1e9), 999'999'999L);
@@ -34,13 +34,13 @@ std::optional<std::string> descriptionOf(id value) {
     return textFromFoundation([value description]);
 }
 
-// A new URL for each request: a URL object remembers the values that it once answered.
+// A new URL for each request: a URL object caches its values.
 NSDictionary<NSURLResourceKey, id>* resourceValues(const std::filesystem::path& path, NSArray<NSURLResourceKey>* keys) {
     NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
     return [url resourceValuesForKeys:keys error:nil];
 }
 
-// The figures of the resource values, since those are what a file's size is compared with before it is moved.
+// From the resource values, because a file's size is compared with these before it is moved.
 std::optional<std::int64_t> allocatedBytes(NSDictionary<NSURLResourceKey, id>* values) {
     for (NSURLResourceKey key in @[ NSURLTotalFileAllocatedSizeKey, NSURLFileAllocatedSizeKey ])
         if (id value = values[key]; [value isKindOfClass:[NSNumber class]])
@@ -59,7 +59,7 @@ ItemFacts::Kind kindIn(NSDictionary<NSURLResourceKey, id>* values) {
                                        : ItemFacts::Kind::other;
 }
 
-// That somebody would have to be waited for is a kind of its own.
+// EAGAIN means that a server or another process would have to be waited for.
 Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN ? ETIMEDOUT : errorNumber); }
 
 FolderAccess accessAfter(int errorNumber) {
@@ -95,7 +95,7 @@ Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
     return facts;
 }
 
-// One request answers everything.
+// Everything comes from one request.
 Result<FoundItem> readFoundItem(const std::filesystem::path& path,
                                 const std::function<bool(const ItemFacts&)>& isWanted) {
     const auto place = promptPath(path, FinalLink::isKept);
@@ -148,7 +148,8 @@ std::string displayName(const std::filesystem::path& path) {
         const auto place = promptPath(path, FinalLink::isKept);
         NSString* name = place ? foundationText(place->native()) : nil;
         const auto shown = name ? textFromFoundation([NSFileManager.defaultManager displayNameAtPath:name]) : "";
-        return !shown.empty() ? shown : withReplacementCharacters(path.filename().native());
+        const auto named = path.has_filename() ? path : path.parent_path();
+        return !shown.empty() ? shown : withReplacementCharacters(named.filename().native());
     }
 }
 

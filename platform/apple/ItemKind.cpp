@@ -1,4 +1,4 @@
-#include "platform/ItemKind.h"
+#include "platform/ItemFacts.h"
 
 #include <sys/stat.h>
 

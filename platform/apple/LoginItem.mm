@@ -9,7 +9,7 @@ namespace vantry {
 Result<std::filesystem::path> runningApplicationPath() {
     @autoreleasepool {
         NSBundle* bundle = [NSBundle mainBundle];
-        // An executable outside of a bundle has the folder that it lies in for a main bundle, without an identifier.
+        // The main bundle of an executable outside of a bundle is its folder, without an identifier.
         NSURL* application = bundle.bundleIdentifier ? bundle.bundleURL : bundle.executableURL;
         if (!application)
             return std::unexpected(Error{ErrorKind::notFound, "The path of the application is unknown."});

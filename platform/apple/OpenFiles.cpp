@@ -1,7 +1,7 @@
 #include "platform/OpenFiles.h"
 
 #include "platform/LsofOutput.h"
-#include "platform/ProgramOutput.h"
+#include "platform/SupervisedChild.h"
 
 #include <chrono>
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::seconds longestListing{2};
 constexpr std::size_t largestOutput = 16 << 20;
-constexpr int incomplete = 1; // the status of lsof when it could not tell everything that it was asked for
+constexpr int incomplete = 1; // the status of lsof when something could not be listed
 
 } // namespace
 

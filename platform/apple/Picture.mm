@@ -9,6 +9,7 @@
 #include <Foundation/Foundation.h>
 #include <ImageIO/ImageIO.h>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <dispatch/dispatch.h>
 #include <fcntl.h>
@@ -22,7 +23,7 @@ namespace vantry {
 namespace {
 
 constexpr std::chrono::seconds longestDecoding{25};
-constexpr long long mostPixels = (768LL << 20) / 4; // what fits into that memory, four bytes each
+constexpr long long mostPixels = (768LL << 20) / 4; // that fit into 768 MB, four bytes each
 constexpr int detail = 1024;                        // pixels of the longer side before the square is drawn
 constexpr off_t largestPictureFile = off_t{1} << 30;
 constexpr std::array seconds{75, 10, 0};
@@ -33,20 +34,13 @@ struct ReleaseObject {
 template <class Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, ReleaseObject>;
 
-// Neither waits for the other end of a FIFO nor wakes a device.
+// O_NONBLOCK: does not wait for the other end of a FIFO.
 std::optional<off_t> sizeOfRegularFile(const std::filesystem::path& path) {
     const UniqueFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat facts = {};
     if (!file || fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode) || facts.st_size <= 0)
         return std::nullopt;
     return facts.st_size;
-}
-
-bool isFilm(const std::filesystem::path& file) {
-    std::string extension = file.extension().native();
-    std::ranges::transform(extension, extension.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return std::ranges::find(filmExtensions, extension) != filmExtensions.end();
 }
 
 NSURL* urlOf(const std::filesystem::path& file) {
@@ -62,7 +56,7 @@ bool fitsIntoMemory(CGImageSourceRef source, std::size_t index) {
     return columns > 0 && rows > 0 && columns <= mostPixels / rows;
 }
 
-// Of a picture that is cut off the system would make one with a grey rest.
+// ImageIO fills the missing part of a picture that was cut off with grey.
 bool isWhole(CGImageSourceRef source, std::size_t index) {
     const auto status = CGImageSourceGetStatusAtIndex(source, index);
     return status != kCGImageStatusUnexpectedEOF && status != kCGImageStatusInvalidData;
@@ -77,7 +71,7 @@ Owned<CGImageRef> reducedPicture(const std::filesystem::path& file) {
     const std::size_t index = CGImageSourceGetPrimaryImageIndex(source.get());
     if (!fitsIntoMemory(source.get(), index))
         return nullptr;
-    // Always from the picture: one that comes with it may be smaller than the square, or cropped.
+    // Always from the picture: an embedded thumbnail may be smaller than the square, or cropped.
     NSDictionary* reducing = @{
         (__bridge NSString*)kCGImageSourceCreateThumbnailFromImageAlways : @YES,
         (__bridge NSString*)kCGImageSourceCreateThumbnailWithTransform : @YES,
@@ -89,7 +83,7 @@ Owned<CGImageRef> reducedPicture(const std::filesystem::path& file) {
     return isWhole(source.get(), index) ? std::move(picture) : nullptr;
 }
 
-/// What arrives of a frame on a thread of the system's, perhaps when nobody waits any more.
+/// A frame that a thread of the system delivers, perhaps after the wait was given up.
 struct ArrivedFrame {
     Owned<CGImageRef> image;
     dispatch_semaphore_t arrived = dispatch_semaphore_create(0);
@@ -113,7 +107,7 @@ Owned<CGImageRef> frameAt(AVAssetImageGenerator* generator, int time, Deadline d
 
 Owned<CGImageRef> filmFrame(const std::filesystem::path& file) {
     const auto deadline = deadlineIn(longestDecoding);
-    // The film itself and nothing that it refers to.
+    // A film may refer to other files. They are not opened.
     AVURLAsset* asset =
         [AVURLAsset URLAssetWithURL:urlOf(file)
                             options:@{

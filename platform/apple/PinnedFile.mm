@@ -5,29 +5,17 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace vantry {
 
 namespace {
 
-// For events alone: nothing is fetched from a cloud, and a volume can be ejected meanwhile. Without waiting, for what
+// O_EVTONLY downloads nothing from a cloud and does not keep a volume from being ejected. O_NONBLOCK because the item
 // may have become a pipe.
 constexpr int itemFlags = O_EVTONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW_ANY | O_CLOEXEC;
 
-PinFailure failureOf(int errorNumber) {
-    switch (errorNumber) {
-    case ENOENT:
-    case ENOTDIR: return PinFailure::missing;
-    case ELOOP: return PinFailure::link;
-    default: return PinFailure::unavailable;
-    }
-}
-
-bool isWhole(const std::string& text) { return text.find('\0') == text.npos; }
-
-// Two things of which one at least is held open: no file number is given to a second file meanwhile.
+// At least one of the two is held open, so its file number cannot be reused.
 bool isSameItem(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
@@ -37,13 +25,13 @@ bool leadsTo(const std::filesystem::path& path, const struct stat& item) {
     return lstat(path.c_str(), &found) == 0 && isSameItem(found, item);
 }
 
-// Resource values are asked for by path only. What the path held before and after they were read has to be the item.
+// Resource values can only be read by path. The path must lead to the item before and after they were read.
 NSDictionary<NSURLResourceKey, id>* valuesOf(int item, const std::filesystem::path& path,
                                              NSArray<NSURLResourceKey>* keys) {
     struct stat held = {};
     if (fstat(item, &held) != 0 || !leadsTo(path, held))
         return nil;
-    // A new URL for each request: a URL object remembers the values that it once answered.
+    // A new URL for each request: a URL object caches its values.
     NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
     NSDictionary<NSURLResourceKey, id>* values = [url resourceValuesForKeys:keys error:nil];
     return leadsTo(path, held) ? values : nil;
@@ -63,24 +51,18 @@ std::optional<std::int64_t> numberIn(id value) {
 
 } // namespace
 
-PinnedFolder::PinnedFolder(std::filesystem::path path, UniqueFd descriptor)
-    : path_(std::move(path)),
-      descriptor_(std::move(descriptor)) {}
-
-std::expected<std::shared_ptr<const PinnedFolder>, PinFailure> PinnedFolder::open(const std::filesystem::path& path) {
-    if (!path.is_absolute() || !isWhole(path.native()))
-        return std::unexpected(PinFailure::unavailable);
+std::expected<UniqueFd, int> PinnedFolder::opened(const std::string& path) {
     UniqueFd folder(::open(path.c_str(), folderFlags));
     if (!folder)
-        return std::unexpected(failureOf(errno));
-    return std::shared_ptr<const PinnedFolder>(new PinnedFolder(path, std::move(folder)));
+        return std::unexpected(errno);
+    return folder;
 }
 
 bool PinnedFolder::isInPlace() const {
     struct stat found = {};
     struct stat pinned = {};
-    const UniqueFd there(::open(path_.c_str(), folderFlags));
-    return there && fstat(there.get(), &found) == 0 && fstat(descriptor(), &pinned) == 0 && isSameItem(found, pinned);
+    const auto there = opened(path_.native());
+    return there && fstat(there->get(), &found) == 0 && fstat(descriptor(), &pinned) == 0 && isSameItem(found, pinned);
 }
 
 std::optional<PinnedFolderFacts> PinnedFolder::facts() const {
@@ -95,30 +77,22 @@ std::optional<PinnedFolderFacts> PinnedFolder::facts() const {
     }
 }
 
-PinnedFile::PinnedFile(std::shared_ptr<const PinnedFolder> folder, std::string name, UniqueFd descriptor)
-    : folder_(std::move(folder)),
-      name_(std::move(name)),
-      descriptor_(std::move(descriptor)) {}
-
-std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const PinnedFolder> folder,
-                                                       const std::string& name) {
-    if (name.empty() || name == "." || name == ".." || name.find('/') != name.npos || !isWhole(name))
-        return std::unexpected(PinFailure::unavailable);
-    // Looked at before it is opened: to open a device may do something.
+std::expected<UniqueFd, PinFailure> PinnedFile::opened(int folder, const std::string& name) {
+    // Checked before it is opened: opening a device may have effects.
     struct stat seen = {};
-    if (fstatat(folder->descriptor(), name.c_str(), &seen, AT_SYMLINK_NOFOLLOW) != 0)
+    if (fstatat(folder, name.c_str(), &seen, AT_SYMLINK_NOFOLLOW) != 0)
         return std::unexpected(failureOf(errno));
     if (S_ISLNK(seen.st_mode))
         return std::unexpected(PinFailure::link);
     if (!S_ISREG(seen.st_mode) && !S_ISDIR(seen.st_mode))
         return std::unexpected(PinFailure::special);
-    UniqueFd item(openat(folder->descriptor(), name.c_str(), itemFlags));
+    UniqueFd item(openat(folder, name.c_str(), itemFlags));
     if (!item)
         return std::unexpected(failureOf(errno));
     struct stat opened = {};
     if (fstat(item.get(), &opened) != 0 || !isSameItem(opened, seen))
         return std::unexpected(PinFailure::unavailable);
-    return PinnedFile(std::move(folder), name, std::move(item));
+    return item;
 }
 
 std::optional<PinnedFileFacts> PinnedFile::facts() const {
@@ -139,24 +113,19 @@ std::optional<PinnedFileFacts> PinnedFile::facts() const {
         if (fstat(descriptor(), &held) == 0) {
             facts.owner = held.st_uid;
             facts.contentBytes = held.st_size;
-            // Both have to say so: the values came by path.
+            // Both sources must agree, because the values were read by path.
             facts.isRegularFile = facts.isRegularFile && *facts.isRegularFile && S_ISREG(held.st_mode);
         }
-        // Last: the date tells of whatever was written while the rest was read.
+        // Last, so that the date covers writes that happened while the rest was read.
         facts.fingerprint = readFileFingerprint(descriptor());
         return facts;
     }
 }
 
-PinnedPlace PinnedFile::place() const {
-    return folder_->isInPlace() ? placeIn(folder_->descriptor(), name_) : PinnedPlace::folderMoved;
-}
-
-PinnedPlace PinnedFile::placeIn(int folder, const std::string& name) const {
+PinnedPlace PinnedFile::placeOf(int folder, const std::string& name) const {
     struct stat found = {};
     struct stat pinned = {};
-    if (!isWhole(name) || fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0 ||
-        fstat(descriptor(), &pinned) != 0)
+    if (fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0 || fstat(descriptor(), &pinned) != 0)
         return PinnedPlace::missing;
     if (isSameItem(found, pinned))
         return PinnedPlace::unchanged;

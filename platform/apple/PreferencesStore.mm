@@ -1,4 +1,4 @@
-#include "platform/apple/PreferencesStore.h"
+#include "platform/apple/Services.h"
 
 #include "platform/apple/FoundationValues.h"
 
@@ -16,7 +16,7 @@ public:
             return name && [[NSUserDefaults standardUserDefaults] boolForKey:name];
         }
     }
-    // Not `stringForKey:`, which makes text of numbers.
+    // Not `stringForKey:`, which converts numbers to text.
     std::optional<std::string> stringForKey(std::string_view key) const override {
         @autoreleasepool {
             NSString* name = foundationText(key);

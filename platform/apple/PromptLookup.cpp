@@ -21,11 +21,12 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// What is on a disk of this machine or in its memory. "autofs" waits for a server, "lifs" and "macfuse" for a process.
+// File systems on a disk of this machine or in its memory. "autofs" waits for a server, "lifs" and "macfuse" for a
+// process.
 constexpr std::array promptTypes{"apfs"sv,  "cd9660"sv, "devfs"sv, "exfat"sv, "hfs"sv,
                                  "msdos"sv, "ntfs"sv,   "tmpfs"sv, "udf"sv,   "ufs"sv};
 
-// Where the others are mounted. MNT_NOWAIT: as the kernel has it, without asking any file system (getfsstat(2)).
+// Where the others are mounted. MNT_NOWAIT: from the kernel's cache, without asking any file system (getfsstat(2)).
 std::expected<std::vector<std::string>, int> slowMounts() {
     std::vector<struct statfs> mounts(64);
     for (;;) {
@@ -63,7 +64,7 @@ std::expected<std::filesystem::path, int> promptPath(const std::filesystem::path
     const auto slow = slowMounts();
     if (!slow)
         return std::unexpected(slow.error());
-    // Most volumes take names that differ in case for the same.
+    // Most volumes ignore the case of names.
     const auto isSlow = [&](const std::string& at) {
         return std::ranges::any_of(*slow,
                                    [&](const auto& mount) { return strcasecmp(mount.c_str(), at.c_str()) == 0; });
@@ -74,7 +75,7 @@ std::expected<std::filesystem::path, int> promptPath(const std::filesystem::path
     for (int links = 0; !rest.empty();) {
         const std::string name = std::move(rest.front());
         rest.pop_front();
-        if (name == ".") // also at the end, where it leads through a link before it
+        if (name == ".") // also at the end: "link/." follows the link
             continue;
         if (name == "..") {
             found = found.parent_path();

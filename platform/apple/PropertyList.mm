@@ -11,7 +11,7 @@ namespace vantry {
 
 namespace {
 
-// XML 1.0 has no control characters but tab and the line breaks; the serialization would write them all the same.
+// XML 1.0 allows no control characters except tab and line breaks; NSPropertyListSerialization would write them.
 NSString* xmlText(const std::string& text) {
     const bool holdable = std::ranges::none_of(text, [](char character) {
         return static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
@@ -20,7 +20,7 @@ NSString* xmlText(const std::string& text) {
     return holdable ? foundationText(text) : nil;
 }
 
-// Nil when a text in it is no UTF-8 or nothing for XML.
+// Nil when a text in it is not valid UTF-8 or cannot be written as XML.
 id objectOf(const PropertyList& list) {
     if (const auto* boolean = std::get_if<bool>(&list.value))
         return [NSNumber numberWithBool:*boolean];
@@ -48,36 +48,12 @@ id objectOf(const PropertyList& list) {
     return objects;
 }
 
-// A list shares equal texts and more, so its size says little about how much is in it.
-bool isWithinBounds(id object, std::size_t level, std::size_t& valuesLeft) {
-    if (valuesLeft == 0)
-        return false;
-    --valuesLeft;
-    const bool isDictionary = [object isKindOfClass:[NSDictionary class]];
-    if (!isDictionary && ![object isKindOfClass:[NSArray class]])
-        return true;
-    if (level == deepestPropertyList)
-        return false;
-    if (isDictionary) {
-        NSDictionary<id, id>* dictionary = object;
-        for (id key in dictionary)
-            if (!isWithinBounds(key, level + 1, valuesLeft) ||
-                !isWithinBounds([dictionary objectForKey:key], level + 1, valuesLeft))
-                return false;
-        return true;
-    }
-    for (id element in static_cast<NSArray<id>*>(object))
-        if (!isWithinBounds(element, level + 1, valuesLeft))
-            return false;
-    return true;
-}
-
-// Absent for what is no text, or none that may be told.
+// Absent for what is not a text, too long, not valid Unicode or has a zero.
 std::optional<std::string> textOf(id object) {
     if (![object isKindOfClass:[NSString class]])
         return std::nullopt;
     NSString* text = object;
-    // A unit of UTF-16 is at least one byte.
+    // Each UTF-16 unit takes at least one byte of UTF-8.
     if (text.length > longestPropertyListText)
         return std::nullopt;
     std::string bytes = textFromFoundation(text);
@@ -118,10 +94,8 @@ Result<std::map<std::string, std::string>> propertyListTexts(std::string_view by
                                                               error:&error];
         if (!list)
             return std::unexpected(errorFromFoundation(error));
-        std::size_t valuesLeft = mostPropertyListValues;
-        if (format == NSPropertyListOpenStepFormat || ![list isKindOfClass:[NSDictionary class]] ||
-            !isWithinBounds(list, 0, valuesLeft))
-            return std::unexpected(Error{ErrorKind::invalid, "This is no property list that can be read."});
+        if (format == NSPropertyListOpenStepFormat || ![list isKindOfClass:[NSDictionary class]])
+            return std::unexpected(Error{ErrorKind::invalid, "This is not a property list that can be read."});
         NSDictionary<NSString*, id>* dictionary = list;
         std::map<std::string, std::string> texts;
         for (const auto& key : keys) {

@@ -11,7 +11,7 @@ namespace vantry {
 
 namespace {
 
-// Whole seconds, rounded down: a `double` cannot tell the last nanoseconds of a second from the next second.
+// Whole seconds, rounded down: a `double` would round the last nanoseconds of a second up.
 std::chrono::sys_seconds wholeSeconds(SystemTime time) { return std::chrono::floor<std::chrono::seconds>(time); }
 
 std::string localizedText(SystemTime time, NSDateFormatterStyle dateStyle, NSDateFormatterStyle timeStyle) {
@@ -22,7 +22,7 @@ std::string localizedText(SystemTime time, NSDateFormatterStyle dateStyle, NSDat
 
 } // namespace
 
-// Formatters are made for one text each: one that is shared would have to be guarded and would keep an outdated locale.
+// Each text gets its own formatter: a shared one would need a lock and would keep an outdated locale.
 
 std::string byteCountText(std::int64_t bytes, ByteUnits units) {
     @autoreleasepool {

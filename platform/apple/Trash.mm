@@ -1,4 +1,5 @@
 #include "platform/Trash.h"
+#include "platform/TrashRetention.h"
 
 #include "platform/FileCoordinator.h"
 #include "platform/apple/FoundationValues.h"
@@ -21,23 +22,8 @@ namespace {
 
 constexpr auto modified = "it was modified after the scan";
 
-TrashMove notMoved(std::string reason) {
-    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
-}
-
 TrashMove misplaced(std::string reason, std::filesystem::path path) {
     return {TrashMove::Outcome::misplaced, std::move(reason), std::move(path)};
-}
-
-std::optional<std::string> refusalByPlace(PinnedPlace place) {
-    switch (place) {
-    case PinnedPlace::unchanged: return std::nullopt;
-    case PinnedPlace::folderMoved: return "its folder is not to be found in its place";
-    case PinnedPlace::missing: return "it is not to be found in its place";
-    case PinnedPlace::link:
-    case PinnedPlace::otherItem: break;
-    }
-    return "something else is in its place";
 }
 
 bool isSameItem(const struct stat& one, const struct stat& other) {
@@ -56,7 +42,7 @@ bool isAsChecked(const PinnedFile& file, const PinnedFileFacts& checked) {
            current->fingerprint.contentModificationDate == checked.fingerprint.contentModificationDate;
 }
 
-// Empty for what has no name. Who may not look into the Trash has to believe the system.
+// Empty for an item without a name. Without permission to look into the Trash the system's answer is taken.
 std::filesystem::path whereabouts(const PinnedFile& file) {
     std::array<char, MAXPATHLEN> path{};
     struct stat held = {};
@@ -80,17 +66,17 @@ bool putBack(const std::filesystem::path& arrived, const PinnedFile& file) {
     return renameatx_np(AT_FDCWD, arrived.c_str(), file.folder().descriptor(), file.name().c_str(), RENAME_EXCL) == 0;
 }
 
-// Nothing arrived in the Trash.
+// For a move that left nothing in the Trash.
 TrashMove leftOrTaken(const PinnedFile& file, std::string reason) {
     if (file.placeIn(file.folder().descriptor(), file.name()) == PinnedPlace::unchanged)
-        return notMoved(std::move(reason));
+        return TrashMove::notMoved(std::move(reason));
     auto where = whereabouts(file);
     if (where.empty())
         reason = "another program removed it from the Trash";
     return misplaced(std::move(reason), std::move(where));
 }
 
-// Something is in the Trash, or was.
+// For a move that put something into the Trash.
 TrashMove putBackWhatArrived(const std::filesystem::path& arrived, const PinnedFile& file) {
     struct stat found = {};
     const int error = lstat(arrived.c_str(), &found) == 0 ? 0 : errno;
@@ -98,7 +84,7 @@ TrashMove putBackWhatArrived(const std::filesystem::path& arrived, const PinnedF
         return leftOrTaken(file, "another program took it out of the Trash");
     std::string reason =
         error == 0 ? "something else was in its place" : "what arrived in the Trash could not be looked at";
-    return putBack(arrived, file) ? notMoved(std::move(reason)) : misplaced(std::move(reason), arrived);
+    return putBack(arrived, file) ? TrashMove::notMoved(std::move(reason)) : misplaced(std::move(reason), arrived);
 }
 
 } // namespace
@@ -111,28 +97,31 @@ TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
         NSError* error = nil;
         struct stat before = {};
         struct stat after = {};
-        // The system moves what the path leads to.
+        // The system moves whatever the path leads to.
         if (auto refused = refusalByPlace(file.place()))
-            return notMoved(std::move(*refused));
+            return TrashMove::notMoved(std::move(*refused));
         if (fstat(file.descriptor(), &before) != 0 || !isAsChecked(file, checked))
-            return notMoved(modified);
+            return TrashMove::notMoved(modified);
         const bool isDone = [[NSFileManager defaultManager] trashItemAtURL:url resultingItemURL:&result error:&error];
 
-        // Whatever the system says, the file tells where it is.
+        // The descriptor tells where the file is, whatever the system returned.
         const auto where = whereabouts(file);
         const std::filesystem::path arrived = isDone && result ? result.fileSystemRepresentation : "";
         if (!where.empty() && (arrived.empty() ? isInTrash(where, url) : isSamePlace(where, arrived))) {
             const bool isUnchanged = fstat(file.descriptor(), &after) == 0 && isSameContent(before, after);
             if (!isUnchanged && putBack(where, file))
-                return notMoved(modified);
+                return TrashMove::notMoved(modified);
             return {.outcome = TrashMove::Outcome::moved};
         }
         if (!arrived.empty())
             return putBackWhatArrived(arrived, file);
         std::string reason = isDone ? "the system did not say where it is" : errorFromFoundation(error).message;
-        // An error and no file: somebody was quicker.
-        return !isDone && where.empty() ? notMoved(std::move(reason)) : leftOrTaken(file, std::move(reason));
+        // An error and no file: another process was quicker.
+        return !isDone && where.empty() ? TrashMove::notMoved(std::move(reason)) : leftOrTaken(file, std::move(reason));
     }
 }
+
+// Only the guide of Linux says so.
+std::optional<std::chrono::days> trashRetention() { return std::nullopt; }
 
 } // namespace vantry

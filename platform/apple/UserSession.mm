@@ -4,24 +4,11 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <pwd.h>
-#include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace vantry {
 
 namespace {
-
-// Another user's folder or one open to others is no place for a socket.
-Result<void> checkPrivateFolder(const std::filesystem::path& folder) {
-    struct stat facts = {};
-    if (lstat(folder.c_str(), &facts) != 0)
-        return std::unexpected(errorFromErrno(errno, folder.native()));
-    if (!S_ISDIR(facts.st_mode) || facts.st_uid != getuid() || (facts.st_mode & 0077) != 0)
-        return std::unexpected(Error{ErrorKind::permissionDenied, folder.native() + ": not a private folder"});
-    return {};
-}
 
 Result<std::filesystem::path> usersTemporaryFolder() {
     std::array<char, PATH_MAX> buffer{};
@@ -36,26 +23,10 @@ Result<std::filesystem::path> usersTemporaryFolder() {
 
 } // namespace
 
-Result<std::filesystem::path> homeFolder() {
-    if (const char* home = std::getenv("HOME"); home && *home == '/')
-        return home;
-    std::vector<char> buffer(16384);
-    passwd entry = {};
-    passwd* found = nullptr;
-    const int status = getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
-    if (!found)
-        return std::unexpected(errorFromErrno(status != 0 ? status : ENOENT, "home folder"));
-    return entry.pw_dir;
-}
-
-// The system's answer and not $TMPDIR, which may differ between two starts that are to find each other.
+// Not $TMPDIR, which may differ between two starts that have to find each other.
 Result<std::filesystem::path> userRuntimeFolder() {
-    const auto folder = usersTemporaryFolder();
-    if (!folder)
-        return folder;
-    if (const auto checked = checkPrivateFolder(*folder); !checked)
-        return std::unexpected(checked.error());
-    return folder;
+    auto folder = usersTemporaryFolder();
+    return folder ? privateFolder(*folder) : folder;
 }
 
 std::filesystem::path temporaryFolder() {
@@ -64,7 +35,9 @@ std::filesystem::path temporaryFolder() {
     return usersTemporaryFolder().value_or("/tmp");
 }
 
-// A user has one window server session.
+std::filesystem::path downloadFolder(const std::filesystem::path& home) { return home / "Downloads"; }
+
+// macOS gives a user one window server session.
 std::string graphicalSessionName() { return {}; }
 
 } // namespace vantry

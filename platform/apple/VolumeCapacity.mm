@@ -9,7 +9,7 @@ namespace vantry {
 
 namespace {
 
-// A new URL for each request: a URL object remembers the values that it once answered.
+// A new URL for each request: a URL object caches its values.
 NSURL* directoryUrl(const std::filesystem::path& path) {
     return [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:YES relativeToURL:nil];
 }

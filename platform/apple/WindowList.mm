@@ -1,4 +1,4 @@
-#include "platform/apple/WindowList.h"
+#include "platform/apple/Services.h"
 
 #include "platform/apple/FoundationValues.h"
 

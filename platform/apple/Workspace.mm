@@ -1,4 +1,4 @@
-#include "platform/apple/Workspace.h"
+#include "platform/apple/Services.h"
 
 #include "platform/apple/FoundationValues.h"
 
@@ -20,7 +20,8 @@ public:
                                                       object:nil
                                                        queue:[NSOperationQueue mainQueue]
                                                   usingBlock:^(NSNotification*) {
-                                                      // Locked while it runs: a block may end its own subscription.
+                                                      // Keeps the block alive while it runs: it may end its own
+                                                      // subscription.
                                                       if (const auto held = weakBlock.lock())
                                                           (*held)();
                                                   }];
@@ -38,7 +39,7 @@ private:
     id<NSObject> observer_ = nil;
 };
 
-// AppKit's y grows upwards from the bottom of the first screen.
+// In AppKit y grows upwards from the bottom of the first screen.
 Rect frameFromTop(NSRect frame, NSArray<NSScreen*>* screens) {
     const CGFloat top = NSMaxY(screens.firstObject.frame);
     return {NSMinX(frame), top - NSMaxY(frame), NSWidth(frame), NSHeight(frame)};
@@ -53,7 +54,7 @@ NSURL* urlFromPath(const std::filesystem::path& path) {
     return [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
 }
 
-// Nothing is asked of the user, and nobody waits. `onFailure`, if any, is called on the main thread.
+// Never prompts the user and never waits. `onFailure`, if given, is called on the main thread.
 void open(NSURL* url, void (^onFailure)() = nil) {
     if (!url) {
         if (onFailure)
@@ -62,7 +63,7 @@ void open(NSURL* url, void (^onFailure)() = nil) {
     }
     NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
     configuration.promptsUserIfNeeded = NO;
-    // The answer comes on a thread of the system's.
+    // The completion handler runs on a thread of the system.
     [[NSWorkspace sharedWorkspace] openURL:url
                              configuration:configuration
                          completionHandler:^(NSRunningApplication*, NSError* error) {
@@ -83,7 +84,7 @@ public:
             open(urlFromText(url));
         }
     }
-    // What opens it is found out by opening it.
+    // Launch Services finds the application when it opens the URL.
     bool canOpenURL(const std::string& /*url*/) const override { return true; }
 
     void openSettingsPane(const std::string& url) override {
@@ -100,9 +101,18 @@ public:
     }
     bool canOpenItem(const std::filesystem::path& path) const override {
         @autoreleasepool {
-            BOOL isFolder = NO; // and an application is one
+            BOOL isFolder = NO; // an application is one too
             NSString* text = urlFromPath(path).path;
             return text && [[NSFileManager defaultManager] fileExistsAtPath:text isDirectory:&isFolder] && isFolder;
+        }
+    }
+    void copyText(const std::string& text) override {
+        @autoreleasepool {
+            NSString* copied = foundationText(text);
+            if (!copied)
+                return;
+            [[NSPasteboard generalPasteboard] clearContents];
+            [[NSPasteboard generalPasteboard] setString:copied forType:NSPasteboardTypeString];
         }
     }
     void revealItem(const std::filesystem::path& path) override {

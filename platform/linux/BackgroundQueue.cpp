@@ -11,7 +11,7 @@ namespace {
 
 constexpr int utilityNiceness = 5;
 
-// A thread a block: work comes once a minute or at the user's wish, and no idle thread stays behind.
+// Starts a thread for each block: work comes once a minute or when the user asks, so no idle threads are kept.
 class ThreadQueue : public BackgroundQueue {
 public:
     void submit(QualityOfService quality, std::function<void()> block) override {

@@ -5,7 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-extern "C" { // glibc 2.36 forgot it
+extern "C" { // the header of glibc 2.36 lacks it
 #include <sys/pidfd.h>
 }
 
@@ -22,7 +22,7 @@ short inheritStandardStreamsOnly(SpawnPlan& plan) {
     return 0;
 }
 
-// One for this process keeps the place of the child's.
+// A descriptor of this process reserves the place for the child's.
 Result<UniqueFd> prepareExitWatch() {
     UniqueFd place(pidfd_open(getpid(), 0));
     if (!place)
@@ -42,7 +42,7 @@ void sendSignal(const UniqueFd& watch, pid_t /*pid*/, int signal) {
 
 } // namespace ChildProcessSystem
 
-// The link leads to the file that runs, also when it has no name any more; the child follows it before it is replaced.
+// The link leads to the running file even when it was deleted. The child resolves it before it becomes that program.
 Result<std::filesystem::path> ownExecutable() { return "/proc/self/exe"; }
 
 } // namespace vantry

@@ -2,7 +2,7 @@
 
 #include "base/AtomicFile.h"
 #include "platform/ItemFacts.h"
-#include "platform/ProgramOutput.h"
+#include "platform/SupervisedChild.h"
 #include "platform/UserSession.h"
 #include "platform/linux/LinkTargets.h"
 #include "platform/linux/WallpaperSettings.h"
@@ -63,7 +63,7 @@ Picture matePicture() {
     return path ? pathOfUrl(*path) : std::nullopt;
 }
 
-// A folder holds one picture in several sizes, each named after its own ("3840x2160.png"); the largest is taken.
+// A folder holds one picture in several sizes, and each file is named after its size ("3840x2160.png").
 fs::path largestIn(const fs::path& folder) {
     const auto width = [](const fs::path& file) { return std::atoi(file.filename().c_str()); };
     fs::path largest = folder;
@@ -87,7 +87,7 @@ Picture xfceDesktopPicture(const std::string& screen) {
                        screen);
 }
 
-// Where no desktop draws the picture.
+// For window managers that leave the picture to a program of its own.
 Picture pictureOfPlainWindowManagers() {
     if (auto picture = fehPicture(settingsIn(home() / ".fehbg")))
         return picture;
@@ -149,7 +149,7 @@ std::optional<fs::path> desktopPicture(const Screen& screen) {
     return readable(pictureOfPlainWindowManagers());
 }
 
-// Where Debian and its kin have it.
+// On Debian and its derivatives.
 fs::path defaultDesktopPicture() { return "/usr/share/images/desktop-base/default"; }
 
 } // namespace vantry

@@ -25,7 +25,7 @@ class DirectoryReader {
 public:
     static constexpr ssize_t largestPiece = 128 * 1024; ///< bytes: some thousands of entries
 
-    /// The next entries of the folder that is open as `fd`, "." and ".." left out; empty at its end. The error is an
+    /// The next entries of the folder that is open as `fd`, without "." and ".."; empty at its end. The error is an
     /// errno.
     [[nodiscard]] std::expected<std::span<const DirectoryEntry>, int> read(int fd, ssize_t pieceSize = largestPiece) {
         entries_.clear();
@@ -33,7 +33,7 @@ public:
             length_ = getdents64(fd, buffer_.get(), static_cast<std::size_t>(pieceSize));
             if (length_ < 0 && errno == EINTR)
                 continue;
-            if (length_ < 0 && errno == EINVAL && pieceSize < largestPiece) { // the next name alone is too long for it
+            if (length_ < 0 && errno == EINVAL && pieceSize < largestPiece) { // too small for the next name
                 pieceSize = largestPiece;
                 continue;
             }
@@ -54,8 +54,8 @@ public:
         return entries_;
     }
 
-    /// Whether what was read last from `fd` is known to be all there is. Leaves the entries and the place of the next
-    /// reading as they are. The error is an errno.
+    /// Whether the last read is known to have reached the end of the folder. Changes neither the entries nor the
+    /// position of the next read. The error is an errno.
     [[nodiscard]] std::expected<bool, int> atEnd(int fd) {
         if (length_ == 0)
             return true;
@@ -65,7 +65,7 @@ public:
         const ssize_t more = getdents64(fd, next.data(), next.size());
         if (more == 0)
             return true;
-        // A file system that does not fill the buffer is not asked again: going back costs more than is saved.
+        // This file system does not fill the buffer. Do not ask again: seeking back costs more than is saved.
         piecesAreShort_ = true;
         if (more > 0 && lseek(fd, end_, SEEK_SET) != end_)
             return std::unexpected(errno);
@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    static constexpr ssize_t largestEntry = 1024; // with a name longer than local file systems allow
+    static constexpr ssize_t largestEntry = 1024; // more than the longest name of local file systems takes
 
     static EntryKind kindOf(unsigned char type) {
         switch (type) {
@@ -87,9 +87,9 @@ private:
     std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(largestPiece);
     std::vector<DirectoryEntry> entries_;
     ssize_t length_ = 0;          ///< of the last piece
-    ssize_t pieceSize_ = 0;       ///< what it could have been
-    off64_t end_ = 0;             ///< where the last piece ends
-    bool piecesAreShort_ = false; ///< although more follows
+    ssize_t pieceSize_ = 0;       ///< the room that it had
+    off64_t end_ = 0;             ///< position behind the last piece
+    bool piecesAreShort_ = false; ///< even when more follows
 };
 
 } // namespace vantry

@@ -31,33 +31,33 @@ namespace vantry {
 namespace {
 
 constexpr std::size_t entriesBeforeMoreThreads = 1000; // some two milliseconds, against 0.1 to start a thread
-constexpr std::size_t entriesBetweenLooks = 8;         // at the clock: a disk may take its time for each
+constexpr std::size_t entriesBetweenLooks = 8;         // at the clock: each may take a disk a while
 constexpr std::size_t fewestEntriesToShare = 128;
-constexpr std::size_t tasksToLookAt = 512; // for some that can be shared
+constexpr std::size_t tasksToLookAt = 512; // when looking for some to share
 constexpr std::chrono::milliseconds patienceWithOtherThreads{20};
 
 constexpr unsigned statxMask = STATX_TYPE | STATX_BLOCKS | STATX_MTIME;
 
-// An entry that cannot be read is passed over. Not so when it is this process that cannot: there is more to be seen.
+// An unreadable entry is skipped, but if this process lacks descriptors or memory, the count is incomplete.
 bool mayBePassedOver(int errorNumber) {
     return errorNumber != EMFILE && errorNumber != ENFILE && errorNumber != ENOMEM;
 }
 
 bool isMountRoot(const struct statx& facts) { return (facts.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0; }
 
-// How much of a folder to read at a time. The more folders still have to be walked, the fewer are added to them, so
-// that a tree that is both deep and wide fits into a few megabytes.
+// How much of a folder to read at a time: less when many folders are waiting already, so that a tree that is both deep
+// and wide fits into a few megabytes.
 ssize_t pieceSize(std::size_t tasks) {
     if (tasks < 8'000)
         return DirectoryReader::largestPiece;
     return tasks < 24'000 ? 4096 : 512; // some hundred entries, about a dozen
 }
 
-// Entries of a folder that one thread leaves to another, with a descriptor of their folder to find them in.
+// Entries of a folder that one thread hands to another, with a descriptor of that folder.
 class Share {
 public:
     Share() = default;
-    // Without a descriptor for it, the share is empty.
+    // The share is empty when no descriptor is left for it.
     explicit Share(const WalkedFolder& folder) : folder_(fcntl(folder.fd.get(), F_DUPFD_CLOEXEC, 0)) {}
 
     [[nodiscard]] explicit operator bool() const { return static_cast<bool>(folder_); }
@@ -67,7 +67,7 @@ public:
         kinds_.push_back(kind);
     }
     [[nodiscard]] UniqueFd takeFolder() { return std::move(folder_); }
-    /// Valid as long as this is.
+    /// Valid while this object lives.
     [[nodiscard]] std::vector<DirectoryEntry> entries() const {
         std::vector<DirectoryEntry> entries;
         entries.reserve(kinds_.size());
@@ -85,7 +85,7 @@ private:
     std::vector<EntryKind> kinds_;
 };
 
-// What the threads of a walk have in common.
+// What the threads of a walk share.
 struct Exchange {
     Exchange(Deadline limit, std::shared_ptr<SpareThreads> spareThreads)
         : deadline(limit),
@@ -94,22 +94,22 @@ struct Exchange {
 
     const Deadline deadline;
     const std::shared_ptr<SpareThreads> helpers;
-    std::vector<TreeTally> tallies; ///< one a thread
+    std::vector<TreeTally> tallies; ///< one per thread
 
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Share> shares; ///< waiting for a thread
-    unsigned working = 1;     ///< threads that may still leave something to others, at first the calling one
+    unsigned working = 1;     ///< threads that may still hand over work; at first the calling one
     unsigned waiting = 0;     ///< threads that have nothing to do
     std::atomic<bool> sharesWanted{false};
 
-    // With the mutex held, after any of the above has changed.
+    // Call with the mutex held after a change of the above.
     void updateWants() { sharesWanted.store(waiting > shares.size(), std::memory_order_relaxed); }
     [[nodiscard]] bool finished() const { return working == 0 && shares.empty(); }
 };
 
-// Walks what it is given depth first: a folder's entries piece by piece, the folders in a piece before its next piece,
-// so that neither a wide nor a deep tree has to be held in memory.
+// Walks depth first. Reads a folder piece by piece and walks the folders of a piece before it reads the next one, so
+// that neither a wide nor a deep tree is held in memory.
 class Walker {
 public:
     Walker(std::shared_ptr<Exchange> exchange, std::size_t index)
@@ -127,11 +127,11 @@ public:
         runTasks();
     }
 
-    // Called again and again, once the tree has shown to be large.
+    // Called repeatedly once the tree has proved to be large.
     std::function<void()> whenLarge;
 
 private:
-    // A folder inside `folder` that is still to be opened or, without a name, the rest of `folder` itself.
+    // A folder inside `folder` that has to be opened, or, without a name, the rest of `folder` itself.
     struct Task {
         std::shared_ptr<WalkedFolder> folder;
         std::string name;
@@ -167,12 +167,12 @@ private:
             return opened.error().lost ? tally_.cutShort() : missed(opened.error().errorNumber);
         const auto piece = reader_.read(folder->fd.get(), pieceSize(tasks_.size()));
         if (!piece && !folder->parent)
-            return tally_.cutShort(); // of a root that cannot be read nothing is known
+            return tally_.cutShort(); // an unreadable root tells nothing about the tree
         if (!piece)
             return missed(piece.error());
         const auto atEnd = reader_.atEnd(folder->fd.get());
         if (!atEnd)
-            tally_.cutShort(); // the way back to the rest is barred
+            tally_.cutShort(); // the rest of this folder cannot be reached again
         else if (!*atEnd)
             tasks_.push_back({folder, ""});
         walkEntries(folder, *piece);
@@ -201,7 +201,7 @@ private:
         if (statx(folder->fd.get(), entry.name, statxByPath, statxMask, &facts) != 0)
             missed(errno);
         else if (isMountRoot(facts))
-            return; // of another file system
+            return; // on another file system
         else if (S_ISREG(facts.stx_mode))
             tally_.add(facts);
         else if (S_ISDIR(facts.stx_mode) && entry.kind == EntryKind::unknown)
@@ -219,7 +219,7 @@ private:
         exchange_->changed.notify_all();
     }
 
-    // Leaves half of the entries from `begin` on to a thread that waits, if there is one. What stays is given back.
+    // Hands half of the entries from `begin` on to a waiting thread, if there is one. Returns the ones that stay.
     std::span<const DirectoryEntry> withoutSharedHalf(const WalkedFolder& folder,
                                                       std::span<const DirectoryEntry> entries, std::size_t begin) {
         const std::size_t left = entries.size() - begin;
@@ -235,15 +235,15 @@ private:
         return entries.first(kept);
     }
 
-    // Leaves half of the folders that stand beside each other, and that this thread would come to last, to a thread
-    // that waits, if there is one.
+    // Hands half of a group of sibling folders, which this thread would reach last, to a waiting thread, if there is
+    // one.
     void shareTasks() {
         if (tasks_.size() < 2 || !sharesWanted())
             return;
         const auto canBeShared = [](const Task& task) { return !task.name.empty() && task.folder->fd; };
         const auto few = static_cast<std::ptrdiff_t>(std::min(tasks_.size(), tasksToLookAt));
         auto begin = std::find_if(tasks_.begin(), tasks_.begin() + few, canBeShared);
-        if (begin == tasks_.begin() + few) // what is open was opened lately
+        if (begin == tasks_.begin() + few) // recently opened folders stay with this thread
             begin = std::find_if(tasks_.end() - few, tasks_.end(), canBeShared);
         if (begin == tasks_.end())
             return;
@@ -267,7 +267,7 @@ private:
     std::size_t seen_ = 0; ///< entries
 };
 
-// Walks `root`, if there is one, and then what other threads hand over, until all is walked or time is up.
+// Walks `root`, if given, then what other threads hand over, until everything is walked or the deadline has passed.
 void takePart(Walker& walker, Exchange& exchange, UniqueFd root) {
     if (root) {
         walker.walkFrom(std::move(root));
@@ -297,8 +297,8 @@ void takePart(Walker& walker, Exchange& exchange, UniqueFd root) {
     }
 }
 
-// Whether it could be started. A thread that is stuck in a file system keeps its share of the state alive, and its
-// place; nobody waits for it.
+// Returns whether the thread could be started. A thread that hangs in a file system keeps the shared state and its
+// place among the spare threads; nobody waits for it.
 bool startHelper(const std::shared_ptr<Exchange>& exchange, std::size_t index) {
     try {
         std::thread([exchange, index] {
@@ -315,7 +315,7 @@ bool startHelper(const std::shared_ptr<Exchange>& exchange, std::size_t index) {
     }
 }
 
-// A deadline may be the last moment that there is.
+// Avoids an overflow when the deadline is the largest time point.
 Deadline shortlyAfter(Deadline deadline) {
     return deadline > Deadline::max() - patienceWithOtherThreads ? deadline : deadline + patienceWithOtherThreads;
 }
@@ -325,7 +325,7 @@ TreeTotals walkFolder(UniqueFd root, Deadline deadline, const std::shared_ptr<Sp
     Walker walker(exchange, 0);
     walker.whenLarge = [&exchange, index = std::size_t{1}]() mutable {
         while (index < exchange->tallies.size() && exchange->helpers->take())
-            index = startHelper(exchange, index) ? index + 1 : exchange->tallies.size(); // else those there are do it
+            index = startHelper(exchange, index) ? index + 1 : exchange->tallies.size(); // the running ones do the rest
     };
     takePart(walker, *exchange, std::move(root));
 

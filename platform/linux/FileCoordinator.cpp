@@ -1,16 +1,8 @@
 #include "platform/FileCoordinator.h"
 
+#include "base/StandardizedPath.h"
+
 namespace vantry {
-
-namespace {
-
-// Without a slash at its end.
-std::filesystem::path normalPath(const std::filesystem::path& path) {
-    auto normal = path.lexically_normal();
-    return normal.has_filename() ? normal : normal.parent_path();
-}
-
-} // namespace
 
 Result<void> coordinateMoving(const std::filesystem::path& file,
                               const std::function<void(const std::filesystem::path&)>& accessor) {
@@ -19,7 +11,7 @@ Result<void> coordinateMoving(const std::filesystem::path& file,
 }
 
 bool isSamePlace(const std::filesystem::path& one, const std::filesystem::path& other) {
-    return one.is_absolute() && normalPath(one) == normalPath(other);
+    return one.is_absolute() && standardizedPath(one) == standardizedPath(other);
 }
 
 } // namespace vantry

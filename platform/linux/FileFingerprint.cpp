@@ -13,11 +13,11 @@ namespace vantry {
 
 namespace {
 
-// Younger than the C library's headers (Linux 6.8): a number that no later mount is given again.
+// STATX_MNT_ID_UNIQUE of Linux 6.8, which older headers lack: a number that is never given to another mount.
 constexpr unsigned uniqueMountMask = 0x4000;
 
-// What the file system itself calls the file. It holds the inode's generation, which is new for each file, whereas
-// inode number and birth time of a file deleted and made again are often the same.
+// The file system's own name for the file. It contains the inode's generation, which differs for each file; a file that
+// is deleted and created again often gets the same inode number and birth time.
 std::optional<std::string> fileHandle(int fd) {
     struct alignas(file_handle) Storage {
         std::array<std::byte, sizeof(file_handle)> head;
@@ -48,8 +48,8 @@ std::optional<std::string> resourceIdentifier(const std::optional<std::string>& 
     return text;
 }
 
-// Not the file system's own number: `statfs` waits for servers. Not the device before the mount: files of an overlay
-// may be on other devices than the folder they are in.
+// Not f_fsid: `statfs` waits for servers. The mount is preferred to the device: files of an overlay may be on other
+// devices than their folder.
 std::string volumeIdentifier(const struct statx& facts) {
     if ((facts.stx_mask & (uniqueMountMask | STATX_MNT_ID)) != 0)
         return formatted("mount {}", std::uint64_t{facts.stx_mnt_id});

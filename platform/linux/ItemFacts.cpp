@@ -49,13 +49,13 @@ bool mayRead(int fd, const struct statx& facts) {
         return bitsLetRead(facts);
     if (faccessat(fd, "", R_OK, AT_EACCESS | AT_EMPTY_PATH) == 0)
         return true;
-    return errno != EACCES && bitsLetRead(facts); // an older system without this way of asking
+    return errno != EACCES && bitsLetRead(facts); // an older kernel lacks the call: judge by the bits
 }
 
-// That somebody would have to be waited for is a kind of its own.
+// EAGAIN means that a server or another process would have to be waited for.
 Error lookupError(int errorNumber) { return errorFromErrno(errorNumber == EAGAIN ? ETIMEDOUT : errorNumber); }
 
-// Of the item that `fd` is, or stands at `path`, by `flags`.
+// The facts of the item that `fd` is open for, or of the one at `path`, depending on `flags`.
 Result<ItemFacts> factsOf(int fd, const char* path, int flags) {
     struct statx said = {};
     if (statx(fd, path, flags, STATX_TYPE | STATX_MTIME | STATX_BLOCKS, &said) != 0)
@@ -79,7 +79,7 @@ Result<ItemFacts> readItemFacts(const std::filesystem::path& path) {
 Result<FoundItem> readFoundItem(const std::filesystem::path& path,
                                 const std::function<bool(const ItemFacts&)>& isWanted) {
     const auto fd = openPromptly(path, FinalLink::isOpened);
-    const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then by its path
+    const bool noneLeft = !fd && (fd.error() == EMFILE || fd.error() == ENFILE); // then it is looked up by its path
     if (!fd && !noneLeft)
         return std::unexpected(lookupError(fd.error()));
     const auto facts = noneLeft ? factsOf(AT_FDCWD, path.c_str(), statxByPath) : factsOf(fd->get(), "", ofItem);
@@ -120,6 +120,25 @@ Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path) {
     if (error)
         return std::unexpected(errorFromErrno(error.value()));
     return resolved;
+}
+
+ItemKind quickItemKind(const std::filesystem::path& path) {
+    const auto fd = openPromptly(path, FinalLink::isOpened);
+    if (fd) {
+        struct statx facts = {};
+        if (statx(fd->get(), "", ofItem, STATX_TYPE, &facts) != 0)
+            return ItemKind::none;
+        return S_ISREG(facts.stx_mode)   ? ItemKind::regularFile
+               : S_ISDIR(facts.stx_mode) ? ItemKind::folder
+                                         : ItemKind::other;
+    }
+    switch (fd.error()) {
+    case EAGAIN:
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM: return ItemKind::unknown;
+    default: return ItemKind::none;
+    }
 }
 
 FolderOpener folderOpener() { return {}; }

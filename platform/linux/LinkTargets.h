@@ -6,12 +6,12 @@
 
 namespace vantry {
 
-// Neither waits for a server or for another process, see platform/ItemFacts.h. Any thread.
+// Like platform/ItemFacts.h, neither waits for a server or for another process. Any thread.
 
-/// Whether this process may read the file that `path` leads to; false also where that cannot be found out.
+/// Whether this process may read the file that `path` leads to; false if that cannot be determined.
 [[nodiscard]] bool isReadableFile(const std::filesystem::path& path);
 
-/// Where `path` leads to, without links; an error where it leads nowhere or that cannot be found out.
+/// `path` with all links resolved; an error if it leads nowhere or cannot be resolved.
 [[nodiscard]] Result<std::filesystem::path> resolvedPath(const std::filesystem::path& path);
 
 } // namespace vantry

@@ -3,6 +3,7 @@
 #include "base/Format.h"
 #include "base/Utf8.h"
 #include "platform/UserSession.h"
+#include "platform/linux/SettingsText.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,8 +16,8 @@ namespace vantry {
 
 namespace {
 
-// An argument of "Exec": quoted, the shell's special characters escaped inside the quotes, "%" doubled, and then all of
-// it written as a string value, in which a backslash is escaped once more.
+// An argument of "Exec": in quotes, with the shell's special characters escaped and "%" doubled. Since "Exec" is a
+// string value, each backslash is then escaped once more.
 std::string execArgument(std::string_view argument) {
     std::string quoted = "\"";
     for (const char character : argument) {
@@ -34,12 +35,6 @@ std::string execArgument(std::string_view argument) {
         value += character;
     }
     return value;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r");
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 std::vector<std::string_view> split(std::string_view text, char separator) {
@@ -64,7 +59,7 @@ std::map<std::string_view, std::string_view> desktopEntryKeys(std::string_view e
     return keys;
 }
 
-// Whether one of `names` is a name of the desktop that runs.
+// Whether one of `names` names the running desktop.
 bool namesCurrentDesktop(std::string_view names) {
     const char* desktops = std::getenv("XDG_CURRENT_DESKTOP");
     const auto current = split(desktops ? desktops : "", ':');
@@ -89,14 +84,14 @@ Result<std::filesystem::path> runningApplicationPath() {
     auto path = std::filesystem::read_symlink("/proc/self/exe", failure).native();
     if (failure)
         return std::unexpected(errorFromErrno(failure.value(), "/proc/self/exe"));
-    // After an update the new file stands where the running one stood.
+    // After an update the new file has replaced the running one.
     if (path.ends_with(deletedMark) && !std::filesystem::exists(path, failure))
         path.resize(path.size() - deletedMark.size());
     return path;
 }
 
 std::vector<std::filesystem::path> installedApplicationPaths() {
-    return {"/usr/local/bin/ombrel", "/usr/bin/ombrel"}; // as PATH has them
+    return {"/usr/local/bin/ombrel", "/usr/bin/ombrel"}; // in the usual order of PATH
 }
 
 bool isApplication(const std::filesystem::path& path) {

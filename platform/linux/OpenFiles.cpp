@@ -8,7 +8,7 @@
 
 namespace vantry {
 
-// By the number of the descriptor, as the process opened them.
+// In the order of the descriptor numbers.
 std::vector<std::filesystem::path> openFilesOfProcess(int process) {
     std::map<int, std::filesystem::path> files;
     std::error_code error;
@@ -17,7 +17,7 @@ std::vector<std::filesystem::path> openFilesOfProcess(int process) {
         const std::string name = entry->path().filename().native();
         int descriptor = 0;
         std::from_chars(name.data(), name.data() + name.size(), descriptor);
-        std::error_code ignored; // closed meanwhile
+        std::error_code ignored; // it was closed in between
         if (auto file = std::filesystem::read_symlink(entry->path(), ignored); file.is_absolute())
             files.emplace(descriptor, std::move(file));
     }

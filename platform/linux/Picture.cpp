@@ -2,7 +2,7 @@
 
 #include "base/Deadline.h"
 #include "platform/ChildProcess.h"
-#include "platform/ProgramOutput.h"
+#include "platform/SupervisedChild.h"
 #include "platform/linux/PictureWorker.h"
 
 #include <cstring>

@@ -1,17 +1,13 @@
 #include "platform/linux/PictureWorker.h"
 
 #include "base/UniqueFd.h"
-#include "platform/MemoryLimit.h"
+#include "base/WriteAll.h"
+#include "platform/Sandbox.h"
 #include "platform/ShellModule.h"
-#include "platform/WriteProtection.h"
-#include "platform/linux/PictureDecoders.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <malloc.h>
-#include <string_view>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -22,23 +18,16 @@ namespace vantry {
 namespace {
 
 constexpr const char* module = "libombrel-pictures.so";
-constexpr std::size_t decodersMemory = std::size_t{768} << 20; // beyond the decoders themselves and the file
+constexpr std::size_t decodersMemory = std::size_t{768} << 20; // on top of the decoders themselves and the file
 constexpr off_t largestPictureFile = off_t{1} << 30;
-constexpr rlim_t processorSeconds = 30; // should nobody be there to end this any more
-
-bool isFilm(const std::filesystem::path& file) {
-    std::string extension = file.extension().native();
-    std::ranges::transform(extension, extension.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return std::ranges::find(filmExtensions, extension) != filmExtensions.end();
-}
+constexpr rlim_t processorSeconds = 30; // in case the parent is gone and cannot end this
 
 struct OpenPicture {
     UniqueFd file;
     off_t size = 0;
 };
 
-// Neither waits for the other end of a FIFO nor wakes a device.
+// O_NONBLOCK: does not wait for the other end of a FIFO.
 std::optional<OpenPicture> openRegularFile(const std::filesystem::path& path) {
     OpenPicture picture{UniqueFd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))};
     struct stat facts = {};
@@ -55,7 +44,7 @@ Decoder* decoder(const char* name) {
 }
 
 void limitResources() {
-    mallopt(M_ARENA_MAX, 1); // each thread's own would reserve 64 MB
+    mallopt(M_ARENA_MAX, 1); // each thread's arena would reserve 64 MB
     std::ignore = limitMemory(decodersMemory);
     const rlimit processor{processorSeconds, processorSeconds};
     setrlimit(RLIMIT_CPU, &processor);
@@ -74,7 +63,7 @@ std::optional<PicturePixels> decodedPicture(const OpenPicture& picture) {
         return std::nullopt;
     const auto decode = decoder<PictureDecoder>(pictureDecoderName);
     const auto size = static_cast<std::size_t>(picture.size);
-    // Never unmapped: this process ends soon. Should the file become shorter, it ends sooner.
+    // Never unmapped: this process exits soon. If the file is truncated meanwhile, SIGBUS ends it.
     void* contents = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, picture.file.get(), 0);
     if (!decode || contents == MAP_FAILED)
         return std::nullopt;
@@ -84,14 +73,8 @@ std::optional<PicturePixels> decodedPicture(const OpenPicture& picture) {
 
 bool writePixels(const PicturePixels& pixels) {
     static_assert(sizeof(PicturePixel) == 4);
-    std::string_view bytes(reinterpret_cast<const char*>(pixels.data()), pixels.size() * sizeof(PicturePixel));
-    while (!bytes.empty()) {
-        const ssize_t written = write(STDOUT_FILENO, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
+    const auto* bytes = reinterpret_cast<const char*>(pixels.data());
+    return writeAll(STDOUT_FILENO, {bytes, pixels.size() * sizeof(PicturePixel)}) == 0;
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
 
 namespace vantry {
 
@@ -27,14 +26,14 @@ std::optional<struct statx> statxOf(int fd, const char* name, unsigned mask) {
     return facts;
 }
 
-// Two things of which one at least is held open: no inode number is given to a second file meanwhile.
+// At least one of the two is held open, so its inode number cannot be reused.
 bool isSameItem(const struct statx& one, const struct statx& other) {
     return (one.stx_mask & other.stx_mask & STATX_INO) != 0 && one.stx_ino == other.stx_ino &&
            one.stx_dev_major == other.stx_dev_major && one.stx_dev_minor == other.stx_dev_minor &&
            (one.stx_mask & STATX_MNT_ID) == (other.stx_mask & STATX_MNT_ID) && one.stx_mnt_id == other.stx_mnt_id;
 }
 
-// What openat2 does, for kernels and sandboxes that do not offer it: one component at a time, each relative to the one
+// Does what openat2 does, for kernels and sandboxes without it: opens one component at a time, relative to the one
 // before.
 Opened walkToFolder(std::string_view path) {
     UniqueFd folder(open("/", itemFlags | O_DIRECTORY));
@@ -56,7 +55,9 @@ Opened walkToFolder(std::string_view path) {
     return std::unexpected(errno);
 }
 
-Opened openFolder(const std::string& path) {
+} // namespace
+
+std::expected<UniqueFd, int> PinnedFolder::opened(const std::string& path) {
     constexpr int attempts = 32;
     open_how how = {};
     how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
@@ -66,7 +67,7 @@ Opened openFolder(const std::string& path) {
         if (folder)
             return folder;
         switch (errno) {
-        case EAGAIN: // something on the way was renamed meanwhile
+        case EAGAIN: // a component was renamed during the lookup
         case EINTR: continue;
         case ENOSYS:
         case EINVAL:
@@ -78,34 +79,8 @@ Opened openFolder(const std::string& path) {
     return walkToFolder(path);
 }
 
-PinFailure failureOf(int errorNumber) {
-    switch (errorNumber) {
-    case ENOENT:
-    case ENOTDIR: return PinFailure::missing;
-    case ELOOP: return PinFailure::link;
-    default: return PinFailure::unavailable;
-    }
-}
-
-bool isWhole(const std::string& text) { return text.find('\0') == text.npos; }
-
-} // namespace
-
-PinnedFolder::PinnedFolder(std::filesystem::path path, UniqueFd descriptor)
-    : path_(std::move(path)),
-      descriptor_(std::move(descriptor)) {}
-
-std::expected<std::shared_ptr<const PinnedFolder>, PinFailure> PinnedFolder::open(const std::filesystem::path& path) {
-    if (!path.is_absolute() || !isWhole(path.native()))
-        return std::unexpected(PinFailure::unavailable);
-    auto folder = openFolder(path.native());
-    if (!folder)
-        return std::unexpected(failureOf(folder.error()));
-    return std::shared_ptr<const PinnedFolder>(new PinnedFolder(path, std::move(*folder)));
-}
-
 bool PinnedFolder::isInPlace() const {
-    const auto there = openFolder(path_.native());
+    const auto there = opened(path_.native());
     if (!there)
         return false;
     const auto found = statxOf(there->get(), "", STATX_INO | STATX_MNT_ID);
@@ -126,16 +101,8 @@ std::optional<PinnedFolderFacts> PinnedFolder::facts() const {
     return facts;
 }
 
-PinnedFile::PinnedFile(std::shared_ptr<const PinnedFolder> folder, std::string name, UniqueFd descriptor)
-    : folder_(std::move(folder)),
-      name_(std::move(name)),
-      descriptor_(std::move(descriptor)) {}
-
-std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const PinnedFolder> folder,
-                                                       const std::string& name) {
-    if (name.empty() || name == "." || name == ".." || name.find('/') != name.npos || !isWhole(name))
-        return std::unexpected(PinFailure::unavailable);
-    UniqueFd item(openat(folder->descriptor(), name.c_str(), itemFlags));
+std::expected<UniqueFd, PinFailure> PinnedFile::opened(int folder, const std::string& name) {
+    UniqueFd item(openat(folder, name.c_str(), itemFlags));
     if (!item)
         return std::unexpected(failureOf(errno));
     const auto said = statxOf(item.get(), "", 0);
@@ -145,7 +112,7 @@ std::expected<PinnedFile, PinFailure> PinnedFile::open(std::shared_ptr<const Pin
         return std::unexpected(PinFailure::link);
     if (!S_ISREG(said->stx_mode) && !S_ISDIR(said->stx_mode))
         return std::unexpected(PinFailure::special);
-    return PinnedFile(std::move(folder), name, std::move(item));
+    return item;
 }
 
 std::optional<PinnedFileFacts> PinnedFile::facts() const {
@@ -162,19 +129,13 @@ std::optional<PinnedFileFacts> PinnedFile::facts() const {
     facts.allocatedBytes = facts.totalAllocated = allocatedBytesOf(*said);
     if ((said->stx_mask & STATX_UID) != 0)
         facts.owner = said->stx_uid;
-    // Last: the date tells of whatever was written while the rest was read.
+    // Last, so that the date covers writes that happened while the rest was read.
     facts.fingerprint = readFileFingerprint(descriptor());
     return facts;
 }
 
-PinnedPlace PinnedFile::place() const {
-    return folder_->isInPlace() ? placeIn(folder_->descriptor(), name_) : PinnedPlace::folderMoved;
-}
-
-PinnedPlace PinnedFile::placeIn(int folder, const std::string& name) const {
-    // Without a name it would be the folder itself.
-    const auto found =
-        name.empty() || !isWhole(name) ? std::nullopt : statxOf(folder, name.c_str(), STATX_INO | STATX_MNT_ID);
+PinnedPlace PinnedFile::placeOf(int folder, const std::string& name) const {
+    const auto found = statxOf(folder, name.c_str(), STATX_INO | STATX_MNT_ID);
     const auto pinned = statxOf(descriptor(), "", STATX_INO | STATX_MNT_ID);
     if (!found || !pinned)
         return PinnedPlace::missing;

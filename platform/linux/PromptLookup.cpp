@@ -22,15 +22,14 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// What is on a disk of this machine or in its memory. "fuseblk", on a disk, is not among them: a process answers for
-// it.
+// File systems on a disk of this machine or in its memory. "fuseblk" is on a disk too, but a process answers for it.
 constexpr std::array promptTypes{"bcachefs"sv, "btrfs"sv,    "devtmpfs"sv, "erofs"sv,    "exfat"sv,   "ext2"sv,
                                  "ext3"sv,     "ext4"sv,     "f2fs"sv,     "hfs"sv,      "hfsplus"sv, "iso9660"sv,
                                  "jfs"sv,      "msdos"sv,    "nilfs2"sv,   "ntfs3"sv,    "overlay"sv, "proc"sv,
                                  "ramfs"sv,    "reiserfs"sv, "rootfs"sv,   "squashfs"sv, "sysfs"sv,   "tmpfs"sv,
                                  "udf"sv,      "ufs"sv,      "vfat"sv,     "xfs"sv,      "zfs"sv};
 
-// The type of a mounted file system as the kernel lists it; `statfs` would ask the file system.
+// Read from the kernel's list: `statfs` would ask the file system.
 std::string typeOfMount(std::uint64_t identifier) {
     std::ifstream list("/proc/self/mountinfo");
     const std::string begin = std::to_string(identifier) + " ";
@@ -65,7 +64,7 @@ std::expected<UniqueFd, int> openAnyway(int folder, const std::filesystem::path&
 
 std::expected<UniqueFd, int> openPromptly(const std::filesystem::path& path, FinalLink link, int linksLeft);
 
-// Where the link `item`, which lies in `folder`, leads to.
+// Opens the target of the link `item`, which is in `folder`.
 std::expected<UniqueFd, int> openTarget(int folder, int item, int linksLeft) {
     std::error_code error;
     const auto ofFolder = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), error);
@@ -79,7 +78,7 @@ std::expected<UniqueFd, int> openTarget(int folder, int item, int linksLeft) {
                         linksLeft - 1);
 }
 
-// Not in memory: from the folder on, which is looked up in the same way.
+// For a path that the kernel has not cached: opens the parent folder in the same way, then the item in it.
 std::expected<UniqueFd, int> openInFolder(const std::filesystem::path& path, FinalLink link, int linksLeft) {
     const auto item = path.has_filename() ? path : path.parent_path();
     const auto folder =
@@ -106,7 +105,7 @@ std::expected<UniqueFd, int> openPromptly(const std::filesystem::path& path, Fin
         return path.has_relative_path() ? openInFolder(path, link, linksLeft) : openAnyway(AT_FDCWD, path, link);
     case ENOSYS:
     case EINVAL:
-    case EPERM: return openAnyway(AT_FDCWD, path, link); // an older kernel, or a sandbox without this call
+    case EPERM: return openAnyway(AT_FDCWD, path, link); // an older kernel, or a sandbox that blocks openat2
     default: return fd;
     }
 }
@@ -122,7 +121,7 @@ bool isOnPromptFileSystem(int fd) {
     struct statx facts = {};
     if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT, STATX_MNT_ID, &facts) != 0)
         return false;
-    if ((facts.stx_mask & STATX_MNT_ID) == 0) // an older kernel; those on a network have no device
+    if ((facts.stx_mask & STATX_MNT_ID) == 0) // an older kernel; network file systems have major number 0
         return facts.stx_dev_major != 0;
     return std::ranges::count(promptTypes, typeOfMount(facts.stx_mnt_id)) != 0;
 }

@@ -16,7 +16,7 @@ struct NodeDeleter {
 };
 using Node = std::unique_ptr<void, NodeDeleter>;
 
-// XML 1.0 has no control characters but tab and the line breaks.
+// XML 1.0 allows no control characters except tab and line breaks.
 bool xmlCanHold(const std::string& text) {
     return isUtf8(text) && std::ranges::none_of(text, [](char character) {
                return static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
@@ -66,6 +66,29 @@ Result<std::string> xmlPropertyList(const PropertyList& list) {
     std::string xml(text, length);
     plist_to_xml_free(text);
     return xml;
+}
+
+Result<std::map<std::string, std::string>> propertyListTexts(std::string_view bytes,
+                                                             std::span<const std::string> keys) {
+    if (bytes.size() > largestPropertyList)
+        return std::unexpected(Error{ErrorKind::invalid, "The property list is too large."});
+    plist_t read = nullptr;
+    const auto parse = bytes.starts_with("bplist00") ? plist_from_bin : plist_from_xml;
+    parse(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
+    const Node list(read);
+    if (!list || plist_get_node_type(list.get()) != PLIST_DICT)
+        return std::unexpected(Error{ErrorKind::invalid, "This is not a property list that can be read."});
+    std::map<std::string, std::string> texts;
+    for (const auto& key : keys) {
+        const plist_t value = plist_dict_get_item(list.get(), key.c_str());
+        if (!value || plist_get_node_type(value) != PLIST_STRING)
+            continue;
+        std::uint64_t length = 0;
+        const char* text = plist_get_string_ptr(value, &length);
+        if (text && length <= longestPropertyListText && isUtf8({text, length}))
+            texts.emplace(key, std::string(text, length));
+    }
+    return texts;
 }
 
 } // namespace vantry

@@ -1,5 +1,7 @@
 #include "platform/linux/SystemColors.h"
 
+#include "base/CaseTable.h"
+
 #include <array>
 
 namespace vantry {
@@ -11,7 +13,7 @@ constexpr Rgba rgb(int red, int green, int blue, double alpha = 1) {
 }
 
 struct Row {
-    SystemColor role;
+    SystemColor value;
     Rgba light;
     Rgba dark;
 };
@@ -38,18 +40,12 @@ constexpr std::array<Row, 17> rows{{
     {SystemColor::windowBackground, rgb(236, 236, 236), rgb(50, 50, 50)},
 }};
 
-constexpr bool rowsStandInEnumerationOrder() {
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        if (rows[i].role != static_cast<SystemColor>(i))
-            return false;
-    return true;
-}
-static_assert(rowsStandInEnumerationOrder());
+static_assert(rowsStandInOrder(rows));
 
 } // namespace
 
 Rgba resolvedSystemColor(SystemColor role, Appearance appearance) {
-    const Row& row = rows.at(static_cast<std::size_t>(role));
+    const Row& row = rowOf(rows, role);
     return appearance == Appearance::dark ? row.dark : row.light;
 }
 

@@ -14,7 +14,7 @@ namespace vantry {
 
 namespace {
 
-// The user's locale, for one answer: a change of the environment's files is rare, a refresh is once a minute.
+// The user's locale, loaded for each text: that is once a minute, and a changed locale needs no handling.
 class UserLocale {
 public:
     explicit UserLocale(int categories) : locale_(newlocale(categories, "", nullptr)) {}
@@ -40,7 +40,7 @@ private:
     locale_t locale_;
 };
 
-// `tenths` or hundredths and so on of a unit, without padding zeros.
+// `scaled` in tenths (one digit), hundredths (two) and so on, without padding zeros.
 std::string decimalText(std::uint64_t scaled, int digits) {
     std::uint64_t scale = 1;
     for (int i = 0; i < digits; ++i)
@@ -69,7 +69,7 @@ constexpr std::array<ByteUnit, 6> byteUnits{{
     {1'000'000'000'000'000'000, 2, "EB"},
 }};
 
-// The amount in the unit's last shown digit, halves away from zero.
+// The amount in steps of the unit's last shown digit. Halves round up.
 std::uint64_t scaledAmount(std::uint64_t bytes, const ByteUnit& unit) {
     const std::uint64_t step = unit.size / (unit.digits == 0 ? 1 : unit.digits == 1 ? 10 : 100);
     return bytes / step + (bytes % step >= step - bytes % step ? 1 : 0);
@@ -80,7 +80,7 @@ std::string magnitudeText(std::uint64_t bytes, ByteUnits allowed) {
         return formatted("{} {}", bytes, bytes == 1 ? "byte" : "bytes");
     const std::size_t first = allowed == ByteUnits::all ? 0 : 2;
     const std::size_t last = allowed == ByteUnits::all ? byteUnits.size() - 1 : 3;
-    // A figure that rounds up to 1000 of a unit is 1 of the next.
+    // 999.95 MB is shown as 1 GB.
     for (std::size_t i = first;; ++i) {
         const ByteUnit& unit = byteUnits[i];
         const std::uint64_t scaled = scaledAmount(bytes, unit);
@@ -90,13 +90,13 @@ std::string magnitudeText(std::uint64_t bytes, ByteUnits allowed) {
     }
 }
 
-// What stands before and after a percentage's figure.
+// What is written before and after the figure of a percentage.
 struct PercentSigns {
     std::string_view before;
     std::string_view after;
 };
 
-// The percent formats of the Unicode CLDR, release 48. All other languages and regions write "47%".
+// Percent formats of Unicode CLDR 48. Languages and regions that are not listed write "47%".
 PercentSigns percentSigns() {
     static constexpr std::array<std::string_view, 33> spaced{
         "be", "br", "ca", "ce", "cs", "cv",  "da", "de", "dsb", "en_DK", "es_ES", "fi", "fo", "fr", "gl", "hr", "hsb",

@@ -2,7 +2,6 @@
 
 #include "base/Uuid.h"
 #include "platform/UserSession.h"
-#include "platform/linux/TrashEntry.h"
 #include "platform/linux/TrashFolders.h"
 #include "platform/linux/TrashInfoFile.h"
 
@@ -24,34 +23,19 @@ namespace vantry {
 
 namespace {
 
-constexpr std::size_t longestName = 255; // bytes, of most file systems
+constexpr std::size_t longestName = 255; // bytes, on most file systems
 constexpr auto cannotWrite = "the Trash could not be written to";
 constexpr auto cannotMove = "it could not be moved";
 constexpr auto otherFileSystem = "it is on another file system than the Trash";
 constexpr auto movedTrash = "the Trash was moved meanwhile";
 constexpr auto cannotConfirm = "the disk could not confirm the move";
 
-TrashMove notMoved(std::string reason) {
-    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
-}
-
-std::optional<std::string> refusalByPlace(PinnedPlace place) {
-    switch (place) {
-    case PinnedPlace::unchanged: return std::nullopt;
-    case PinnedPlace::folderMoved: return "its folder is not to be found in its place";
-    case PinnedPlace::missing: return "it is not to be found in its place";
-    case PinnedPlace::link:
-    case PinnedPlace::otherItem: break;
-    }
-    return "something else is in its place";
-}
-
 bool isFree(int folder, const std::string& name) {
     struct stat facts = {};
     return fstatat(folder, name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
 }
 
-// Not tried again once something is there: a file system that is interrupted may have moved it nevertheless.
+// Not retried once the destination exists: an interrupted file system may have moved the file all the same.
 int moveWithoutReplacing(int fromFolder, const std::string& from, int toFolder, const std::string& to) {
     constexpr int attempts = 16;
     for (int left = attempts; left > 0; --left) {
@@ -71,14 +55,14 @@ std::tm localTimeNow() {
     return local;
 }
 
-/// Names for the Trash, the next one after each that was taken.
+/// Yields names for the Trash, another one each time the last was taken.
 class TrashNames {
 public:
     TrashNames(std::string_view name, std::size_t limit) : name_(name), limit_(limit) {}
 
     /// Absent when it is time to give up.
     std::optional<std::string> next() {
-        constexpr int counted = 50; // one after the other; beyond that, by chance
+        constexpr int counted = 50; // 2, 3, 4 and so on; then random tags
         constexpr int atMost = 100;
         constexpr std::size_t randomDigits = 8;
         if (++number_ > atMost)
@@ -95,8 +79,8 @@ private:
     int number_ = 0;
 };
 
-/// The move of one file to one Trash. At each moment the file is in its place, or in the Trash with an info file that
-/// is complete and on the disk.
+/// Moves one file to one Trash. At each moment the file is in its place, or in the Trash with a complete info file that
+/// is on the disk.
 class Move {
 public:
     Move(const PinnedFile& file, const PinnedFileFacts& checked, UniqueFd source, TrashFolders trash)
@@ -112,26 +96,26 @@ public:
             if (!info && info.error() == EEXIST)
                 continue;
             if (!info)
-                return notMoved(trashError(cannotWrite, info.error()));
-            // Writing takes a while, and what was not moved need not be put back.
+                return TrashMove::notMoved(trashError(cannotWrite, info.error()));
+            // Writing the info file takes a while, so the file is checked again before it is moved.
             auto refused = refusalByPlace(file_.place());
             if (!refused)
                 refused = objection(*info);
             if (refused) {
                 info->remove();
-                return notMoved(std::move(*refused));
+                return TrashMove::notMoved(std::move(*refused));
             }
             const int error = moveWithoutReplacing(source_.get(), file_.name(), trash_.files(), *name);
-            // A file system may do a thing and then fail to say so.
+            // A file system may complete the rename and still return an error.
             if (error == 0 || isInTrash(*info))
                 return confirmed(*info);
             if (error != EEXIST) {
                 withdraw(*info);
-                return notMoved(failure(error));
+                return TrashMove::notMoved(failure(error));
             }
             info->remove();
         }
-        return notMoved("too many files in the Trash have its name");
+        return TrashMove::notMoved("too many files in the Trash have its name");
     }
 
 private:
@@ -155,7 +139,7 @@ private:
         return TrashInfoFile::write(trash_.info(), name, infoText());
     }
 
-    /// Deletes the info file unless an item may depend on it.
+    /// Deletes the info file unless an item in the Trash may need it.
     void withdraw(const TrashInfoFile& info) const {
         if (isFree(trash_.files(), info.itemName()))
             info.remove();
@@ -172,9 +156,9 @@ private:
                current->fingerprint.contentModificationDate != checked_.fingerprint.contentModificationDate;
     }
 
-    /// Why the file may not go to the Trash, or not stay there, wherever it is.
+    /// Why the file may not go to the Trash or stay there, wherever it is now.
     [[nodiscard]] std::optional<std::string> objection(const TrashInfoFile& info) const {
-        // By its origin it would be restored to another folder.
+        // Its recorded origin would restore it to another folder.
         if (!file_.folder().isInPlace())
             return refusalByPlace(PinnedPlace::folderMoved);
         if (!trash_.areInPlace())
@@ -208,20 +192,20 @@ private:
         return trashError(cannotMove, error);
     }
 
-    /// Something is in the Trash under the announced name.
+    /// Something has arrived in the Trash under the name in the info file.
     [[nodiscard]] TrashMove confirmed(const TrashInfoFile& info) const {
         if (auto reason = objectionToArrived(info))
             return putBack(info, std::move(*reason));
-        // The folder that was left goes first: btrfs brings one folder to the disk at a time, and would show the file
-        // in both after a power cut in between.
+        // The source folder is synced first: Btrfs syncs one folder at a time, and a power cut in between would leave
+        // the file in both.
         int error = syncToDisk(source_.get());
         if (error == 0)
             error = syncToDisk(trash_.files());
-        // Nobody knows whether the file would be in the Trash after a power cut, so it goes back. Either way the disk
-        // holds it once.
+        // After a failed sync nobody knows whether a power cut would leave the file in the Trash, so it is put back.
+        // Either way it is on the disk once.
         if (error != 0)
             return putBack(info, trashError(cannotConfirm, error));
-        // Writing to the disk takes a while, in which another program may have acted.
+        // Syncing takes a while, and another program may have acted meanwhile.
         if (auto reason = objectionToArrived(info))
             return putBack(info, std::move(*reason));
         return {.outcome = TrashMove::Outcome::moved};
@@ -230,29 +214,29 @@ private:
     [[nodiscard]] TrashMove putBack(const TrashInfoFile& info, std::string reason) const {
         if (moveWithoutReplacing(trash_.files(), info.itemName(), source_.get(), file_.name()) != 0)
             return stranded(info, std::move(reason));
-        // The info file goes last, and not before it is certain that it is not needed.
+        // The info file is deleted last, when it is certain that no item needs it.
         if (syncToDisk(trash_.files()) == 0 && syncToDisk(source_.get()) == 0)
             withdraw(info);
-        return notMoved(std::move(reason));
+        return TrashMove::notMoved(std::move(reason));
     }
 
-    /// What came of an item that could not be put back.
+    /// The outcome for an item that could not be put back.
     [[nodiscard]] TrashMove stranded(const TrashInfoFile& info, std::string reason) const {
         if (isInTrash(info) && trash_.areInPlace() &&
             (info.isInPlace() || TrashInfoFile::write(trash_.info(), info.itemName(), infoText())) && isInTrash(info))
             return {.outcome = TrashMove::Outcome::moved};
-        // It lacks its origin, is in a Trash that was moved away, or is not the file that was meant.
+        // It has no recorded origin, its Trash was moved away, or it is not the confirmed file.
         if (!isFree(trash_.files(), info.itemName()))
             return {TrashMove::Outcome::misplaced, std::move(reason), trash_.itemPath(info.itemName())};
         if (file_.placeIn(source_.get(), file_.name()) == PinnedPlace::unchanged)
-            return notMoved(std::move(reason));
+            return TrashMove::notMoved(std::move(reason));
         auto path = whereabouts();
         if (path.empty())
             reason = "another program removed it from the Trash";
         return {TrashMove::Outcome::misplaced, std::move(reason), std::move(path)};
     }
 
-    /// Where another program has put the file; empty when it has no name that is known.
+    /// Where another program has put the file; empty when it has no known name.
     [[nodiscard]] std::filesystem::path whereabouts() const {
         auto path = pathOfDescriptor(file_.descriptor());
         return path && file_.placeIn(AT_FDCWD, path->native()) == PinnedPlace::unchanged ? std::move(*path)
@@ -271,44 +255,44 @@ Result<std::filesystem::path> homeTrash() {
     const char* data = std::getenv("XDG_DATA_HOME");
     if (data && *data == '/')
         return std::filesystem::path(data) / "Trash";
-    if (const auto home = homeFolder(); home && home->is_absolute())
-        return *home / ".local/share/Trash";
+    if (const auto home = homeFolder().value_or(std::filesystem::path()); home.is_absolute())
+        return home / ".local/share/Trash";
     return std::unexpected(Error{ErrorKind::notFound, "there is no home folder that could hold a Trash"});
 }
 
 TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked, const std::filesystem::path& trash) {
     struct stat facts = {};
     if (fstat(file.descriptor(), &facts) != 0)
-        return notMoved(trashError(cannotMove, errno));
+        return TrashMove::notMoved(trashError(cannotMove, errno));
     if (!S_ISREG(facts.st_mode))
-        return notMoved("it is not a file");
+        return TrashMove::notMoved("it is not a file");
     if (auto refused = refusalByPlace(file.place()))
-        return notMoved(std::move(*refused));
+        return TrashMove::notMoved(std::move(*refused));
 
-    // Not for its path alone: the folder has to be brought to the disk as well.
+    // Not with O_PATH: fsync needs a real descriptor of the folder.
     UniqueFd source;
     if (const int error = errorOf([&] {
             source.reset(openat(file.folder().descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
             return source.get();
         }))
-        return notMoved(trashError("its folder could not be opened", error));
+        return TrashMove::notMoved(trashError("its folder could not be opened", error));
     auto folders = TrashFolders::open(trash);
     if (!folders)
-        return notMoved(folders.error());
+        return TrashMove::notMoved(folders.error());
 
     struct stat from = {};
     struct stat to = {};
     if (fstat(source.get(), &from) != 0 || fstat(folders->files(), &to) != 0)
-        return notMoved(trashError(cannotMove, errno));
+        return TrashMove::notMoved(trashError(cannotMove, errno));
     if (from.st_dev != to.st_dev)
-        return notMoved(otherFileSystem);
+        return TrashMove::notMoved(otherFileSystem);
     return Move(file, checked, std::move(source), std::move(*folders)).run();
 }
 
 TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
     const auto trash = homeTrash();
     if (!trash)
-        return notMoved(trash.error().message);
+        return TrashMove::notMoved(trash.error().message);
     return moveToTrash(file, checked, *trash);
 }
 

@@ -7,7 +7,7 @@
 
 namespace vantry {
 
-/// Where this user's home Trash is, or would be: "Trash" in $XDG_DATA_HOME, or in .local/share of the user's
+/// Where this user's home Trash is or would be: "Trash" in $XDG_DATA_HOME, or in .local/share of the user's
 /// `homeFolder()` where that is unset, empty or relative. Fails when there is no home folder either.
 [[nodiscard]] Result<std::filesystem::path> homeTrash();
 

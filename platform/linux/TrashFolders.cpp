@@ -60,7 +60,7 @@ std::expected<UniqueFd, int> opened(int folder, const char* name, int flags) {
     return fd;
 }
 
-// In `parent`, which may be open for its path alone. That it is there already is as well: somebody else was quicker.
+// `parent` may be open with O_PATH. EEXIST counts as success: another process created it first.
 int makeFolder(int parent, const char* name) {
     const int error = errorOf([&] { return mkdirat(parent, name, ownRights); });
     if (error != 0)
@@ -69,10 +69,8 @@ int makeFolder(int parent, const char* name) {
     return readable ? syncToDisk(readable->get()) : readable.error();
 }
 
-// Links are followed: who keeps a folder of this kind elsewhere has arranged that.
+// Links are followed: a user may keep such a folder elsewhere.
 Opened openDataFolder(const std::filesystem::path& path) {
-    if (!path.has_filename() && path.has_relative_path())
-        return openDataFolder(path.parent_path());
     auto folder = opened(AT_FDCWD, path.c_str(), O_PATH | O_DIRECTORY);
     if (folder || folder.error() != ENOENT || !path.has_relative_path())
         return folder;

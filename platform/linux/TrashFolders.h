@@ -11,8 +11,7 @@
 
 namespace vantry {
 
-/// Makes a system call, and makes it again, a bounded number of times, where it was disturbed. An error is an errno, no
-/// error is 0.
+/// Makes a system call and repeats it a bounded number of times after EINTR or EAGAIN. Returns an errno, 0 on success.
 template <class Call>
 [[nodiscard]] int errorOf(Call call) {
     constexpr int attempts = 16;
@@ -25,30 +24,29 @@ template <class Call>
     return errno;
 }
 
-/// `what`, and why in words that users understand: "it could not be moved: the disk is full".
+/// `what` and the reason in plain words: "it could not be moved: the disk is full".
 [[nodiscard]] std::string trashError(std::string_view what, int errorNumber);
 
-/// Waits until what `fd` stands for is on the disk. An error is an errno, no error is 0: also where the file system has
-/// no such thing.
+/// Syncs what `fd` is open for to the disk. Returns an errno, 0 on success and on file systems that do not support it.
 [[nodiscard]] int syncToDisk(int fd);
 
-/// Where the file or folder of a descriptor is, as the system tells. Whether it is there still is for the caller to
-/// look at.
+/// The path of the file or folder of a descriptor, according to the system. The caller checks whether it is still
+/// there.
 [[nodiscard]] std::optional<std::filesystem::path> pathOfDescriptor(int fd);
 
-/// The folders of a Trash, held open. They are of this user and no links.
+/// The folders of a Trash, held open. They belong to this user and are not links.
 class TrashFolders {
 public:
-    /// Makes what is missing, with the rights of its user alone. The folders above `trash` are the user's own affair
-    /// and may be links; the Trash and its folders may not be. An error is a phrase. Blocking; any thread.
+    /// Creates missing folders with mode 0700. The folders above `trash` may be links; the Trash and its folders may
+    /// not. An error is a phrase. Blocking; any thread.
     [[nodiscard]] static std::expected<TrashFolders, std::string> open(const std::filesystem::path& trash);
 
     [[nodiscard]] int files() const { return files_.get(); }
     [[nodiscard]] int info() const { return info_.get(); }
 
-    /// Where an item of `files` is, also when the Trash was moved away.
+    /// The path of an item of `files`, also after the Trash was moved.
     [[nodiscard]] std::filesystem::path itemPath(const std::string& name) const;
-    /// Whether the paths lead to these folders still.
+    /// Whether the paths still lead to these folders.
     [[nodiscard]] bool areInPlace() const;
 
 private:

@@ -1,10 +1,12 @@
 #include "platform/linux/TrashInfoFile.h"
 
-#include "platform/linux/TrashEntry.h"
+#include "base/Format.h"
+#include "base/Text.h"
+#include "base/Utf8.h"
+#include "base/WriteAll.h"
 #include "platform/linux/TrashFolders.h"
 
-#include <cerrno>
-#include <cstddef>
+#include <algorithm>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -13,17 +15,41 @@ namespace vantry {
 
 namespace {
 
-int writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        ssize_t written = 0;
-        if (const int error = errorOf([&] { return written = ::write(fd, text.data(), text.size()); }))
-            return error;
-        text.remove_prefix(static_cast<std::size_t>(written));
+constexpr std::size_t longestExtension = 32; // bytes, with its dot; anything longer is part of the name
+
+std::string_view extensionOf(std::string_view name) {
+    const auto dot = name.rfind('.');
+    if (dot == name.npos || dot == 0 || name.size() - dot > longestExtension)
+        return {};
+    return name.substr(dot);
+}
+
+std::string_view shortened(std::string_view text, std::size_t size) {
+    std::string_view begin = text.substr(0, size);
+    if (isUtf8(text)) {
+        while (!isUtf8(begin))
+            begin.remove_suffix(1);
     }
-    return 0;
+    return begin;
 }
 
 } // namespace
+
+std::string trashInfoText(const std::filesystem::path& origin, const std::tm& deleted) {
+    return formatted("[Trash Info]\nPath={}\nDeletionDate={:04}-{:02}-{:02}T{:02}:{:02}:{:02}\n",
+                     percentEncoded(origin.native()), deleted.tm_year + 1900, deleted.tm_mon + 1, deleted.tm_mday,
+                     deleted.tm_hour, deleted.tm_min, deleted.tm_sec);
+}
+
+std::string trashName(std::string_view name, std::string_view tag, std::size_t limit) {
+    const std::string_view extension = extensionOf(name);
+    const std::string_view stem = name.substr(0, name.size() - extension.size());
+    std::string end;
+    if (!tag.empty())
+        end.append(".").append(tag);
+    end += extension;
+    return std::string(shortened(stem, limit - std::min(limit, end.size()))) + end;
+}
 
 TrashInfoFile::TrashInfoFile(int folder, std::string itemName, UniqueFd info, const struct stat& facts)
     : folder_(folder),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ByteSum.h"
 #include "base/Time.h"
 #include "platform/DirectoryWalk.h"
 
@@ -14,8 +15,8 @@
 
 namespace vantry {
 
-/// What one thread of a walk has counted. Only that thread changes it, others may look at it at any time.
-class alignas(64) TreeTally { // a cache line of its own
+/// What one thread of a walk has counted. Only that thread writes it; others may read it at any time.
+class alignas(64) TreeTally { // on its own cache line
 public:
     /// Counts a regular file.
     void add(const struct statx& facts) {
@@ -26,13 +27,13 @@ public:
             systemTimeFromUnix(facts.stx_mtime.tv_sec, facts.stx_mtime.tv_nsec).time_since_epoch().count();
         if (time > newest_.load(std::memory_order_relaxed))
             newest_.store(time, std::memory_order_relaxed);
-        // Last: who sees the file sees a date too.
+        // Last, so that a reader who sees the file also sees its date.
         files_.store(files_.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     }
-    /// Says that something was not counted.
+    /// Records that something was not counted.
     void cutShort() { cutShort_.store(true, std::memory_order_relaxed); }
 
-    /// All that the threads have counted; `finished` says whether they are done.
+    /// The total of all threads; `finished` says whether they are done.
     [[nodiscard]] static TreeTotals sum(std::span<const TreeTally> tallies, bool finished) {
         TreeTally whole;
         TreeTotals totals;
@@ -51,15 +52,15 @@ public:
 
 private:
     static constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-    static constexpr std::uint64_t blockSize = 512; // whatever the file system's own is
+    static constexpr std::uint64_t blockSize = 512; // whatever block size the file system has
 
-    // Neither is negative. Whether the sum was too large; it is held at the largest value then. Only the owner writes,
-    // so a load and a store are enough.
+    // Returns whether the sum overflowed; it is the largest value then. Neither number is negative. Only the owner
+    // writes, so a load and a store are enough.
     static bool addTo(std::atomic<std::int64_t>& sum, std::int64_t more) {
-        std::int64_t result = 0;
-        const bool tooLarge = __builtin_add_overflow(sum.load(std::memory_order_relaxed), more, &result);
-        sum.store(tooLarge ? largest : result, std::memory_order_relaxed);
-        return tooLarge;
+        std::int64_t result = sum.load(std::memory_order_relaxed);
+        const bool fits = addBytes(result, more);
+        sum.store(result, std::memory_order_relaxed);
+        return !fits;
     }
 
     std::atomic<std::int64_t> bytes_{0};

@@ -25,7 +25,7 @@ std::int64_t bytesOfBlocks(std::uint64_t blocks, std::uint64_t blockSize) {
     return static_cast<std::int64_t>(bytes);
 }
 
-// ext4, XFS, btrfs and F2FS tell their label to everybody who can open a folder on them.
+// On ext4, XFS, Btrfs and F2FS anybody who can open a folder can read the label.
 std::optional<std::string> labelFromFileSystem(const std::filesystem::path& path) {
     const UniqueFd folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     char label[FSLABEL_MAX + 1] = {};
@@ -56,10 +56,13 @@ std::optional<std::string> volumeLabel(const std::filesystem::path& path) {
 
 VolumeCapacity capacityFromStatvfs(const struct statvfs& said) {
     const std::uint64_t blockSize = said.f_frsize != 0 ? said.f_frsize : said.f_bsize;
+    // A file system that miscounts or is being shrunk may report more available blocks than free ones.
+    const std::uint64_t reserved = said.f_bfree - std::min(said.f_bfree, said.f_bavail);
     return {.name = std::nullopt,
-            .totalBytes = bytesOfBlocks(said.f_blocks, blockSize),
+            .totalBytes = bytesOfBlocks(said.f_blocks - std::min(said.f_blocks, reserved), blockSize),
             .availableBytes = bytesOfBlocks(said.f_bavail, blockSize),
-            .availableForImportantUsageBytes = std::nullopt};
+            .availableForImportantUsageBytes = std::nullopt,
+            .reservedBytes = bytesOfBlocks(reserved, blockSize)};
 }
 
 std::string decodedUdevName(std::string_view name) {
@@ -85,13 +88,13 @@ Result<VolumeCapacity> readVolumeCapacity(const std::filesystem::path& path) {
         status = statvfs(path.c_str(), &said);
     while (status != 0 && errno == EINTR);
     if (status != 0)
-        return std::unexpected(errorFromErrno(errno)); // shown as it is, after words that say what failed
+        return std::unexpected(errorFromErrno(errno)); // the caller shows it after its own words
     VolumeCapacity capacity = capacityFromStatvfs(said);
-    capacity.name = volumeLabel(path);
+    capacity.name = volumeLabel(path).value_or("File System");
     return capacity;
 }
 
-// There is one source here, so both readers see the same figures.
+// Linux has one source for both.
 Result<VolumeCapacity> readFileSystemAttributes(const std::filesystem::path& path) { return readVolumeCapacity(path); }
 
 } // namespace vantry

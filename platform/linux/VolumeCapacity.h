@@ -9,10 +9,11 @@
 
 namespace vantry {
 
-/// What `statvfs` said, in bytes: all blocks, and those that an ordinary user may still fill.
+/// The answer of `statvfs` in bytes: the total counts what ordinary users have filled or can fill, `reservedBytes` what
+/// is kept for root.
 [[nodiscard]] VolumeCapacity capacityFromStatvfs(const struct statvfs& said);
 
-/// A name from /dev/disk/by-label, where udev writes every byte that is unusual in a file name as "\xHH".
+/// Decodes a name from /dev/disk/by-label, where udev writes unusual bytes as "\xHH".
 [[nodiscard]] std::string decodedUdevName(std::string_view name);
 
 } // namespace vantry

@@ -21,8 +21,8 @@ namespace vantry {
 
 inline constexpr int folderOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
-/// Opens the folder `name` in the folder `parent`; what is mounted there is refused, with EXDEV. Kernels before 5.6 and
-/// sandboxes that do not know the call open it as well.
+/// Opens the folder `name` in the folder `parent`. Fails with EXDEV for a mount point, except on kernels before 5.6 and
+/// in sandboxes that block openat2.
 [[nodiscard]] inline UniqueFd openFolderIn(int parent, const char* name) {
     open_how how = {};
     how.flags = folderOpenFlags;
@@ -33,8 +33,8 @@ inline constexpr int folderOpenFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_N
     return fd;
 }
 
-/// A folder of a tree that is being walked. Its descriptor may be closed for want of others, see `OpenFolders`; one
-/// without a parent stays open.
+/// A folder of a tree that is being walked. `OpenFolders` may close its descriptor to save descriptors, except that of
+/// the root.
 struct WalkedFolder {
     WalkedFolder(std::shared_ptr<WalkedFolder> parentFolder, std::string folderName)
         : parent(std::move(parentFolder)),
@@ -43,7 +43,7 @@ struct WalkedFolder {
     WalkedFolder(const WalkedFolder&) = delete;
     WalkedFolder& operator=(const WalkedFolder&) = delete;
     ~WalkedFolder() {
-        // A chain of folders is let go of one by one: as deep as a tree can be, the stack is not.
+        // Releases the chain of parents in a loop: recursion could overflow the stack in a deep tree.
         for (auto ancestor = std::move(parent); ancestor && ancestor.use_count() == 1;)
             ancestor = std::exchange(ancestor->parent, nullptr);
     }
@@ -58,20 +58,20 @@ struct WalkedFolder {
     std::shared_ptr<WalkedFolder> parent;
     std::string name;
     UniqueFd fd;
-    off_t position = 0;               ///< where reading goes on after the descriptor was closed
-    std::optional<Identity> identity; ///< set once it was closed
+    off_t position = 0;               ///< where reading continues after the descriptor was closed
+    std::optional<Identity> identity; ///< set when the descriptor was closed
 };
 
 /// Why a folder is not open.
 struct FolderNotOpened {
     int errorNumber = 0;
-    bool lost = false; ///< it, or one above it, was open before and cannot be found again
+    bool lost = false; ///< this folder or a parent was open before and cannot be found again
 };
 
-/// Opens the folders of a walk, each by its name in its parent and never through a link, and keeps few of them open.
+/// Opens the folders of a walk by their names in their parents, never through a link, and keeps only some of them open.
 class OpenFolders {
 public:
-    /// Opens `folder` unless it is open; reading goes on where it was.
+    /// Opens `folder` unless it is open. Reading continues where it stopped.
     [[nodiscard]] std::expected<void, FolderNotOpened> open(const std::shared_ptr<WalkedFolder>& folder) {
         std::vector<std::shared_ptr<WalkedFolder>> closed;
         for (auto next = folder; !next->fd; next = next->parent) {
@@ -95,8 +95,7 @@ public:
     }
 
 private:
-    // Four threads walk at once: far from the 256 descriptors that the most modest systems allow, and few trees are
-    // deeper.
+    // Up to four threads walk at once, and some systems allow a process only 256 descriptors. Few trees are deeper.
     static constexpr std::size_t mostOpen = 48;
 
     static std::optional<WalkedFolder::Identity> identityOf(const UniqueFd& fd) {
@@ -106,7 +105,7 @@ private:
         return WalkedFolder::Identity{facts.st_dev, facts.st_ino};
     }
 
-    // Whether `fd` is `folder`, which was closed, again; it is then where its reading was.
+    // Whether `fd` is the closed folder `folder` again. If so, its position is restored.
     static bool isThatOne(const UniqueFd& fd, const WalkedFolder& folder) {
         return identityOf(fd) == folder.identity && lseek(fd.get(), folder.position, SEEK_SET) == folder.position;
     }
@@ -121,7 +120,7 @@ private:
             closeOldest();
     }
 
-    // The oldest belong to the folders that are needed last. One that cannot be told from others stays open.
+    // The oldest descriptors belong to the folders that are needed last. A folder without an identity stays open.
     void closeOldest() {
         const auto oldest = open_.front().lock();
         open_.pop_front();
@@ -133,7 +132,7 @@ private:
             oldest->fd.reset();
     }
 
-    // On the way back up from a deep place the parents are near, whereas the way down from the root is long.
+    // After walking a deep folder, its parents are nearer by ".." than by their names from the root.
     bool climbTo(const std::shared_ptr<WalkedFolder>& folder) {
         const WalkedFolder* nearest = nullptr;
         std::size_t steps = 0;
@@ -156,8 +155,8 @@ private:
         return true;
     }
 
-    std::deque<std::weak_ptr<WalkedFolder>> open_; ///< in the order of opening; some may be gone
-    std::shared_ptr<WalkedFolder> latest_;         ///< what was opened last
+    std::deque<std::weak_ptr<WalkedFolder>> open_; ///< in the order of opening; some may have expired
+    std::shared_ptr<WalkedFolder> latest_;         ///< the folder that was opened last
 };
 
 } // namespace vantry

@@ -1,14 +1,10 @@
 #include "platform/linux/WallpaperSettings.h"
 
+#include "platform/linux/SettingsText.h"
+
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <ctime>
-#include <locale>
 #include <map>
-#include <sstream>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -17,11 +13,6 @@ namespace vantry {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
-
-std::string_view trimmed(std::string_view text) {
-    const auto begin = text.find_first_not_of(blanks);
-    return begin == std::string_view::npos ? "" : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
 
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines;
@@ -33,7 +24,7 @@ std::vector<std::string_view> linesOf(std::string_view text) {
     return lines;
 }
 
-// The value behind "key=", if `line` is one of these.
+// The value in a line "key=value"; absent if the key is another one.
 std::optional<std::string_view> valueOf(std::string_view line, std::string_view key) {
     const auto equals = line.find('=');
     if (equals == std::string_view::npos || trimmed(line.substr(0, equals)) != key)
@@ -56,11 +47,6 @@ std::string percentDecoded(std::string_view text) {
     return bytes;
 }
 
-std::optional<std::filesystem::path> absolutePath(std::string_view text) {
-    std::filesystem::path path(text);
-    return path.is_absolute() ? std::optional(std::move(path)) : std::nullopt;
-}
-
 // "~" and "$HOME" at the beginning stand for the home folder.
 std::optional<std::filesystem::path> expandedPath(std::string_view text, const std::filesystem::path& home) {
     for (const std::string_view beginning : {"~/", "$HOME/", "${HOME}/"})
@@ -69,7 +55,7 @@ std::optional<std::filesystem::path> expandedPath(std::string_view text, const s
     return absolutePath(text);
 }
 
-// The words of a command as a shell takes them apart. What a shell would replace stays as it is.
+// Splits a command into words as a shell does. Variables and patterns are not expanded.
 std::vector<std::string> shellWords(std::string_view line) {
     std::vector<std::string> words;
     std::string word;
@@ -103,133 +89,21 @@ std::vector<std::string> shellWords(std::string_view line) {
     return words;
 }
 
-std::string withoutEntities(std::string text) {
-    constexpr std::pair<std::string_view, std::string_view> entities[] = {
-        {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"}};
-    for (const auto& [entity, character] : entities)
-        for (auto at = text.find(entity); at != std::string::npos; at = text.find(entity, at + character.size()))
-            text.replace(at, entity.size(), character);
-    return text;
+std::optional<std::filesystem::path> firstPath(std::string_view settings, std::string_view key) {
+    for (const auto line : linesOf(settings))
+        if (const auto value = valueOf(line, key))
+            return absolutePath(*value);
+    return std::nullopt;
 }
 
-// The value of an attribute of an XML tag.
-std::optional<std::string> attribute(std::string_view tag, std::string_view name) {
-    const std::string opening = " " + std::string(name) + "=\"";
-    const auto begin = tag.find(opening);
-    if (begin == std::string_view::npos)
-        return std::nullopt;
-    const auto rest = tag.substr(begin + opening.size());
-    const auto end = rest.find('"');
-    return end == std::string_view::npos ? std::nullopt
-                                         : std::optional(withoutEntities(std::string(rest.substr(0, end))));
-}
-
-template <class Number>
-std::optional<Number> numberOf(std::string_view text) {
-    Number number{};
-    std::istringstream stream{std::string(text)};
-    stream.imbue(std::locale::classic());
-    return stream >> number ? std::optional(number) : std::nullopt;
-}
-
-// A picture in one size or in several.
-struct SizedPicture {
-    std::optional<std::filesystem::path> path;
-    double area = -1;
-
-    void add(std::string_view text, double itsArea) {
-        auto candidate = itsArea > area ? absolutePath(withoutEntities(std::string(text))) : std::nullopt;
-        if (candidate) {
-            path = std::move(candidate);
-            area = itsArea;
-        }
-    }
-};
-
-struct Slide {
-    double duration = 0; // seconds
-    SizedPicture shown;  // or the one that a transition starts with
-    SizedPicture next;   // of a transition
-};
-
-class Slideshow {
-public:
-    // Takes the text behind a tag ("static", "/file", "size width=...").
-    void read(std::string_view tag, std::string_view text) {
-        const auto name = tag.substr(0, tag.find_first_of(blanks));
-        if (name == "static" || name == "transition")
-            slide_ = {};
-        else if (name == "/static" || name == "/transition")
-            slides_.push_back(std::exchange(slide_, {}));
-        else if (name == "duration")
-            slide_.duration = std::clamp(numberOf<double>(text).value_or(0), 0.0, longestDuration);
-        else if (name == "file" || name == "from" || name == "to")
-            picture_ = name == "to" ? &slide_.next : &slide_.shown;
-        else if (const auto part = std::ranges::find(startParts, name, &StartPart::name); part != startParts.end())
-            start_.*(part->member) = std::clamp(numberOf<int>(text).value_or(0), 0, latestYear);
-        if (name == "file" || name == "from" || name == "to" || name == "size")
-            picture_->add(text, numberOf<double>(attribute(tag, "width").value_or("0")).value_or(0) *
-                                    numberOf<double>(attribute(tag, "height").value_or("0")).value_or(0));
-    }
-
-    [[nodiscard]] std::size_t size() const { return slides_.size(); }
-
-    [[nodiscard]] std::optional<std::filesystem::path> pictureAt(std::int64_t now) const {
-        if (slides_.empty())
-            return std::nullopt;
-        double total = 0;
-        for (const auto& slide : slides_)
-            total += slide.duration;
-        double elapsed = total > 0 ? std::fmod(static_cast<double>(now - startTime()), total) : 0;
-        if (elapsed < 0)
-            elapsed += total;
-        for (const auto& slide : slides_) {
-            if (elapsed < slide.duration)
-                return elapsed >= slide.duration / 2 && slide.next.path ? slide.next.path : slide.shown.path;
-            elapsed -= slide.duration;
-        }
-        return slides_.back().shown.path;
-    }
-
-private:
-    static constexpr double longestDuration = 1e9;
-    static constexpr int latestYear = 9999;
-
-    struct StartPart {
-        std::string_view name;
-        int std::tm::*member;
-    };
-    static constexpr std::array<StartPart, 6> startParts{{{"year", &std::tm::tm_year},
-                                                          {"month", &std::tm::tm_mon},
-                                                          {"day", &std::tm::tm_mday},
-                                                          {"hour", &std::tm::tm_hour},
-                                                          {"minute", &std::tm::tm_min},
-                                                          {"second", &std::tm::tm_sec}}};
-
-    [[nodiscard]] std::int64_t startTime() const {
-        if (start_.tm_year < 1970)
-            return 0;
-        std::tm start = start_;
-        start.tm_year -= 1900;
-        start.tm_mon -= 1;
-        start.tm_isdst = -1;
-        return std::mktime(&start);
-    }
-
-    std::tm start_{};
-    Slide slide_;
-    SizedPicture* picture_ = &slide_.shown; ///< what a size belongs to
-    std::vector<Slide> slides_;
-};
-
-// The settings of one picture of several screens: the one that was asked for, else the first.
+// Collects the pictures of several screens and picks that of the requested screen, else the first one.
 class PictureOfScreens {
 public:
     explicit PictureOfScreens(std::string_view screen) : screen_(screen) {}
 
     void add(std::string_view screen, std::optional<std::filesystem::path> picture) {
         if (picture && screen == screen_)
-            wanted_ = picture; // a later setting of one screen replaces an earlier one
+            wanted_ = picture; // a later setting for the same screen wins
         if (picture && (!other_ || screen == "*" || screen.empty()))
             other_ = std::move(picture);
     }
@@ -247,7 +121,7 @@ std::optional<std::filesystem::path> pathOfUrl(std::string_view text) {
     constexpr std::string_view scheme = "file://";
     if (!text.starts_with(scheme))
         return absolutePath(text);
-    text.remove_prefix(std::min(text.find('/', scheme.size()), text.size())); // and the name of this machine
+    text.remove_prefix(std::min(text.find('/', scheme.size()), text.size())); // skips the host name
     return absolutePath(percentDecoded(text));
 }
 
@@ -264,26 +138,8 @@ std::optional<std::string> textOfGVariant(std::string_view printed) {
     return text;
 }
 
-std::optional<std::filesystem::path> slideshowPicture(std::string_view xml, std::int64_t now) {
-    constexpr std::size_t mostSlides = 4096;
-    constexpr std::string_view comment = "!--";
-    Slideshow slideshow;
-    for (auto at = xml.find('<'); at != std::string_view::npos; at = xml.find('<', at)) {
-        const auto rest = xml.substr(at + 1);
-        const bool isComment = rest.starts_with(comment);
-        const auto end = rest.find(isComment ? "-->" : ">");
-        if (end == std::string_view::npos || slideshow.size() > mostSlides)
-            return std::nullopt;
-        const auto behind = rest.substr(rest.find('>', end) + 1);
-        if (!isComment)
-            slideshow.read(rest.substr(0, end), trimmed(behind.substr(0, behind.find('<'))));
-        at = xml.size() - behind.size();
-    }
-    return slideshow.pictureAt(now);
-}
-
 std::optional<std::filesystem::path> plasmaPicture(std::string_view settings) {
-    // Each containment has a group of its own, which says on which screen it is, and groups for its wallpapers.
+    // Each containment has a group that names its screen, and groups for its wallpapers.
     std::map<std::string, std::filesystem::path, std::less<>> pictures;
     std::map<std::string, std::string_view, std::less<>> screens;
     std::string_view group;
@@ -311,7 +167,7 @@ std::optional<std::filesystem::path> plasmaPicture(std::string_view settings) {
 std::optional<std::filesystem::path> xfcePicture(std::string_view settings, std::string_view screen) {
     PictureOfScreens pictures(screen);
     std::string monitor;
-    std::string pictured; // the monitor whose first picture was found, that of its first workspace
+    std::string pictured; // the monitor whose picture was found; its other workspaces are skipped
     for (auto at = settings.find('<'); at != std::string_view::npos; at = settings.find('<', at + 1)) {
         const auto tag = settings.substr(at, settings.find('>', at) - at);
         const auto name = attribute(tag, "name");
@@ -327,17 +183,12 @@ std::optional<std::filesystem::path> xfcePicture(std::string_view settings, std:
     return pictures.picture();
 }
 
-std::optional<std::filesystem::path> lxqtPicture(std::string_view settings) {
-    for (const auto line : linesOf(settings))
-        if (const auto value = valueOf(line, "Wallpaper"))
-            return absolutePath(*value);
-    return std::nullopt;
-}
+std::optional<std::filesystem::path> lxqtPicture(std::string_view settings) { return firstPath(settings, "Wallpaper"); }
 
 std::optional<std::filesystem::path> swayPicture(std::string_view settings, std::string_view screen,
                                                  const std::filesystem::path& home) {
     PictureOfScreens pictures(screen);
-    std::string blockOf; // the screen of the block that the lines are in
+    std::string blockOf; // the screen of the current block
     for (const auto line : linesOf(settings)) {
         auto words = shellWords(line);
         if (words.empty() || words[0].starts_with('#'))
@@ -390,7 +241,7 @@ std::optional<std::filesystem::path> fehPicture(std::string_view script) {
         const auto words = shellWords(line);
         if (words.empty() || std::filesystem::path(words[0]).filename() != "feh")
             continue;
-        // Options have no values but for some that are no paths.
+        // Few options take values, and those are not absolute paths.
         for (std::size_t i = 1; i < words.size(); ++i)
             if (!words[i].starts_with('-'))
                 if (auto picture = absolutePath(words[i]))
@@ -399,11 +250,6 @@ std::optional<std::filesystem::path> fehPicture(std::string_view script) {
     return std::nullopt;
 }
 
-std::optional<std::filesystem::path> nitrogenPicture(std::string_view settings) {
-    for (const auto line : linesOf(settings))
-        if (const auto file = valueOf(line, "file"))
-            return absolutePath(*file);
-    return std::nullopt;
-}
+std::optional<std::filesystem::path> nitrogenPicture(std::string_view settings) { return firstPath(settings, "file"); }
 
 } // namespace vantry

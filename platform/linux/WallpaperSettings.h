@@ -8,22 +8,21 @@
 
 namespace vantry {
 
-// What settings of desktops say of the picture on `screen`, a screen by its name, or of every other one where there is
-// no setting for it. Pure; what cannot be understood is passed over. Paths are as they stand there: they need not
-// exist.
+// The picture that the settings of a desktop name for the screen called `screen`, or for another one if there is no
+// setting for it. Pure; settings that cannot be parsed are skipped. The paths need not exist.
 
-/// An URL of a file, or a path; absent for anything else.
+/// The path in a "file:" URL, or `text` itself if it is an absolute path; absent for anything else.
 [[nodiscard]] std::optional<std::filesystem::path> pathOfUrl(std::string_view text);
 
-/// What `gsettings get` prints: a text in quotes of the language of GVariant.
+/// The string that `gsettings get` printed, in quotes and with escapes as in GVariant's text format.
 [[nodiscard]] std::optional<std::string> textOfGVariant(std::string_view printed);
 
 /// The picture that a slideshow of GNOME or MATE (an XML file) shows at `now`, seconds since 1970. In the first half of
-/// a transition that is the picture that goes, then the one that comes; of one in several sizes it is the largest.
-/// Absent for a slideshow of more than a few thousand slides.
+/// a transition it is the old picture, then the new one. Of several sizes the largest is taken. Absent for a slideshow
+/// of more than a few thousand slides.
 [[nodiscard]] std::optional<std::filesystem::path> slideshowPicture(std::string_view xml, std::int64_t now);
 
-/// "plasma-org.kde.plasma.desktop-appletsrc". The picture may be a folder with one picture in several sizes.
+/// "plasma-org.kde.plasma.desktop-appletsrc". The result may be a folder with one picture in several sizes.
 [[nodiscard]] std::optional<std::filesystem::path> plasmaPicture(std::string_view settings);
 
 /// "xfce4-desktop.xml".
@@ -40,7 +39,7 @@ namespace vantry {
 [[nodiscard]] std::optional<std::filesystem::path> hyprlandPicture(std::string_view settings, std::string_view screen,
                                                                    const std::filesystem::path& home);
 
-/// "~/.fehbg", the command that feh was last given.
+/// "~/.fehbg", the last command line of feh.
 [[nodiscard]] std::optional<std::filesystem::path> fehPicture(std::string_view script);
 
 /// "bg-saved.cfg" of nitrogen.

@@ -8,11 +8,11 @@
 
 namespace vantry {
 
-/// Shows an alert of the warning style on a sheet of `window`. `answered` is called once, in a later turn of the event
-/// loop, also when the sheet is closed.
+/// Shows a warning alert as a sheet of `window`. `answered` is called once, in a later turn of the event loop, also
+/// when the sheet is closed.
 void showAlertSheet(const AlertContent& alert, std::function<void(AlertAnswer)> answered, NSWindow* window);
 
-/// Closes the sheet of `window`, if it has one; that answers with the last button.
+/// Closes the sheet of `window`, if it has one. The answer is then the last button.
 void closeAlertSheet(NSWindow* window);
 
 /// Calls `answered` in a later turn of the event loop.

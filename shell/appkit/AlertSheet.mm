@@ -12,7 +12,7 @@ namespace vantry {
 namespace {
 
 constexpr Font textFont{11};
-constexpr CGFloat textWidth = 220; // a little less than an alert has room for
+constexpr CGFloat textWidth = 220; // slightly less than the width of an alert's text
 
 double widthOf(const std::string& text) {
     NSFont* font = nsFont(textFont);
@@ -31,9 +31,9 @@ void showAlertSheet(const AlertContent& alert, std::function<void(AlertAnswer)> 
     if (shownText != alert.informativeText)
         sheet.window.contentView.toolTip = nsString(alert.informativeText);
     for (const std::string& title : alert.buttons)
-        [sheet addButtonWithTitle:nsString(title)]; // the first is the default one
+        [sheet addButtonWithTitle:nsString(title)]; // the first button is the default
     if (alert.buttons.size() > 1)
-        sheet.buttons.lastObject.keyEquivalent = @"\033"; // Escape, whatever the button is called
+        sheet.buttons.lastObject.keyEquivalent = @"\033"; // Escape, whatever the button's title
     sheet.window.preventsApplicationTerminationWhenModal = NO;
     [sheet
         beginSheetModalForWindow:window

@@ -1,7 +1,5 @@
 #include "shell/appkit/AppKitCanvas.h"
 
-#include "shell/appkit/AppKitDrawing.h"
-
 #include <algorithm>
 #include <vector>
 
@@ -11,7 +9,7 @@ namespace {
 
 CGRect cgRect(const Rect& rect) { return CGRectMake(rect.x, rect.y, rect.width, rect.height); }
 
-// Core Graphics ends the process for corners that do not fit.
+// Core Graphics aborts when a corner radius is larger than half a side.
 void addRounded(CGContextRef context, const RoundedRect& rounded) {
     CGPathRef path = CGPathCreateWithRoundedRect(cgRect(rounded.rect), std::min(rounded.radius, rounded.rect.width / 2),
                                                  std::min(rounded.radius, rounded.rect.height / 2), nullptr);
@@ -61,12 +59,6 @@ CGGradientRef createGradient(std::span<const GradientStop> stops) {
 
 } // namespace
 
-AppKitCanvas::AppKitCanvas(CGContextRef context) : context_(context) {}
-
-void AppKitCanvas::save() { CGContextSaveGState(context_); }
-
-void AppKitCanvas::restore() { CGContextRestoreGState(context_); }
-
 void AppKitCanvas::clip(const Shape& shape) {
     beginPathOf(context_, shape);
     CGContextClip(context_);
@@ -110,9 +102,5 @@ void AppKitCanvas::fillGradient(const Rect& rect, std::span<const GradientStop> 
 void AppKitCanvas::drawText(std::string_view text, const Font& font, const Color& color, const Rect& rect) {
     drawTextLine(text, font, rgbaOf(color), rect);
 }
-
-double AppKitCanvas::boundingHeight(const Font& font) const { return fontBoundingHeight(font); }
-
-double AppKitCanvas::textWidth(std::string_view text, const Font& font) const { return textLineWidth(text, font); }
 
 } // namespace vantry

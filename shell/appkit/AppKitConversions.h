@@ -11,7 +11,7 @@
 
 namespace vantry {
 
-/// Never nil: empty when `text` is no UTF-8.
+/// Never nil; empty when `text` is not valid UTF-8.
 [[nodiscard]] NSString* nsString(std::string_view text);
 
 [[nodiscard]] inline NSRect nsRect(const Rect& rect) { return NSMakeRect(rect.x, rect.y, rect.width, rect.height); }
@@ -20,12 +20,12 @@ namespace vantry {
 
 [[nodiscard]] NSColor* nsColor(const Rgba& color);
 
-/// Like the colour of the role whenever it is drawn, light or dark, but translucent.
+/// The role's colour with `alpha`; it follows the appearance.
 [[nodiscard]] NSColor* nsColor(SystemColor role, CGFloat alpha);
 
 [[nodiscard]] NSFont* nsFont(const Font& font);
 
-/// Light or dark, whatever variant of them (high contrast, vibrant) `view` has.
+/// Light or dark; variants such as high contrast count as one of the two.
 [[nodiscard]] Appearance appearanceOf(NSView* view);
 
 } // namespace vantry

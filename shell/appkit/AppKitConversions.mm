@@ -27,7 +27,8 @@ NSColor* nsColor(const Rgba& color) {
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
 }
 
-// What `colorWithAlphaComponent` answers stays as the colour is when it is asked.
+// A dynamic provider, because `colorWithAlphaComponent` resolves the colour once, for the appearance at the time of the
+// call.
 NSColor* nsColor(SystemColor role, CGFloat alpha) {
     return [NSColor colorWithName:nil
                   dynamicProvider:^NSColor*(NSAppearance* appearance) {

@@ -17,7 +17,7 @@ NSAttributedString* attributedText(std::string_view text, const Font& font, NSCo
 } // namespace
 
 Rgba drawnColor(SystemColor role) {
-    // The conversion resolves a dynamic colour for the appearance that is current, in `drawRect:` the view's own.
+    // The conversion resolves a dynamic colour for the current appearance, which is the view's in `drawRect:`.
     NSColor* resolved = [nsColor(role) colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];
     CGFloat red = 0;
     CGFloat green = 0;

@@ -13,43 +13,35 @@
 
 namespace vantry {
 
-/// The front end on AppKit: the item in the menu bar with the popover and the menu, and the cleanup window. To be made
-/// when the shared application exists.
+/// The AppKit front end. Create it after the shared application.
 class AppKitShell : public Shell {
 public:
     AppKitShell();
-    ~AppKitShell() override;
 
-    /// Whom clicks and choices go to.
+    /// Gets all clicks and choices.
     void setDelegate(std::weak_ptr<AppDelegate> delegate);
 
     void becomeAccessory() override;
-    [[nodiscard]] bool statusItemHasButton() const override;
-    void showStatusItem(const StatusItemContent& content) override;
-    void renderPopover(const PopoverContent& content) override;
+    [[nodiscard]] bool statusItemHasButton() const override { return statusItem_.button() != nil; }
+    void showStatusItem(const StatusItemContent& content) override { statusItem_.setContent(content); }
+    void renderPopover(const PopoverContent& content) override { popover_.render(content); }
     void openPopover() override;
-    void closePopover() override;
-    [[nodiscard]] bool popoverIsShown() const override;
+    void closePopover() override { popover_.close(); }
+    [[nodiscard]] bool popoverIsShown() const override { return popover_.isVisible(); }
     void popUpContextMenu(const ContextMenuContent& content) override;
-    void showCleanupWindow() override;
-    [[nodiscard]] bool cleanupWindowIsShown() const override;
-    void renderCleanupWindow(const CleanupWindowContent& content) override;
-    void scrollCleanupResultsToTop() override;
-    void ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) override;
+    [[nodiscard]] CleanupWindowShell& cleanupWindowShell() override;
     void terminate() override;
 
 private:
-    /// What the parts of the front end report through; it goes with the front end.
+    /// Shared with callbacks that may outlive the front end.
     using Target = std::shared_ptr<std::weak_ptr<AppDelegate>>;
-
-    [[nodiscard]] CleanupWindow& cleanupWindow();
 
     KeyGuard keyGuard_;
     Target delegate_ = std::make_shared<std::weak_ptr<AppDelegate>>();
     OmbrelMenuTarget* menuTarget_;
     StatusItem statusItem_;
     PopoverWindow popover_;
-    std::unique_ptr<CleanupWindow> cleanupWindow_; ///< null before it is first needed
+    std::unique_ptr<CleanupWindow> cleanupWindow_; ///< created on first use
 };
 
 } // namespace vantry

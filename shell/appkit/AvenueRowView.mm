@@ -11,9 +11,6 @@ using namespace vantry;
 
 namespace {
 
-constexpr CGFloat lineGap = 2;
-constexpr CGFloat columnGap = 20;
-constexpr CGFloat statusWidth = 168;
 constexpr CGFloat buttonWidth = 170;
 
 } // namespace
@@ -25,16 +22,17 @@ constexpr CGFloat buttonWidth = 170;
     NSTextField* _detailLabel;
     NSTextField* _statusLabel;
     NSTextField* _usageLabel;
+    NSStackView* _status;
     NSButton* _button;
 }
 
 - (instancetype)initWithActions:(SharedRowActions)actions {
     if ((self = [super initWithActions:std::move(actions)])) {
         _symbol = makeSymbolView(cleanupSymbolSide);
-        _titleLabel = makeCleanupWrappingLabel(cleanupRowTitleFont, SystemColor::label);
-        _detailLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
-        _statusLabel = makeCleanupWrappingLabel(cleanupStrongFont, SystemColor::label);
-        _usageLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _titleLabel = makeWrappingLabel(cleanupRowTitleFont);
+        _detailLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _statusLabel = makeWrappingLabel(cleanupStrongFont);
+        _usageLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
         _button = [NSButton buttonWithTitle:@"" target:self action:@selector(avenueActionPressed:)];
         _button.translatesAutoresizingMaskIntoConstraints = NO;
         _button.font = nsFont(cleanupBodyFont);
@@ -45,9 +43,9 @@ constexpr CGFloat buttonWidth = 170;
 }
 
 - (void)layOut {
-    NSStackView* texts = verticalStack(lineGap, @[ _titleLabel, _detailLabel ]);
-    NSStackView* status = verticalStack(lineGap, @[ _statusLabel, _usageLabel ]);
-    for (NSView* view in @[ _symbol, texts, status, _button ])
+    NSStackView* texts = verticalStack(cleanupRowLineGap, @[ _titleLabel, _detailLabel ]);
+    _status = verticalStack(cleanupRowLineGap, @[ _statusLabel, _usageLabel ]);
+    for (NSView* view in @[ _symbol, texts, _status, _button ])
         [self addSubview:view];
     [NSLayoutConstraint activateConstraints:@[
         [_symbol.centerXAnchor constraintEqualToAnchor:self.leadingAnchor
@@ -56,13 +54,13 @@ constexpr CGFloat buttonWidth = 170;
         [texts.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:cleanupTextInset],
         [texts.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
         [texts.topAnchor constraintGreaterThanOrEqualToAnchor:self.topAnchor constant:cleanupRowPadding],
-        [status.leadingAnchor constraintEqualToAnchor:texts.trailingAnchor constant:columnGap],
-        [status.widthAnchor constraintEqualToConstant:statusWidth],
-        [status.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
-        [status.topAnchor constraintGreaterThanOrEqualToAnchor:self.topAnchor constant:cleanupRowPadding],
-        [status.trailingAnchor constraintEqualToAnchor:self.trailingAnchor
-                                              constant:-(cleanupCardPadding + buttonWidth + columnGap)],
-        [_button.leadingAnchor constraintEqualToAnchor:status.trailingAnchor constant:columnGap],
+        [_status.leadingAnchor constraintEqualToAnchor:texts.trailingAnchor constant:cleanupColumnGap],
+        [_status.widthAnchor constraintEqualToConstant:cleanupStatusWidth],
+        [_status.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
+        [_status.topAnchor constraintGreaterThanOrEqualToAnchor:self.topAnchor constant:cleanupRowPadding],
+        [_status.trailingAnchor constraintEqualToAnchor:self.trailingAnchor
+                                               constant:-(cleanupCardPadding + buttonWidth + cleanupColumnGap)],
+        [_button.leadingAnchor constraintEqualToAnchor:_status.trailingAnchor constant:cleanupColumnGap],
         [_button.widthAnchor constraintEqualToConstant:buttonWidth],
         [_button.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
     ]];
@@ -79,7 +77,7 @@ constexpr CGFloat buttonWidth = 170;
     _statusLabel.stringValue = nsString(content.status);
     _statusLabel.textColor = nsColor(content.statusColor);
     _usageLabel.stringValue = nsString(content.usage);
-    _usageLabel.hidden = content.usage.empty();
+    setFullWidth(_status, _usageLabel, _statusLabel, !content.usage.empty());
     _button.hidden = !content.button;
     if (content.button) {
         _button.title = nsString(content.button->title);

@@ -12,15 +12,7 @@ using namespace vantry;
 
 namespace {
 
-constexpr CGFloat lineGap = 2;
-constexpr CGFloat amountWidth = 124;
-constexpr CGFloat columnGap = 16;
-constexpr CGFloat revealSide = 28;
-constexpr CGFloat revealInset = 12;
-constexpr CGFloat revealGap = 8;
 constexpr CGFloat revealSize = 13;
-constexpr CGFloat badgePadding = 8;
-constexpr CGFloat badgeGap = 5;
 constexpr CGFloat badgeAlpha = 0.15;
 
 } // namespace
@@ -32,6 +24,7 @@ constexpr CGFloat badgeAlpha = 0.15;
     NSTextField* _titleLabel;
     NSTextField* _reasonLabel;
     NSTextField* _noteLabel;
+    NSStackView* _texts;
     NSTextField* _sizeLabel;
     OmbrelCardView* _badge;
     NSTextField* _badgeLabel;
@@ -44,16 +37,16 @@ constexpr CGFloat badgeAlpha = 0.15;
         _checkBox.translatesAutoresizingMaskIntoConstraints = NO;
         _checkBox.allowsMixedState = NO;
         _symbol = makeSymbolView(cleanupSymbolSide);
-        _titleLabel = makeCleanupLabel(cleanupRowTitleFont, SystemColor::label);
+        _titleLabel = makeTextLabel(cleanupRowTitleFont);
         _titleLabel.lineBreakMode = NSLineBreakByTruncatingMiddle;
-        _reasonLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
-        _noteLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
-        _sizeLabel = makeCleanupLabel(cleanupStrongFont, SystemColor::label);
+        _reasonLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _noteLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _sizeLabel = makeTextLabel(cleanupStrongFont);
         _sizeLabel.alignment = NSTextAlignmentRight;
         _badge = [[OmbrelCardView alloc] initWithFrame:NSZeroRect];
-        _badgeLabel = makeCleanupLabel(cleanupBadgeFont, SystemColor::label);
+        _badgeLabel = makeTextLabel(cleanupBadgeFont);
         [_badge addSubview:_badgeLabel];
-        pinEdges(_badgeLabel, _badge, badgePadding, 2);
+        pinEdges(_badgeLabel, _badge, cleanupBadgePadding, 2);
         _revealButton = [[NSButton alloc] initWithFrame:NSZeroRect];
         _revealButton.translatesAutoresizingMaskIntoConstraints = NO;
         _revealButton.bordered = NO;
@@ -61,7 +54,6 @@ constexpr CGFloat badgeAlpha = 0.15;
         _revealButton.image = symbolPicture("magnifyingglass", revealSize);
         _revealButton.imagePosition = NSImageOnly;
         _revealButton.contentTintColor = nsColor(SystemColor::secondaryLabel);
-        _revealButton.toolTip = nsString(revealTooltip);
         _revealButton.target = self;
         _revealButton.action = @selector(revealPressed:);
         [self layOut];
@@ -70,10 +62,10 @@ constexpr CGFloat badgeAlpha = 0.15;
 }
 
 - (void)layOut {
-    NSStackView* texts = verticalStack(lineGap, @[ _titleLabel, _reasonLabel, _noteLabel ]);
-    for (NSView* view in @[ _checkBox, _symbol, texts, _sizeLabel, _badge, _revealButton ])
+    _texts = verticalStack(cleanupRowLineGap, @[ _titleLabel, _reasonLabel, _noteLabel ]);
+    for (NSView* view in @[ _checkBox, _symbol, _texts, _sizeLabel, _badge, _revealButton ])
         [self addSubview:view];
-    NSView* middle = [[NSView alloc] initWithFrame:NSZeroRect]; // holds the amount and the badge apart
+    NSView* middle = [[NSView alloc] initWithFrame:NSZeroRect]; // the column of the amount and the badge
     middle.translatesAutoresizingMaskIntoConstraints = NO;
     [self addSubview:middle];
     const CGFloat symbolCentre = cleanupCardPadding + cleanupSymbolSide / 2;
@@ -82,24 +74,24 @@ constexpr CGFloat badgeAlpha = 0.15;
         [_checkBox.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
         [_symbol.centerXAnchor constraintEqualToAnchor:self.leadingAnchor constant:symbolCentre],
         [_symbol.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
-        [texts.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:cleanupTextInset],
-        [texts.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
-        [texts.topAnchor constraintGreaterThanOrEqualToAnchor:self.topAnchor constant:cleanupRowPadding],
-        [middle.leadingAnchor constraintEqualToAnchor:texts.trailingAnchor constant:columnGap],
-        [middle.widthAnchor constraintEqualToConstant:amountWidth],
+        [_texts.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:cleanupTextInset],
+        [_texts.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
+        [_texts.topAnchor constraintGreaterThanOrEqualToAnchor:self.topAnchor constant:cleanupRowPadding],
+        [middle.leadingAnchor constraintEqualToAnchor:_texts.trailingAnchor constant:cleanupAmountGap],
+        [middle.widthAnchor constraintEqualToConstant:cleanupAmountWidth],
         [middle.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
         [_sizeLabel.leadingAnchor constraintEqualToAnchor:middle.leadingAnchor],
         [_sizeLabel.trailingAnchor constraintEqualToAnchor:middle.trailingAnchor],
         [_sizeLabel.topAnchor constraintEqualToAnchor:middle.topAnchor],
-        [_badge.topAnchor constraintEqualToAnchor:_sizeLabel.bottomAnchor constant:badgeGap],
+        [_badge.topAnchor constraintEqualToAnchor:_sizeLabel.bottomAnchor constant:cleanupBadgeGap],
         [_badge.trailingAnchor constraintEqualToAnchor:middle.trailingAnchor],
         [_badge.leadingAnchor constraintGreaterThanOrEqualToAnchor:middle.leadingAnchor],
         [_badge.bottomAnchor constraintEqualToAnchor:middle.bottomAnchor],
-        [_revealButton.leadingAnchor constraintEqualToAnchor:middle.trailingAnchor constant:revealGap],
-        [_revealButton.trailingAnchor constraintEqualToAnchor:self.trailingAnchor constant:-revealInset],
+        [_revealButton.leadingAnchor constraintEqualToAnchor:middle.trailingAnchor constant:cleanupRevealGap],
+        [_revealButton.trailingAnchor constraintEqualToAnchor:self.trailingAnchor constant:-cleanupRevealInset],
         [_revealButton.centerYAnchor constraintEqualToAnchor:self.centerYAnchor],
-        [_revealButton.widthAnchor constraintEqualToConstant:revealSide],
-        [_revealButton.heightAnchor constraintEqualToConstant:revealSide],
+        [_revealButton.widthAnchor constraintEqualToConstant:cleanupRevealSide],
+        [_revealButton.heightAnchor constraintEqualToConstant:cleanupRevealSide],
     ]];
 }
 
@@ -121,13 +113,14 @@ constexpr CGFloat badgeAlpha = 0.15;
     _titleLabel.stringValue = nsString(content.title);
     _reasonLabel.stringValue = nsString(content.reason);
     _noteLabel.stringValue = nsString(content.note);
-    _noteLabel.hidden = content.note.empty();
+    setFullWidth(_texts, _noteLabel, _reasonLabel, !content.note.empty());
     _sizeLabel.stringValue = nsString(content.sizeText);
     _badgeLabel.stringValue = nsString(content.badge);
     _badgeLabel.textColor = nsColor(content.badgeColor);
     _badge.fillColor = nsColor(content.badgeColor, badgeAlpha);
     _revealButton.identifier = identifier;
     _revealButton.accessibilityLabel = nsString(content.revealAccessibilityLabel);
+    _revealButton.toolTip = nsString(content.revealTooltip);
 }
 
 - (void)setSelectionEnabled:(BOOL)enabled {
@@ -138,7 +131,7 @@ constexpr CGFloat badgeAlpha = 0.15;
     _checkBox.state = _content.selected ? NSControlStateValueOn : NSControlStateValueOff;
 }
 
-// The answer to the report is a new content, in which the box may be as it was.
+// The answer is a new content, in which the box may be unchanged, so the box shows the content again.
 - (void)candidateSelectionChanged:(NSButton*)sender {
     const bool isOn = sender.state == NSControlStateValueOn;
     [self showSelection];

@@ -1,36 +1,6 @@
 #include "shell/appkit/CleanupLook.h"
 
-#include "shell/appkit/AppKitConversions.h"
-#include "shell/appkit/Stacks.h"
-
 #include <algorithm>
-
-namespace vantry {
-
-NSTextField* makeCleanupLabel(const Font& font, SystemColor color) {
-    NSTextField* label = makeTextLabel(font);
-    label.translatesAutoresizingMaskIntoConstraints = NO;
-    label.textColor = nsColor(color);
-    return label;
-}
-
-NSTextField* makeCleanupWrappingLabel(const Font& font, SystemColor color) {
-    NSTextField* label = makeWrappingLabel(font, 0);
-    label.translatesAutoresizingMaskIntoConstraints = NO;
-    label.textColor = nsColor(color);
-    return label;
-}
-
-void pinEdges(NSView* view, NSView* holder, CGFloat horizontalPadding, CGFloat verticalPadding) {
-    [NSLayoutConstraint activateConstraints:@[
-        [view.leadingAnchor constraintEqualToAnchor:holder.leadingAnchor constant:horizontalPadding],
-        [view.trailingAnchor constraintEqualToAnchor:holder.trailingAnchor constant:-horizontalPadding],
-        [view.topAnchor constraintEqualToAnchor:holder.topAnchor constant:verticalPadding],
-        [view.bottomAnchor constraintEqualToAnchor:holder.bottomAnchor constant:-verticalPadding],
-    ]];
-}
-
-} // namespace vantry
 
 @implementation OmbrelCardView
 
@@ -65,7 +35,7 @@ void pinEdges(NSView* view, NSView* holder, CGFloat horizontalPadding, CGFloat v
 
 - (void)drawRect:(NSRect)dirtyRect {
     [super drawRect:dirtyRect];
-    const NSRect rect = NSInsetRect(self.bounds, 0.5, 0.5); // the middle of the hairline
+    const NSRect rect = NSInsetRect(self.bounds, 0.5, 0.5); // the middle of the border
     const CGFloat radius = _cornerRadius > 0 ? _cornerRadius : std::min(NSWidth(rect), NSHeight(rect)) / 2;
     NSBezierPath* path = [NSBezierPath bezierPathWithRoundedRect:rect xRadius:radius yRadius:radius];
     [_fillColor setFill];

@@ -3,14 +3,14 @@
 #include "cleanup/window/CleanupWindowContent.h"
 #include "shell/appkit/CleanupLook.h"
 
-/// One figure with what it is above it and what it means below.
+/// A figure with a title above it and an explanation below.
 @interface OmbrelSummaryCard : OmbrelCardView
 
 - (void)setContent:(const vantry::SummaryCardContent&)content;
 
 @end
 
-/// A thin green frame, faintly filled, with a symbol and a text.
+/// A symbol and a text in a thin green frame with a faint green fill.
 @interface OmbrelNoticeBox : OmbrelCardView
 
 - (void)setSymbolName:(const std::string&)symbolName text:(const std::string&)text;

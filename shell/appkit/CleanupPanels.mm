@@ -8,11 +8,9 @@ using namespace vantry;
 
 namespace {
 
-constexpr CGFloat accentWidth = 4;
 constexpr CGFloat accentGap = 12;
 constexpr CGFloat accentInset = 2;
 
-constexpr CGFloat noticePadding = 10;
 constexpr CGFloat noticeSymbolSize = 16;
 constexpr CGFloat noticeEdgeAlpha = 0.55;
 constexpr CGFloat noticeFillAlpha = 0.09;
@@ -30,18 +28,18 @@ constexpr CGFloat noticeFillAlpha = 0.09;
 - (instancetype)initWithFrame:(NSRect)frame {
     if ((self = [super initWithFrame:frame])) {
         _accent = [[OmbrelCardView alloc] initWithFrame:NSZeroRect];
-        _titleLabel = makeCleanupLabel(cleanupStrongFont, SystemColor::secondaryLabel);
-        _valueLabel = makeCleanupLabel(cleanupFigureFont, SystemColor::label);
-        _detailLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _titleLabel = makeTextLabel(cleanupStrongFont, SystemColor::secondaryLabel);
+        _valueLabel = makeTextLabel(cleanupFigureFont);
+        _detailLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
         NSStackView* texts = verticalStack(2, @[ _titleLabel, _valueLabel, _detailLabel ]);
         [self addSubview:_accent];
         [self addSubview:texts];
-        // Cards side by side are as high as the highest of them has to be.
+        // Low priority: cards side by side are as high as the highest one.
         NSLayoutConstraint* height = [texts.bottomAnchor constraintEqualToAnchor:self.bottomAnchor
                                                                         constant:-cleanupCardPadding];
         height.priority = NSLayoutPriorityDefaultLow;
         [NSLayoutConstraint activateConstraints:@[
-            [_accent.widthAnchor constraintEqualToConstant:accentWidth],
+            [_accent.widthAnchor constraintEqualToConstant:cleanupAccentWidth],
             [_accent.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:cleanupCardPadding],
             [_accent.topAnchor constraintEqualToAnchor:self.topAnchor constant:cleanupCardPadding + accentInset],
             [_accent.bottomAnchor constraintEqualToAnchor:self.bottomAnchor
@@ -83,10 +81,10 @@ constexpr CGFloat noticeFillAlpha = 0.09;
         self.edgeColor = nsColor(SystemColor::green, noticeEdgeAlpha);
         self.cornerRadius = cleanupCardRadius;
         _symbol = makeSymbolView(cleanupSymbolSide);
-        _label = makeCleanupWrappingLabel(cleanupBodyFont, SystemColor::label);
+        _label = makeWrappingLabel(cleanupBodyFont);
         NSStackView* row = horizontalStack(accentGap, @[ _symbol, _label ]);
         [self addSubview:row];
-        pinEdges(row, self, cleanupCardPadding, noticePadding);
+        pinEdges(row, self, cleanupCardPadding, cleanupNoticePadding);
     }
     return self;
 }

@@ -5,14 +5,14 @@
 #include <optional>
 #include <vector>
 
-/// What a scan found, in sections below each other, or what stands there in their place. The first rows are built at
-/// once, the rest in slices of the event loop. Rows that are rendered again stay the same views.
+/// The sections that a scan found, or the empty state. The first rows are built at once, the others in slices of the
+/// event loop. A row that is rendered again stays the same view.
 @interface OmbrelCleanupResultsView : NSScrollView
 
 - (instancetype)initWithActions:(vantry::SharedRowActions)actions;
 - (void)setEmptyState:(const std::optional<vantry::EmptyStateContent>&)emptyState
              sections:(const std::vector<vantry::CleanupSectionContent>&)sections;
-/// Whether the check boxes of the rows can be used, also of those that are built later.
+/// Enables or disables the check boxes of all rows, including rows that are built later.
 - (void)setSelectionEnabled:(BOOL)enabled;
 - (void)scrollToTop;
 

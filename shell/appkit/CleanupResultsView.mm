@@ -14,20 +14,14 @@ using namespace vantry;
 namespace {
 
 constexpr CGFloat topMargin = 6;
-constexpr CGFloat sectionGap = 26;
-constexpr CGFloat bottomMargin = 24;
 constexpr int rowsAtOnce = 24; // more than a window shows
 constexpr int rowsInASlice = 16;
 
-constexpr CGFloat emptySymbolSize = 28;
 constexpr CGFloat emptySymbolSide = 36;
-constexpr CGFloat emptySpacing = 7;
-constexpr CGFloat emptyWidth = 250;
-constexpr CGFloat emptyRaise = 80;
 
 } // namespace
 
-/// A stack that begins at the top of what scrolls it.
+/// Flipped, so that the scroll view starts at its top.
 @interface OmbrelResultsStackView : NSStackView
 @end
 
@@ -53,22 +47,22 @@ constexpr CGFloat emptyRaise = 80;
     if ((self = [super initWithFrame:frame])) {
         self.translatesAutoresizingMaskIntoConstraints = NO;
         _symbol = makeSymbolView(emptySymbolSide);
-        _titleLabel = makeCleanupWrappingLabel(cleanupHeadingFont, SystemColor::label);
+        _titleLabel = makeWrappingLabel(cleanupHeadingFont);
         _titleLabel.alignment = NSTextAlignmentCenter;
-        _detailLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+        _detailLabel = makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
         _detailLabel.alignment = NSTextAlignmentCenter;
         NSStackView* stack = [NSStackView stackViewWithViews:@[ _symbol, _titleLabel, _detailLabel ]];
         stack.translatesAutoresizingMaskIntoConstraints = NO;
         stack.orientation = NSUserInterfaceLayoutOrientationVertical;
         stack.alignment = NSLayoutAttributeCenterX;
         stack.distribution = NSStackViewDistributionFill;
-        stack.spacing = emptySpacing;
+        stack.spacing = emptyStateSpacing;
         [self addSubview:stack];
         pinEdges(stack, self, 0, 0);
         [NSLayoutConstraint activateConstraints:@[
-            [_titleLabel.widthAnchor constraintLessThanOrEqualToConstant:emptyWidth],
-            [_detailLabel.widthAnchor constraintLessThanOrEqualToConstant:emptyWidth],
-            [self.widthAnchor constraintEqualToConstant:emptyWidth],
+            [_titleLabel.widthAnchor constraintLessThanOrEqualToConstant:emptyStateWidth],
+            [_detailLabel.widthAnchor constraintLessThanOrEqualToConstant:emptyStateWidth],
+            [self.widthAnchor constraintEqualToConstant:emptyStateWidth],
         ]];
         self.accessibilityElement = YES;
         self.accessibilityRole = NSAccessibilityGroupRole;
@@ -77,7 +71,7 @@ constexpr CGFloat emptyRaise = 80;
 }
 
 - (void)setContent:(const EmptyStateContent&)content {
-    showSymbol(_symbol, content.symbolName, emptySymbolSize, SystemColor::secondaryLabel);
+    showSymbol(_symbol, content.symbolName, emptyStateSymbolSize, SystemColor::secondaryLabel);
     _titleLabel.stringValue = nsString(content.title);
     _detailLabel.stringValue = nsString(content.detail);
     self.accessibilityLabel = nsString(content.title);
@@ -109,8 +103,9 @@ constexpr CGFloat emptyRaise = 80;
         _resultsStack.orientation = NSUserInterfaceLayoutOrientationVertical;
         _resultsStack.alignment = NSLayoutAttributeLeading;
         _resultsStack.distribution = NSStackViewDistributionFill;
-        _resultsStack.spacing = sectionGap;
-        _resultsStack.edgeInsets = NSEdgeInsetsMake(topMargin, cleanupMargin, bottomMargin, cleanupMargin);
+        _resultsStack.spacing = cleanupSectionGap;
+        _resultsStack.edgeInsets =
+            NSEdgeInsetsMake(topMargin, cleanupMargin, cleanupResultsBottomMargin, cleanupMargin);
         self.documentView = _resultsStack;
         _emptyState = [[OmbrelEmptyStateView alloc] initWithFrame:NSZeroRect];
         _emptyState.hidden = YES;
@@ -121,7 +116,7 @@ constexpr CGFloat emptyRaise = 80;
             [_resultsStack.trailingAnchor constraintEqualToAnchor:clip.trailingAnchor],
             [_resultsStack.topAnchor constraintEqualToAnchor:clip.topAnchor],
             [_emptyState.centerXAnchor constraintEqualToAnchor:self.centerXAnchor],
-            [_emptyState.centerYAnchor constraintEqualToAnchor:self.centerYAnchor constant:-emptyRaise],
+            [_emptyState.centerYAnchor constraintEqualToAnchor:self.centerYAnchor constant:-emptyStateRaise],
         ]];
     }
     return self;
@@ -145,8 +140,7 @@ constexpr CGFloat emptyRaise = 80;
         [view setContent:section];
         _sections.push_back(view);
     }
-    if (![self sectionsAreShown])
-        [self showSections];
+    [self keepSectionsInPlace];
     [self buildRows:rowsAtOnce];
     if (focused.window)
         [self.window makeFirstResponder:focused];
@@ -158,7 +152,7 @@ constexpr CGFloat emptyRaise = 80;
         section.selectionEnabled = enabled;
 }
 
-/// The control that has the keyboard, if it is one of a row.
+/// The focused control, if it belongs to a row.
 - (NSView*)focusedControl {
     NSResponder* responder = self.window.firstResponder;
     if (![responder isKindOfClass:[NSView class]])
@@ -167,31 +161,25 @@ constexpr CGFloat emptyRaise = 80;
     return [view isDescendantOf:_resultsStack] ? view : nil;
 }
 
-- (BOOL)sectionsAreShown {
+/// Removes the shown sections, starting at the first that differs from `_sections`.
+- (void)keepSectionsInPlace {
     NSArray<NSView*>* shown = _resultsStack.arrangedSubviews;
-    if (shown.count != _sections.size())
-        return NO;
-    for (std::size_t index = 0; index < _sections.size(); ++index)
-        if (shown[index] != _sections[index])
-            return NO;
-    return YES;
+    std::size_t kept = 0;
+    while (kept < shown.count && kept < _sections.size() && shown[kept] == _sections[kept])
+        ++kept;
+    for (std::size_t index = kept; index < shown.count; ++index)
+        [shown[index] removeFromSuperview];
 }
 
-- (void)showSections {
-    for (NSView* view in _resultsStack.arrangedSubviews)
-        [view removeFromSuperview];
-    for (OmbrelCleanupSectionView* section : _sections) {
-        section.hidden = NO; // a stack takes a hidden view out of itself, where no constraint can reach it
-        addFullWidth(_resultsStack, section);
-    }
-}
-
-/// Places rows from the top until `newRows` had to be made. A section is shown once those above it are complete, so
-/// that nothing in sight moves.
+/// Places rows from the top and creates at most `newRows`. A section is shown only when those above it are complete, so
+/// that nothing visible moves.
 - (void)buildRows:(int)newRows {
     bool reached = true;
     for (OmbrelCleanupSectionView* section : _sections) {
-        section.hidden = !reached;
+        if (reached && !section.superview)
+            addFullWidth(_resultsStack, section);
+        else if (!reached)
+            [section removeFromSuperview];
         while (reached && !section.isComplete) {
             if (!section.nextRowIsKept && newRows-- <= 0)
                 reached = false;

@@ -1,27 +1,18 @@
 #pragma once
 
-#include "cleanup/window/CleanupWindowContent.h"
+#include "app/CleanupWindowActions.h"
 
 #include <AppKit/AppKit.h>
-#include <functional>
 #include <memory>
-#include <string>
 
 namespace vantry {
 
-/// What the controls of the rows report.
-struct CleanupRowActions {
-    std::function<void(const std::string& identifier, bool isOn)> selectionChanged;
-    std::function<void(const std::string& identifier)> revealed;
-    std::function<void(CleanupAvenue::Action)> avenueAction;
-};
-
-/// Shared by all rows: a control may report after its row was taken away.
+/// Shared by all rows, because a control may report after its row was removed.
 using SharedRowActions = std::shared_ptr<const CleanupRowActions>;
 
 } // namespace vantry
 
-/// A row of a card: a group to screen readers, named by its title.
+/// A row of a card. Screen readers see a group with the row's title.
 @interface OmbrelCleanupRowView : NSView
 
 - (instancetype)initWithActions:(vantry::SharedRowActions)actions;
@@ -33,7 +24,7 @@ using SharedRowActions = std::shared_ptr<const CleanupRowActions>;
 @interface OmbrelCandidateRowView : OmbrelCleanupRowView
 
 - (void)setContent:(const vantry::CandidateRowContent&)content;
-/// Whether the check box can be used, if the row has one.
+/// Enables or disables the check box, if the row has one.
 - (void)setSelectionEnabled:(BOOL)enabled;
 
 @end

@@ -14,11 +14,11 @@
         self.translatesAutoresizingMaskIntoConstraints = NO;
         self.accessibilityElement = YES;
         self.accessibilityRole = NSAccessibilityGroupRole;
-        // As low as its texts allow.
-        NSLayoutConstraint* height = [self.heightAnchor constraintEqualToConstant:vantry::cleanupLowestRow];
+        // Low priority: the row is as low as its texts allow.
+        NSLayoutConstraint* height = [self.heightAnchor constraintEqualToConstant:vantry::cleanupMinimumRow];
         height.priority = NSLayoutPriorityDefaultLow;
         [NSLayoutConstraint activateConstraints:@[
-            height, [self.heightAnchor constraintGreaterThanOrEqualToConstant:vantry::cleanupLowestRow]
+            height, [self.heightAnchor constraintGreaterThanOrEqualToConstant:vantry::cleanupMinimumRow]
         ]];
     }
     return self;

@@ -12,12 +12,11 @@ using namespace vantry;
 
 namespace {
 
-constexpr CGFloat headerGap = 8;
 constexpr CGFloat headerTextGap = 11;
 constexpr CGFloat headerInset = 3;
 constexpr CGFloat separatorHeight = 1;
 
-/// By which two renderings of the same thing are recognised.
+/// The same in every content that shows the same thing.
 const std::string& keyOf(const CandidateRowContent& content) { return content.identifier; }
 const std::string& keyOf(const AvenueRowContent& content) { return content.title; }
 
@@ -51,9 +50,9 @@ NSView* makeSeparator() {
 @implementation OmbrelCleanupSectionView {
     SharedRowActions _actions;
     CleanupSectionContent _content;
-    std::vector<std::string> _keys;                         ///< of all rows, placed or not
-    std::vector<OmbrelCleanupRowView*> _rows;               ///< that are placed: those of the first keys
-    std::map<std::string, OmbrelCleanupRowView*> _keptRows; ///< of an earlier content, not placed yet
+    std::vector<std::string> _keys;                         ///< keys of all rows, placed or not
+    std::vector<OmbrelCleanupRowView*> _rows;               ///< the placed rows, those of the first keys
+    std::map<std::string, OmbrelCleanupRowView*> _keptRows; ///< rows of an earlier content, not placed yet
     NSImageView* _symbol;
     NSTextField* _titleLabel;
     NSTextField* _subtitleLabel;
@@ -73,7 +72,7 @@ NSView* makeSeparator() {
         _rowStack = verticalStack(0, @[]);
         [_card addSubview:_rowStack];
         pinEdges(_rowStack, _card, 0, 0);
-        NSStackView* stack = verticalStack(headerGap, @[ header, _card ]);
+        NSStackView* stack = verticalStack(cleanupHeaderToCard, @[ header, _card ]);
         [self addSubview:stack];
         pinEdges(stack, self, 0, 0);
     }
@@ -82,9 +81,9 @@ NSView* makeSeparator() {
 
 - (NSView*)makeHeader {
     _symbol = makeSymbolView(cleanupSymbolSide);
-    _titleLabel = makeCleanupLabel(cleanupHeadingFont, SystemColor::label);
-    _subtitleLabel = makeCleanupLabel(cleanupDetailFont, SystemColor::secondaryLabel);
-    _trailingLabel = makeCleanupLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+    _titleLabel = makeTextLabel(cleanupHeadingFont);
+    _subtitleLabel = makeTextLabel(cleanupDetailFont, SystemColor::secondaryLabel);
+    _trailingLabel = makeTextLabel(cleanupDetailFont, SystemColor::secondaryLabel);
     setHorizontalHugging(_trailingLabel, NSLayoutPriorityDefaultHigh);
     setHorizontalResistance(_trailingLabel, NSLayoutPriorityDefaultHigh);
     setHorizontalHugging(_subtitleLabel, NSLayoutPriorityDefaultLow);
@@ -119,7 +118,7 @@ NSView* makeSeparator() {
     _card.accessibilityLabel = nsString(content.title);
 }
 
-// They are only moved about: what asked for the rendering may be a control of theirs.
+// The rows stay alive, because the call may come from a control of one of them.
 - (void)takeRowsAway:(BOOL)keepsThem {
     if (!keepsThem)
         _keptRows.clear();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cleanup/window/CleanupWindowContent.h"
-#include "shell/appkit/CleanupRowView.h"
+#include "app/CleanupWindowActions.h"
+#include "cleanup/window/CleanupWindowShell.h"
 
 #include <functional>
 
@@ -9,33 +9,20 @@
 
 namespace vantry {
 
-/// What the controls of the window report.
-struct CleanupWindowActions {
-    std::function<void()> scan;
-    std::function<void(CleanupWindowMode)> modeChanged;
-    std::function<void()> selectSuggested;
-    std::function<void()> trash;
-    std::function<void()> cancel; ///< Escape
-    std::function<void()> closed; ///< when the window closes
-    CleanupRowActions rows;
-};
-
 /// The "Free Up Space" window. It shows a content and reports what the user does.
-class CleanupWindow {
+class CleanupWindow : public CleanupWindowShell {
 public:
     explicit CleanupWindow(CleanupWindowActions actions);
     CleanupWindow(const CleanupWindow&) = delete;
     CleanupWindow& operator=(const CleanupWindow&) = delete;
-    ~CleanupWindow();
+    ~CleanupWindow() override;
 
-    void render(const CleanupWindowContent& content);
-    /// Shows the window, centred on its screen unless it is visible, in front and with the keyboard.
-    void showInFront();
-    /// Also while it is in the Dock.
-    [[nodiscard]] bool isVisible() const;
-    void scrollResultsToTop();
-    /// See `CleanupWindowShell::ask`.
-    void ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered);
+    void showCleanupWindow() override;
+    /// A window in the Dock counts as shown.
+    [[nodiscard]] bool cleanupWindowIsShown() const override;
+    void renderCleanupWindow(const CleanupWindowContent& content) override;
+    void scrollCleanupResultsToTop() override;
+    void ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) override;
 
 private:
     OmbrelCleanupWindowController* controller_;

@@ -7,42 +7,30 @@
 #include "shell/appkit/CleanupResultsView.h"
 #include "shell/appkit/KeyGuard.h"
 #include "shell/appkit/Stacks.h"
+#include "shell/appkit/SymbolPicture.h"
 
 #include <AppKit/AppKit.h>
+#include <functional>
 #include <utility>
+#include <vector>
 
 using namespace vantry;
 
 namespace {
 
-constexpr CGFloat iconSide = 48;
-constexpr CGFloat topMargin = 20;
 constexpr CGFloat bottomOfTop = 12;
 
 NSImageView* makeIconView() {
-    NSImageView* view = [[NSImageView alloc] initWithFrame:NSZeroRect];
-    view.translatesAutoresizingMaskIntoConstraints = NO;
+    NSImageView* view = makePictureView(cleanupIconSide, NSImageScaleProportionallyUpOrDown);
     view.image = [NSImage imageNamed:NSImageNameApplicationIcon];
-    view.imageScaling = NSImageScaleProportionallyUpOrDown;
-    view.accessibilityElement = NO;
-    [NSLayoutConstraint activateConstraints:@[
-        [view.widthAnchor constraintEqualToConstant:iconSide],
-        [view.heightAnchor constraintEqualToConstant:iconSide],
-    ]];
     return view;
-}
-
-void renderButton(NSButton* button, const CleanupButtonContent& content) {
-    button.title = nsString(content.title);
-    button.hidden = content.hidden;
-    button.enabled = content.enabled;
 }
 
 NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::filesFound ? 0 : 1; }
 
 } // namespace
 
-/// An accessory has no menu bar of its own that would know the shortcut.
+/// Handles ⌘W itself, because an accessory has no menu bar.
 @interface OmbrelCleanupPanel : NSWindow
 @property(nonatomic, copy) void (^cancelled)(void);
 @end
@@ -61,7 +49,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
         [super keyDown:event];
 }
 
-// Escape, unless a control has a use for it.
+// Escape, unless a control handles it.
 - (void)cancelOperation:(id)sender {
     if (_cancelled)
         _cancelled();
@@ -81,19 +69,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     CleanupWindowActions _actions;
     CleanupWindowContent _content;
 
-    NSTextField* _titleLabel;
-    NSTextField* _subtitleLabel;
-    OmbrelSummaryCard* _macStorageCard;
-    OmbrelSummaryCard* _foundCard;
-    OmbrelSummaryCard* _selectedCard;
-    NSSegmentedControl* _modeControl;
-    NSButton* _scanButton;
-    NSProgressIndicator* _progressIndicator;
-    NSButton* _selectSuggestedButton;
-    NSButton* _trashButton;
-    OmbrelNoticeBox* _noticeBox;
-    NSTextField* _statusLabel;
-    NSTextField* _selectionLabel;
+    std::vector<std::function<void(const CleanupWindowContent&)>> _renderers; ///< one for each control
 }
 
 - (instancetype)initWithActions:(CleanupWindowActions)actions {
@@ -123,9 +99,12 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     _window.collectionBehavior =
         NSWindowCollectionBehaviorMoveToActiveSpace | NSWindowCollectionBehaviorFullScreenAuxiliary;
 
-    _noticeBox = [[OmbrelNoticeBox alloc] initWithFrame:NSZeroRect];
-    NSStackView* top =
-        verticalStack(14, @[ [self makeHeader], [self makeCards], [self makeControls], _noticeBox, [self makeStatus] ]);
+    OmbrelNoticeBox* notice = [[OmbrelNoticeBox alloc] initWithFrame:NSZeroRect];
+    _renderers.emplace_back([notice](const CleanupWindowContent& shown) {
+        [notice setSymbolName:shown.noticeSymbolName text:shown.notice];
+    });
+    NSStackView* top = verticalStack(
+        cleanupSpacing, @[ [self makeHeader], [self makeCards], [self makeControls], notice, [self makeStatus] ]);
     _results =
         [[OmbrelCleanupResultsView alloc] initWithActions:std::make_shared<const CleanupRowActions>(_actions.rows)];
     NSView* content = _window.contentView;
@@ -134,7 +113,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     [NSLayoutConstraint activateConstraints:@[
         [top.leadingAnchor constraintEqualToAnchor:content.leadingAnchor constant:cleanupMargin],
         [top.trailingAnchor constraintEqualToAnchor:content.trailingAnchor constant:-cleanupMargin],
-        [top.topAnchor constraintEqualToAnchor:content.topAnchor constant:topMargin],
+        [top.topAnchor constraintEqualToAnchor:content.topAnchor constant:cleanupTopMargin],
         [_results.leadingAnchor constraintEqualToAnchor:content.leadingAnchor],
         [_results.trailingAnchor constraintEqualToAnchor:content.trailingAnchor],
         [_results.topAnchor constraintEqualToAnchor:top.bottomAnchor constant:bottomOfTop],
@@ -142,59 +121,95 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     ]];
 }
 
-- (NSButton*)makeButton:(SEL)action {
+- (NSTextField*)show:(std::string CleanupWindowContent::*)field in:(NSTextField*)label {
+    _renderers.emplace_back([=](const CleanupWindowContent& content) { label.stringValue = nsString(content.*field); });
+    return label;
+}
+
+- (NSButton*)makeButton:(CleanupButtonContent CleanupWindowContent::*)field action:(SEL)action {
     NSButton* button = [NSButton buttonWithTitle:@"" target:self action:action];
     setHorizontalHugging(button, NSLayoutPriorityDefaultHigh);
+    _renderers.emplace_back([=](const CleanupWindowContent& content) {
+        button.title = nsString((content.*field).title);
+        button.hidden = (content.*field).hidden;
+        button.enabled = (content.*field).enabled;
+    });
     return button;
 }
 
 - (NSView*)makeHeader {
-    _titleLabel = makeCleanupLabel(cleanupTitleFont, SystemColor::label);
-    _subtitleLabel = makeCleanupLabel(cleanupBodyFont, SystemColor::secondaryLabel);
-    return horizontalStack(14, @[ makeIconView(), verticalStack(2, @[ _titleLabel, _subtitleLabel ]) ]);
+    NSTextField* title = [self show:&CleanupWindowContent::titleLabel in:makeTextLabel(cleanupTitleFont)];
+    NSTextField* subtitle = [self show:&CleanupWindowContent::subtitleLabel
+                                    in:makeTextLabel(cleanupBodyFont, SystemColor::secondaryLabel)];
+    return horizontalStack(cleanupSpacing, @[ makeIconView(), verticalStack(cleanupHeaderGap, @[ title, subtitle ]) ]);
 }
 
 - (NSView*)makeCards {
-    _macStorageCard = [OmbrelSummaryCard card];
-    _foundCard = [OmbrelSummaryCard card];
-    _selectedCard = [OmbrelSummaryCard card];
-    NSStackView* cards = horizontalStack(12, @[ _macStorageCard, _foundCard, _selectedCard ]);
-    cards.alignment = NSLayoutAttributeTop;
-    cards.distribution = NSStackViewDistributionFillEqually;
+    NSMutableArray<NSView*>* cards = [NSMutableArray arrayWithCapacity:3];
+    for (const auto field : {&CleanupWindowContent::macStorageCard, &CleanupWindowContent::foundCard,
+                             &CleanupWindowContent::selectedCard}) {
+        OmbrelSummaryCard* card = [OmbrelSummaryCard card];
+        _renderers.emplace_back([=](const CleanupWindowContent& content) { [card setContent:content.*field]; });
+        [cards addObject:card];
+    }
+    NSStackView* row = horizontalStack(cleanupCardGap, cards);
+    row.alignment = NSLayoutAttributeTop;
+    row.distribution = NSStackViewDistributionFillEqually;
     [NSLayoutConstraint activateConstraints:@[
-        [_foundCard.heightAnchor constraintEqualToAnchor:_macStorageCard.heightAnchor],
-        [_selectedCard.heightAnchor constraintEqualToAnchor:_macStorageCard.heightAnchor],
+        [cards[1].heightAnchor constraintEqualToAnchor:cards[0].heightAnchor],
+        [cards[2].heightAnchor constraintEqualToAnchor:cards[0].heightAnchor],
     ]];
-    return cards;
+    return row;
 }
 
-- (NSView*)makeControls {
+- (NSView*)makeModeControl {
     NSMutableArray<NSString*>* labels = [NSMutableArray arrayWithCapacity:_content.modeLabels.size()];
     for (const std::string& label : _content.modeLabels)
         [labels addObject:nsString(label)];
-    _modeControl = [NSSegmentedControl segmentedControlWithLabels:labels
-                                                     trackingMode:NSSegmentSwitchTrackingSelectOne
-                                                           target:self
-                                                           action:@selector(modeChanged:)];
-    setHorizontalHugging(_modeControl, NSLayoutPriorityDefaultHigh);
-    _scanButton = [self makeButton:@selector(scanPressed:)];
-    _progressIndicator = [[NSProgressIndicator alloc] initWithFrame:NSZeroRect];
-    _progressIndicator.style = NSProgressIndicatorStyleSpinning;
-    _progressIndicator.controlSize = NSControlSizeSmall;
-    _progressIndicator.displayedWhenStopped = NO;
-    setHorizontalHugging(_progressIndicator, NSLayoutPriorityDefaultHigh);
-    _selectSuggestedButton = [self makeButton:@selector(selectSuggestedPressed:)];
-    _trashButton = [self makeButton:@selector(trashPressed:)];
-    _trashButton.hasDestructiveAction = YES;
-    return horizontalStack(
-        10,
-        @[ _modeControl, _scanButton, _progressIndicator, makeFlexibleSpace(), _selectSuggestedButton, _trashButton ]);
+    NSSegmentedControl* control = [NSSegmentedControl segmentedControlWithLabels:labels
+                                                                    trackingMode:NSSegmentSwitchTrackingSelectOne
+                                                                          target:self
+                                                                          action:@selector(modeChanged:)];
+    setHorizontalHugging(control, NSLayoutPriorityDefaultHigh);
+    _renderers.emplace_back([control](const CleanupWindowContent& content) {
+        for (std::size_t index = 0; index < content.modeLabels.size(); ++index)
+            [control setLabel:nsString(content.modeLabels[index]) forSegment:static_cast<NSInteger>(index)];
+        control.selectedSegment = segmentOf(content.modeControl);
+    });
+    return control;
+}
+
+- (NSView*)makeProgressIndicator {
+    NSProgressIndicator* indicator = [[NSProgressIndicator alloc] initWithFrame:NSZeroRect];
+    indicator.style = NSProgressIndicatorStyleSpinning;
+    indicator.controlSize = NSControlSizeSmall;
+    indicator.displayedWhenStopped = NO;
+    setHorizontalHugging(indicator, NSLayoutPriorityDefaultHigh);
+    _renderers.emplace_back([indicator](const CleanupWindowContent& content) {
+        if (content.progressIndicator)
+            [indicator startAnimation:nil];
+        else
+            [indicator stopAnimation:nil];
+        indicator.accessibilityLabel = nsString(content.statusLabel);
+    });
+    return indicator;
+}
+
+- (NSView*)makeControls {
+    NSButton* trash = [self makeButton:&CleanupWindowContent::trashButton action:@selector(trashPressed:)];
+    trash.hasDestructiveAction = YES;
+    return horizontalStack(cleanupControlGap, @[
+        [self makeModeControl], [self makeButton:&CleanupWindowContent::scanButton action:@selector(scanPressed:)],
+        [self makeProgressIndicator], makeFlexibleSpace(),
+        [self makeButton:&CleanupWindowContent::selectSuggestedButton action:@selector(selectSuggestedPressed:)], trash
+    ]);
 }
 
 - (NSView*)makeStatus {
-    _statusLabel = makeCleanupWrappingLabel(cleanupBodyFont, SystemColor::label);
-    _selectionLabel = makeCleanupWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel);
-    return verticalStack(3, @[ _statusLabel, _selectionLabel ]);
+    NSTextField* status = [self show:&CleanupWindowContent::statusLabel in:makeWrappingLabel(cleanupBodyFont)];
+    NSTextField* selection = [self show:&CleanupWindowContent::selectionLabel
+                                     in:makeWrappingLabel(cleanupDetailFont, SystemColor::secondaryLabel)];
+    return verticalStack(cleanupStatusGap, @[ status, selection ]);
 }
 
 - (void)render:(const CleanupWindowContent&)content {
@@ -210,30 +225,9 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
     _content = content;
     _window.title = nsString(content.windowTitle);
     _window.minSize = nsSize(content.minimumSize);
-    _titleLabel.stringValue = nsString(content.titleLabel);
-    _subtitleLabel.stringValue = nsString(content.subtitleLabel);
-    [_macStorageCard setContent:content.macStorageCard];
-    [_foundCard setContent:content.foundCard];
-    [_selectedCard setContent:content.selectedCard];
-    for (std::size_t index = 0; index < content.modeLabels.size(); ++index)
-        [_modeControl setLabel:nsString(content.modeLabels[index]) forSegment:static_cast<NSInteger>(index)];
-    [self showMode];
-    renderButton(_scanButton, content.scanButton);
-    if (content.progressIndicator)
-        [_progressIndicator startAnimation:nil];
-    else
-        [_progressIndicator stopAnimation:nil];
-    _progressIndicator.accessibilityLabel = nsString(content.statusLabel);
-    renderButton(_selectSuggestedButton, content.selectSuggestedButton);
-    renderButton(_trashButton, content.trashButton);
-    [_noticeBox setSymbolName:content.noticeSymbolName text:content.notice];
-    _statusLabel.stringValue = nsString(content.statusLabel);
-    _selectionLabel.stringValue = nsString(content.selectionLabel);
+    for (const auto& renderer : _renderers)
+        renderer(_content);
     [_results setSelectionEnabled:content.selectionEnabled];
-}
-
-- (void)showMode {
-    _modeControl.selectedSegment = segmentOf(_content.modeControl);
 }
 
 - (void)scanPressed:(id)sender {
@@ -241,10 +235,10 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
         _actions.scan();
 }
 
-// The answer to the report is a new content, in which the mode may be as it was.
+// The answer is a new content, in which the mode may be unchanged, so the control shows the content again.
 - (void)modeChanged:(NSSegmentedControl*)sender {
     const NSInteger selected = sender.selectedSegment;
-    [self showMode];
+    sender.selectedSegment = segmentOf(_content.modeControl);
     if (_actions.modeChanged)
         _actions.modeChanged(selected == segmentOf(CleanupWindowMode::filesFound) ? CleanupWindowMode::filesFound
                                                                                   : CleanupWindowMode::storageGuide);
@@ -287,9 +281,9 @@ CleanupWindow::CleanupWindow(CleanupWindowActions actions)
 
 CleanupWindow::~CleanupWindow() { [controller_ detach]; }
 
-void CleanupWindow::render(const CleanupWindowContent& content) { [controller_ render:content]; }
+void CleanupWindow::renderCleanupWindow(const CleanupWindowContent& content) { [controller_ render:content]; }
 
-void CleanupWindow::showInFront() {
+void CleanupWindow::showCleanupWindow() {
     NSWindow* window = controller_.window;
     if (window.miniaturized)
         [window deminiaturize:nil];
@@ -301,13 +295,15 @@ void CleanupWindow::showInFront() {
     activateApplication();
 }
 
-bool CleanupWindow::isVisible() const { return controller_.window.visible || controller_.window.miniaturized; }
+bool CleanupWindow::cleanupWindowIsShown() const {
+    return controller_.window.visible || controller_.window.miniaturized;
+}
 
-void CleanupWindow::scrollResultsToTop() { [controller_.results scrollToTop]; }
+void CleanupWindow::scrollCleanupResultsToTop() { [controller_.results scrollToTop]; }
 
 void CleanupWindow::ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) {
     closeAlertSheet(controller_.window);
-    if (isVisible())
+    if (cleanupWindowIsShown())
         showAlertSheet(alert, std::move(answered), controller_.window);
     else
         answerLater(std::move(answered), AlertAnswer::last);

@@ -10,11 +10,11 @@ namespace vantry {
 
 using MenuItemHandler = std::function<void(const MenuItemContent&)>;
 
-/// Whom the items of a menu report to; a menu holds it weakly.
+/// The target of a menu's items, which hold it weakly.
 [[nodiscard]] OmbrelMenuTarget* makeMenuTarget(MenuItemHandler chosen);
 
-/// A new menu that shows `content`; choosing an item calls the handler of `target` with the item's command and
-/// represented object.
+/// A new menu that shows `content`. Choosing an item calls the handler of `target` with its command and represented
+/// object.
 [[nodiscard]] NSMenu* makeContextMenu(const ContextMenuContent& content, OmbrelMenuTarget* target);
 
 } // namespace vantry

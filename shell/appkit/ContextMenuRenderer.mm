@@ -5,6 +5,7 @@
 
 #include <AppKit/AppKit.h>
 #include <utility>
+#include <variant>
 
 using namespace vantry;
 
@@ -79,7 +80,6 @@ namespace {
 
 SEL actionFor(MenuCommand command) {
     switch (command) {
-    case MenuCommand::none: return nullptr;
     case MenuCommand::refresh: return @selector(refreshMenuItem:);
     case MenuCommand::openStorageSettings: return @selector(settingsMenuItem:);
     case MenuCommand::freeUpSpace: return @selector(cleanupMenuItem:);
@@ -92,32 +92,37 @@ SEL actionFor(MenuCommand command) {
     return nullptr;
 }
 
-NSMenu* makeMenu(const std::vector<MenuItemContent>& items, OmbrelMenuTarget* target);
-
-NSMenuItem* makeItem(const MenuItemContent& content, OmbrelMenuTarget* target) {
-    if (content.separator)
-        return [NSMenuItem separatorItem];
-    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:nsString(content.title)
-                                                  action:actionFor(content.command)
-                                           keyEquivalent:nsString(content.keyEquivalent)];
-    item.target = target;
-    item.enabled = content.enabled;
-    if (content.checkable)
-        item.state = content.checked ? NSControlStateValueOn : NSControlStateValueOff;
-    if (!content.representedObject.empty())
-        item.representedObject = nsString(content.representedObject);
-    if (!content.submenu.empty())
-        item.submenu = makeMenu(content.submenu, target);
-    return item;
-}
-
-NSMenu* makeMenu(const std::vector<MenuItemContent>& items, OmbrelMenuTarget* target) {
+NSMenu* makeEmptyMenu() {
     NSMenu* menu = [[NSMenu alloc] initWithTitle:@""];
-    menu.autoenablesItems = NO; // the content says what is enabled
-    for (const MenuItemContent& item : items)
-        [menu addItem:makeItem(item, target)];
+    menu.autoenablesItems = NO; // the content decides
     return menu;
 }
+
+struct ItemMaker {
+    OmbrelMenuTarget* target;
+
+    NSMenuItem* operator()(const MenuItemContent& content) const {
+        NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:nsString(content.title)
+                                                      action:actionFor(content.command)
+                                               keyEquivalent:nsString(content.keyEquivalent)];
+        item.target = target;
+        if (content.checked)
+            item.state = *content.checked ? NSControlStateValueOn : NSControlStateValueOff;
+        if (!content.representedObject.empty())
+            item.representedObject = nsString(content.representedObject);
+        return item;
+    }
+    NSMenuItem* operator()(const SubmenuContent& content) const {
+        NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:nsString(content.title) action:nil keyEquivalent:@""];
+        item.target = target;
+        item.enabled = content.enabled;
+        item.submenu = makeEmptyMenu();
+        for (const MenuItemContent& inner : content.items)
+            [item.submenu addItem:(*this)(inner)];
+        return item;
+    }
+    NSMenuItem* operator()(const MenuSeparator&) const { return [NSMenuItem separatorItem]; }
+};
 
 } // namespace
 
@@ -126,7 +131,10 @@ OmbrelMenuTarget* makeMenuTarget(MenuItemHandler chosen) {
 }
 
 NSMenu* makeContextMenu(const ContextMenuContent& content, OmbrelMenuTarget* target) {
-    return makeMenu(content.items, target);
+    NSMenu* menu = makeEmptyMenu();
+    for (const MenuEntry& entry : content.entries)
+        [menu addItem:std::visit(ItemMaker{target}, entry)];
+    return menu;
 }
 
 } // namespace vantry

@@ -4,17 +4,17 @@
 
 namespace vantry {
 
-// An accessory has no menu bar, which would know the shortcuts.
+// Shortcuts that the menu bar would handle, if an accessory had one.
 
 /// Whether the key press is ⌘W.
 [[nodiscard]] bool isCloseShortcut(NSEvent* event);
 
-/// Presses the button of `window` that has the keyboard if the key is Return or Enter; AppKit does so for Space only.
-/// Whether it did.
+/// If the key is Return or Enter, presses the focused button of `window` and returns true. AppKit does so for Space
+/// only.
 bool pressFocusedButton(NSEvent* event, NSWindow* window);
 
-/// As long as it lives, keeps the repetitions of a held key from all windows of the application, for the keys that
-/// press buttons and close windows: no question may be answered by a key that was already down when it appeared.
+/// Drops auto-repeated presses of the keys that press buttons and close windows, so that a key that was already down
+/// when a question appeared cannot answer it. Active during its lifetime.
 class KeyGuard {
 public:
     KeyGuard();

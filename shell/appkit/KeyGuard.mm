@@ -7,7 +7,7 @@ namespace vantry {
 
 namespace {
 
-// The places of the keys, whatever the layout (Events.h of HIToolbox).
+// Virtual key codes, independent of the keyboard layout (HIToolbox/Events.h).
 constexpr unsigned short returnKey = 36;
 constexpr unsigned short enterKey = 76;
 constexpr unsigned short spaceKey = 49;

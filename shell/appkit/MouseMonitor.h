@@ -5,8 +5,8 @@
 
 namespace vantry {
 
-/// As long as it lives, tells of mouse events wherever they go: to this application, which still gets them, or to
-/// another one, whose events have no window. Needs no permission for the mouse (NSEvent's monitors). Main thread.
+/// During its lifetime, reports mouse events of this application, which still gets them, and of other applications,
+/// whose events have no window. NSEvent's monitors need no permission for the mouse. Main thread.
 class MouseMonitor {
 public:
     MouseMonitor(NSEventMask events, std::function<void(NSEvent*)> seen);
@@ -19,7 +19,7 @@ private:
     id others_;
 };
 
-/// Whether the pointer is over `view`, wherever the view's window is shown.
+/// Whether the pointer is over `view`.
 [[nodiscard]] bool pointerIsOver(NSView* view);
 
 } // namespace vantry

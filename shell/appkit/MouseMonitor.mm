@@ -7,7 +7,8 @@ namespace vantry {
 MouseMonitor::MouseMonitor(NSEventMask events, std::function<void(NSEvent*)> seen)
     : ours_([NSEvent addLocalMonitorForEventsMatchingMask:events
                                                   handler:^NSEvent*(NSEvent* event) {
-                                                      const auto called = seen; // outlives a monitor that it removes
+                                                      const auto called =
+                                                          seen; // a copy, because the call may destroy the monitor
                                                       called(event);
                                                       return event;
                                                   }]),

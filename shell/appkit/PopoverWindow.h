@@ -2,17 +2,18 @@
 
 #include "app/StoragePopoverViewController.h"
 
+#include <AppKit/AppKit.h>
 #include <memory>
 #include <optional>
 
-@class NSEvent, NSPopover, NSView, NSWindow, OmbrelPopoverViewController;
+@class OmbrelPopoverViewController;
 
 namespace vantry {
 
 class MouseMonitor;
 
-/// The storage popover. It closes by itself on a click outside, in another application as well, on Escape and on ⌘W.
-/// Shows `PopoverContent` and reports to its controller.
+/// The storage popover. It closes on a click outside, also in another application, on Escape and on ⌘W. Shows
+/// `PopoverContent` and reports to its controller.
 class PopoverWindow {
 public:
     PopoverWindow();
@@ -22,13 +23,13 @@ public:
 
     void setController(std::weak_ptr<StoragePopoverViewController> controller);
     void render(const PopoverContent& content);
-    /// Shows the popover below `button`, or where there is room, and gives it the keyboard. Where the system does not
-    /// show the button, beside the notch for instance, at the top of the pointer's screen.
+    /// Shows the popover below `button` and gives it the focus. If the system hides the button, beside the notch for
+    /// instance, it opens at the top of the pointer's screen.
     void openAt(NSView* button);
-    void close();
-    [[nodiscard]] bool isVisible() const;
-    /// Whether the press of which `release` is the end began on the button while the popover was shown. That press is
-    /// one that closes it, however long it lasts.
+    void close() { [popover_ performClose:nil]; }
+    [[nodiscard]] bool isVisible() const { return popover_.shown; }
+    /// Whether the click that ends with `release` began on the button while the popover was shown. Such a click closes
+    /// the popover, however long it lasts.
     [[nodiscard]] bool wasShownAtPress(NSEvent* release) const;
 
 private:
@@ -36,8 +37,8 @@ private:
     [[nodiscard]] NSView* placeAtPointer();
 
     std::unique_ptr<MouseMonitor> monitor_; ///< while the popover is shown
-    NSWindow* place_;                       ///< an invisible one that the popover points to; nil unless needed
-    std::optional<long> press_;             ///< the number of the last press on the button while the popover was shown
+    NSWindow* place_;           ///< an invisible window that the popover points to when the button is hidden
+    std::optional<long> press_; ///< the number of the last press on the button while the popover was shown
     OmbrelPopoverViewController* view_;
     NSPopover* popover_;
 };

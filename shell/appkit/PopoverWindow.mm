@@ -1,5 +1,7 @@
 #include "shell/appkit/PopoverWindow.h"
 
+#include "app/CallIfAlive.h"
+#include "app/Look.h"
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/BarView.h"
 #include "shell/appkit/KeyGuard.h"
@@ -7,27 +9,13 @@
 #include "shell/appkit/Stacks.h"
 
 #include <AppKit/AppKit.h>
+#include <functional>
 #include <utility>
+#include <vector>
 
 using namespace vantry;
 
 namespace {
-
-constexpr Font titleFont{15, FontWeight::semibold};
-constexpr Font bodyFont{12};
-constexpr Font figureFont{12, FontWeight::medium, true};
-constexpr Font detailFont{11};
-constexpr Font footnoteFont{10};
-
-constexpr CGFloat barViewHeight = 16;
-constexpr NSInteger detailLines = 3;
-constexpr NSInteger errorLines = 2;
-
-struct MetricRow {
-    OmbrelSwatchView* swatch;
-    NSTextField* title;
-    NSTextField* value;
-};
 
 void renderPopUp(NSPopUpButton* popUp, const PopUpContent& content) {
     NSMutableArray<NSString*>* titles = [NSMutableArray arrayWithCapacity:content.items.size()];
@@ -56,8 +44,7 @@ void renderButton(NSButton* button, const ButtonContent& content) {
 void renderLabel(NSTextField* label, const LabelContent& content) {
     label.stringValue = nsString(content.text);
     if (label.maximumNumberOfLines > 1)
-        label.toolTip = label.stringValue; // the end of which may not be shown
-    label.hidden = content.hidden;
+        label.toolTip = label.stringValue; // the label may cut it off
     label.textColor = nsColor(content.color);
 }
 
@@ -93,25 +80,10 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
 
 @implementation OmbrelPopoverViewController {
     std::weak_ptr<StoragePopoverViewController> _controller;
-
-    NSTextField* _titleLabel;
-    NSTextField* _summaryLabel;
-    OmbrelBarView* _barView;
-    MetricRow _used;
-    MetricRow _available;
+    NSStackView* _stack;
     NSTextField* _detailLabel;
     NSTextField* _errorLabel;
-    NSTextField* _updateLabel;
-    NSButton* _cleanupButton;
-    NSButton* _launchAtLoginButton;
-    NSButton* _showPercentageButton;
-    NSTextField* _barStyleLabel;
-    NSPopUpButton* _barStylePopUp;
-    NSTextField* _segmentSizingLabel;
-    NSPopUpButton* _segmentSizingPopUp;
-    NSButton* _refreshButton;
-    NSButton* _settingsButton;
-    NSButton* _quitButton;
+    std::vector<std::function<void(const PopoverContent&)>> _renderers; ///< one for each control
 }
 
 - (void)setController:(std::weak_ptr<StoragePopoverViewController>)controller {
@@ -119,107 +91,125 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
 }
 
 - (void)loadView {
-    const vantry::Size size = PopoverContent{}.size;
-    OmbrelPopoverView* view = [[OmbrelPopoverView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
-    view.popover = _popover;
-    self.view = view;
+    using Content = PopoverContent;
+    const vantry::Size size = Content{}.size;
+    OmbrelPopoverView* root = [[OmbrelPopoverView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
+    root.popover = _popover;
+    self.view = root;
 
-    _titleLabel = [self makeLabel:titleFont];
-    _summaryLabel = [self makeLabel:bodyFont];
-    _barView = [[OmbrelBarView alloc] initWithFrame:NSZeroRect];
-    [_barView.heightAnchor constraintEqualToConstant:barViewHeight].active = YES;
-    _used = [self makeMetricRow:SolidSwatchView::Kind::used];
-    _available = [self makeMetricRow:SolidSwatchView::Kind::available];
-    _detailLabel = [self makeLabel:detailFont lines:detailLines];
-    _errorLabel = [self makeLabel:detailFont lines:errorLines];
-    _updateLabel = [self makeLabel:footnoteFont];
-    _cleanupButton = [self makeButton:FontWeight::semibold action:@selector(cleanupPressed:)];
-    _launchAtLoginButton = [self makeCheckBox:@selector(loginItemChanged:)];
-    _showPercentageButton = [self makeCheckBox:@selector(percentageDisplayChanged:)];
-    _barStyleLabel = [self makeLabel:bodyFont];
-    _barStylePopUp = [self makePopUp:@selector(barStyleChanged:) title:_barStyleLabel];
-    _segmentSizingLabel = [self makeLabel:bodyFont];
-    _segmentSizingPopUp = [self makePopUp:@selector(segmentSizingChanged:) title:_segmentSizingLabel];
-    _refreshButton = [self makeButton:FontWeight::regular action:@selector(refreshPressed:)];
-    _settingsButton = [self makeButton:FontWeight::regular action:@selector(settingsPressed:)];
-    _quitButton = [self makeButton:FontWeight::regular action:@selector(quitPressed:)];
-
+    NSView* header = verticalStack(popoverHeaderGap, @[
+        [self makeLabel:&Content::titleLabel font:popoverTitleFont], [self makeLabel:&Content::summaryLabel
+                                                                                font:popoverBodyFont]
+    ]);
+    OmbrelBarView* bar = [[OmbrelBarView alloc] initWithFrame:NSZeroRect];
+    [bar.heightAnchor constraintEqualToConstant:popoverBarHeight].active = YES;
+    _renderers.emplace_back([bar](const Content& content) { [bar setView:content.barView]; });
+    NSView* metrics = verticalStack(popoverRowSpacing, @[
+        [self makeMetricRow:&Content::usedSwatchView
+                      title:&Content::usedTitleLabel
+                      value:&Content::usedValueLabel
+                    tooltip:&Content::usedTooltip],
+        [self makeMetricRow:&Content::availableSwatchView
+                      title:&Content::availableTitleLabel
+                      value:&Content::availableValueLabel
+                    tooltip:&Content::availableTooltip]
+    ]);
+    _detailLabel = [self makeWrappingLabel:&Content::detailLabel lines:popoverDetailLines];
+    _errorLabel = [self makeWrappingLabel:&Content::errorLabel lines:popoverErrorLines];
     NSBox* separator = [[NSBox alloc] initWithFrame:NSZeroRect];
     separator.boxType = NSBoxSeparator;
-    NSStackView* stack = verticalStack(10, @[
-        [self makeHeader], _barView, [self makeMetrics], _detailLabel, _errorLabel, _updateLabel, _cleanupButton,
-        separator, _launchAtLoginButton, _showPercentageButton,
-        [self makeChoiceRow:_barStyleLabel popUp:_barStylePopUp],
-        [self makeChoiceRow:_segmentSizingLabel popUp:_segmentSizingPopUp], [self makeCommands]
+    NSView* commands = horizontalStack(popoverRowSpacing, @[
+        [self makeCommand:&Content::refreshButton action:@selector(refreshPressed:)],
+        [self makeCommand:&Content::settingsButton action:@selector(settingsPressed:)], makeFlexibleSpace(),
+        [self makeCommand:&Content::quitButton action:@selector(quitPressed:)]
     ]);
-    NSView* root = self.view;
-    [root addSubview:stack];
+    _stack = verticalStack(popoverSpacing, @[
+        header, bar, metrics, _detailLabel, _errorLabel,
+        [self makeLabel:&Content::updateLabel font:popoverFootnoteFont],
+        [self makeButton:&Content::cleanupButton weight:FontWeight::semibold action:@selector(cleanupPressed:)],
+        separator, [self makeCheckBox:&Content::launchAtLoginButton action:@selector(loginItemChanged:)],
+        [self makeCheckBox:&Content::showPercentageButton action:@selector(percentageDisplayChanged:)],
+        [self makeChoiceRow:&Content::barStyleLabel popUp:&Content::barStylePopUp action:@selector(barStyleChanged:)],
+        [self makeChoiceRow:&Content::segmentSizingLabel
+                      popUp:&Content::segmentSizingPopUp
+                     action:@selector(segmentSizingChanged:)],
+        commands
+    ]);
+    [root addSubview:_stack];
     [NSLayoutConstraint activateConstraints:@[
-        [stack.leadingAnchor constraintEqualToAnchor:root.leadingAnchor constant:18],
-        [stack.trailingAnchor constraintEqualToAnchor:root.trailingAnchor constant:-18],
-        [stack.topAnchor constraintEqualToAnchor:root.topAnchor constant:16],
-        [stack.bottomAnchor constraintLessThanOrEqualToAnchor:root.bottomAnchor constant:-14],
+        [_stack.leadingAnchor constraintEqualToAnchor:root.leadingAnchor constant:popoverSideMargin],
+        [_stack.trailingAnchor constraintEqualToAnchor:root.trailingAnchor constant:-popoverSideMargin],
+        [_stack.topAnchor constraintEqualToAnchor:root.topAnchor constant:popoverTopMargin],
+        [_stack.bottomAnchor constraintLessThanOrEqualToAnchor:root.bottomAnchor constant:-popoverBottomMargin],
     ]];
 }
 
-- (NSTextField*)makeLabel:(const Font&)font {
-    return makeTextLabel(font);
+// Each control is made together with the field that it shows.
+
+- (NSTextField*)show:(LabelContent PopoverContent::*)field in:(NSTextField*)label {
+    _renderers.emplace_back([=](const PopoverContent& content) { renderLabel(label, content.*field); });
+    return label;
 }
 
-- (NSTextField*)makeLabel:(const Font&)font lines:(NSInteger)lines {
-    return makeWrappingLabel(font, lines);
+- (NSTextField*)makeLabel:(LabelContent PopoverContent::*)field font:(const Font&)font {
+    return [self show:field in:makeTextLabel(font)];
 }
 
-- (NSButton*)makeButton:(FontWeight)weight action:(SEL)action {
+- (NSTextField*)makeWrappingLabel:(LabelContent PopoverContent::*)field lines:(NSInteger)lines {
+    return [self show:field in:makeWrappingLabel(popoverDetailFont, SystemColor::label, lines)];
+}
+
+- (NSButton*)makeButton:(ButtonContent PopoverContent::*)field weight:(FontWeight)weight action:(SEL)action {
     NSButton* button = [NSButton buttonWithTitle:@"" target:self action:action];
-    button.font = nsFont(Font{12, weight});
+    button.font = nsFont(Font{popoverBodyFont.size, weight});
+    _renderers.emplace_back([=](const PopoverContent& content) { renderButton(button, content.*field); });
     return button;
 }
 
-- (NSButton*)makeCheckBox:(SEL)action {
+- (NSButton*)makeCommand:(ButtonContent PopoverContent::*)field action:(SEL)action {
+    NSButton* button = [self makeButton:field weight:FontWeight::regular action:action];
+    setHorizontalHugging(button, NSLayoutPriorityDefaultHigh);
+    return button;
+}
+
+- (NSButton*)makeCheckBox:(CheckBoxContent PopoverContent::*)field action:(SEL)action {
     NSButton* box = [NSButton checkboxWithTitle:@"" target:self action:action];
-    box.font = nsFont(bodyFont);
+    box.font = nsFont(popoverBodyFont);
     box.allowsMixedState = NO;
+    _renderers.emplace_back([=](const PopoverContent& content) { renderCheckBox(box, content.*field); });
     return box;
 }
 
-- (NSPopUpButton*)makePopUp:(SEL)action title:(NSTextField*)title {
+- (NSView*)makeMetricRow:(SolidSwatchView PopoverContent::*)swatch
+                   title:(LabelContent PopoverContent::*)title
+                   value:(LabelContent PopoverContent::*)value
+                 tooltip:(std::string PopoverContent::*)tooltip {
+    OmbrelSwatchView* swatchView = [[OmbrelSwatchView alloc] initWithKind:(PopoverContent{}.*swatch).kind];
+    NSTextField* titleLabel = [self makeLabel:title font:popoverBodyFont];
+    NSTextField* valueLabel = [self makeLabel:value font:popoverFigureFont];
+    setHorizontalHugging(titleLabel, NSLayoutPriorityDefaultLow); // takes the free width
+    setHorizontalHugging(valueLabel, NSLayoutPriorityDefaultHigh);
+    _renderers.emplace_back([=](const PopoverContent& content) {
+        [swatchView setView:content.*swatch];
+        for (NSTextField* label : {titleLabel, valueLabel})
+            label.toolTip = (content.*tooltip).empty() ? nil : nsString(content.*tooltip);
+    });
+    return horizontalStack(popoverRowSpacing, @[ swatchView, titleLabel, valueLabel ]);
+}
+
+- (NSView*)makeChoiceRow:(LabelContent PopoverContent::*)title
+                   popUp:(PopUpContent PopoverContent::*)field
+                  action:(SEL)action {
+    NSTextField* titleLabel = [self makeLabel:title font:popoverBodyFont];
     NSPopUpButton* popUp = [[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO];
-    popUp.font = nsFont(bodyFont);
+    popUp.font = nsFont(popoverBodyFont);
     popUp.target = self;
     popUp.action = action;
-    popUp.accessibilityTitleUIElement = title;
-    return popUp;
-}
-
-- (NSView*)makeHeader {
-    return verticalStack(2, @[ _titleLabel, _summaryLabel ]);
-}
-
-- (MetricRow)makeMetricRow:(SolidSwatchView::Kind)kind {
-    return {[[OmbrelSwatchView alloc] initWithKind:kind], [self makeLabel:bodyFont], [self makeLabel:figureFont]};
-}
-
-- (NSView*)makeMetrics {
-    NSMutableArray<NSView*>* rows = [NSMutableArray arrayWithCapacity:2];
-    for (const MetricRow& row : {_used, _available}) {
-        setHorizontalHugging(row.title, NSLayoutPriorityDefaultLow); // it takes the free width
-        setHorizontalHugging(row.value, NSLayoutPriorityDefaultHigh);
-        [rows addObject:horizontalStack(8, @[ row.swatch, row.title, row.value ])];
-    }
-    return verticalStack(8, rows);
-}
-
-- (NSView*)makeChoiceRow:(NSTextField*)title popUp:(NSPopUpButton*)popUp {
-    setHorizontalHugging(title, NSLayoutPriorityDefaultHigh);
+    popUp.accessibilityTitleUIElement = titleLabel;
+    setHorizontalHugging(titleLabel, NSLayoutPriorityDefaultHigh);
     setHorizontalHugging(popUp, NSLayoutPriorityDefaultHigh);
-    return horizontalStack(8, @[ title, popUp, makeFlexibleSpace() ]);
-}
-
-- (NSView*)makeCommands {
-    for (NSButton* button in @[ _refreshButton, _settingsButton, _quitButton ])
-        setHorizontalHugging(button, NSLayoutPriorityDefaultHigh);
-    return horizontalStack(8, @[ _refreshButton, _settingsButton, makeFlexibleSpace(), _quitButton ]);
+    _renderers.emplace_back([=](const PopoverContent& content) { renderPopUp(popUp, content.*field); });
+    return horizontalStack(popoverRowSpacing, @[ titleLabel, popUp, makeFlexibleSpace() ]);
 }
 
 - (void)popoverDidClose:(NSNotification*)notification {
@@ -237,69 +227,43 @@ std::optional<std::size_t> selectedIndex(NSPopUpButton* popUp) {
 }
 
 - (void)refreshPressed:(id)sender {
-    if (const auto controller = _controller.lock())
-        controller->refreshPressed();
+    callIfAlive(_controller, &StoragePopoverViewController::refreshPressed);
 }
 
 - (void)settingsPressed:(id)sender {
-    if (const auto controller = _controller.lock())
-        controller->settingsPressed();
+    callIfAlive(_controller, &StoragePopoverViewController::settingsPressed);
 }
 
 - (void)cleanupPressed:(id)sender {
-    if (const auto controller = _controller.lock())
-        controller->cleanupPressed();
+    callIfAlive(_controller, &StoragePopoverViewController::cleanupPressed);
 }
 
 - (void)quitPressed:(id)sender {
-    if (const auto controller = _controller.lock())
-        controller->quitPressed();
+    callIfAlive(_controller, &StoragePopoverViewController::quitPressed);
 }
 
 - (void)loginItemChanged:(NSButton*)sender {
-    if (const auto controller = _controller.lock())
-        controller->loginItemChanged(sender.state == NSControlStateValueOn);
+    callIfAlive(_controller, &StoragePopoverViewController::loginItemChanged, sender.state == NSControlStateValueOn);
 }
 
 - (void)percentageDisplayChanged:(NSButton*)sender {
-    if (const auto controller = _controller.lock())
-        controller->percentageDisplayChanged(sender.state == NSControlStateValueOn);
+    callIfAlive(_controller, &StoragePopoverViewController::percentageDisplayChanged,
+                sender.state == NSControlStateValueOn);
 }
 
 - (void)barStyleChanged:(NSPopUpButton*)sender {
-    if (const auto controller = _controller.lock())
-        controller->barStyleChanged(selectedIndex(sender));
+    callIfAlive(_controller, &StoragePopoverViewController::barStyleChanged, selectedIndex(sender));
 }
 
 - (void)segmentSizingChanged:(NSPopUpButton*)sender {
-    if (const auto controller = _controller.lock())
-        controller->segmentSizingChanged(selectedIndex(sender));
+    callIfAlive(_controller, &StoragePopoverViewController::segmentSizingChanged, selectedIndex(sender));
 }
 
 - (void)render:(const PopoverContent&)content {
-    [[maybe_unused]] NSView* loaded = self.view; // which makes the controls
-    renderLabel(_titleLabel, content.titleLabel);
-    renderLabel(_summaryLabel, content.summaryLabel);
-    [_barView setView:content.barView];
-    [_used.swatch setView:content.usedSwatchView];
-    renderLabel(_used.title, content.usedTitleLabel);
-    renderLabel(_used.value, content.usedValueLabel);
-    [_available.swatch setView:content.availableSwatchView];
-    renderLabel(_available.title, content.availableTitleLabel);
-    renderLabel(_available.value, content.availableValueLabel);
-    renderLabel(_detailLabel, content.detailLabel);
-    renderLabel(_errorLabel, content.errorLabel);
-    renderLabel(_updateLabel, content.updateLabel);
-    renderButton(_cleanupButton, content.cleanupButton);
-    renderCheckBox(_launchAtLoginButton, content.launchAtLoginButton);
-    renderCheckBox(_showPercentageButton, content.showPercentageButton);
-    renderLabel(_barStyleLabel, content.barStyleLabel);
-    renderPopUp(_barStylePopUp, content.barStylePopUp);
-    renderLabel(_segmentSizingLabel, content.segmentSizingLabel);
-    renderPopUp(_segmentSizingPopUp, content.segmentSizingPopUp);
-    renderButton(_refreshButton, content.refreshButton);
-    renderButton(_settingsButton, content.settingsButton);
-    renderButton(_quitButton, content.quitButton);
+    [[maybe_unused]] NSView* loaded = self.view; // creates the controls
+    for (const auto& renderer : _renderers)
+        renderer(content);
+    setFullWidth(_stack, _errorLabel, _detailLabel, !content.errorLabel.hidden);
 }
 
 @end
@@ -309,11 +273,13 @@ namespace vantry {
 PopoverWindow::PopoverWindow() : view_([[OmbrelPopoverViewController alloc] init]), popover_([[NSPopover alloc] init]) {
     popover_.behavior = NSPopoverBehaviorTransient;
     popover_.animates = YES;
+    view_.popover = popover_; // set first, because the next line may load the view
     popover_.contentViewController = view_;
     popover_.contentSize = nsSize(PopoverContent{}.size);
     popover_.delegate = view_;
-    view_.popover = popover_;
     view_.closed = ^{
+        if (popover_.shown) // reopened while it was fading out
+            return;
         monitor_.reset();
         [place_ orderOut:nil];
         place_ = nil;
@@ -339,7 +305,9 @@ void PopoverWindow::render(const PopoverContent& content) {
 }
 
 void PopoverWindow::openAt(NSView* button) {
-    NSView* place = button.window ? button : placeAtPointer(); // without a window, showing it there would raise
+    // Showing a popover on a view without a window throws. A button that was pushed out of the menu bar is on no
+    // screen.
+    NSView* place = button.window.screen ? button : placeAtPointer();
     monitor_ =
         std::make_unique<MouseMonitor>(NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown,
                                        [this, button](NSEvent* event) { mousePressed(event, button); });
@@ -350,10 +318,11 @@ void PopoverWindow::openAt(NSView* button) {
     [view_.view.window makeKeyWindow];
 }
 
-// A transient popover does not close for other items of the menu bar. This one's button does what the press says.
+// A transient popover stays open on clicks on other menu bar items. Clicks on our own button are handled when they are
+// released.
 void PopoverWindow::mousePressed(NSEvent* event, NSView* button) {
     if (pointerIsOver(button)) {
-        if (event.type == NSEventTypeLeftMouseDown)
+        if (event.type == NSEventTypeLeftMouseDown && isVisible()) // not fading out
             press_ = event.eventNumber;
     } else if (!event.window) {
         close();
@@ -372,6 +341,7 @@ NSView* PopoverWindow::placeAtPointer() {
         if (NSPointInRect(pointer, candidate.frame))
             screen = candidate;
     const NSRect room = screen.visibleFrame;
+    [place_ orderOut:nil];
     place_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(pointer.x, NSMaxY(room) - 1, 1, 1)
                                          styleMask:NSWindowStyleMaskBorderless
                                            backing:NSBackingStoreBuffered
@@ -384,9 +354,5 @@ NSView* PopoverWindow::placeAtPointer() {
     [place_ orderFrontRegardless];
     return place_.contentView;
 }
-
-void PopoverWindow::close() { [popover_ performClose:nil]; }
-
-bool PopoverWindow::isVisible() const { return popover_.shown; }
 
 } // namespace vantry

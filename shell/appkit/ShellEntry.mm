@@ -2,10 +2,7 @@
 #include "app/AppDelegate.h"
 #include "app/ProcessEvents.h"
 #include "app/TerminationSignals.h"
-#include "platform/apple/AppleMainQueue.h"
-#include "platform/apple/PreferencesStore.h"
-#include "platform/apple/WindowList.h"
-#include "platform/apple/Workspace.h"
+#include "platform/apple/Services.h"
 #include "shell/appkit/AppKitShell.h"
 
 #include <AppKit/AppKit.h>
@@ -18,7 +15,7 @@ namespace vantry {
 
 namespace {
 
-// AppKit ends the process when it reaches no window server, so that is found out first.
+// Checked first, because AppKit ends the process when it reaches no window server.
 bool windowServerAnswers() {
     CFDictionaryRef session = CGSessionCopyCurrentDictionary();
     if (!session)
@@ -69,8 +66,8 @@ struct Interface {
     _interface.delegate->applicationDidFinishLaunching();
 }
 
-// Opening the application once more does not start a second one. So does the login agent when the session has restored
-// it already, which is no user who wants to see something.
+// Opening the application again calls this instead of starting a second instance. The login agent does that too when
+// the session has restored Ombrel, and then nobody asked for the popover.
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows {
     constexpr NSTimeInterval timeToLogIn = 10;
     if (NSProcessInfo.processInfo.systemUptime - _launchTime >= timeToLogIn)
@@ -82,13 +79,13 @@ struct Interface {
     return YES;
 }
 
-// Before anything is taken apart: a move in progress stops after the file in hand and writes its record.
+// Called before anything is destroyed, so that a move in progress stops after the current file and writes its record.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
     _interface.delegate->applicationWillTerminate();
     return NSTerminateNow;
 }
 
-// The event loop does not return: the process ends after this.
+// `run` does not return; the process ends after this.
 - (void)applicationWillTerminate:(NSNotification*)notification {
     _interface.delegate->applicationWillTerminate();
     _interface.events.reset();
@@ -109,7 +106,7 @@ int runShell(ShellLaunch launch) {
             return noDisplayStatus;
         }
         NSApplication* application = [NSApplication sharedApplication];
-        // The application holds its delegate weakly, and a local goes after its last use.
+        // The application holds its delegate weakly, and ARC may release a local after its last use.
         NS_VALID_UNTIL_END_OF_SCOPE OmbrelApplicationDelegate* delegate =
             [[OmbrelApplicationDelegate alloc] initWithLaunch:std::move(launch)];
         application.delegate = delegate;

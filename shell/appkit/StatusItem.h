@@ -16,14 +16,14 @@ class MouseMonitor;
 /// The item in the menu bar: a button that hosts the bar.
 class StatusItem {
 public:
-    /// `pressed` is told which button was released, if that is known.
+    /// `pressed` gets the released mouse button, if it is known.
     explicit StatusItem(std::function<void(std::optional<MouseEvent>)> pressed);
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
     ~StatusItem();
 
     void setContent(const StatusItemContent& content);
-    /// Where the popover and the menu belong; nil when the system gave the item no button.
+    /// The anchor of the popover and the menu; nil when the system gave the item no button.
     [[nodiscard]] NSView* button() const;
 
 private:

@@ -3,6 +3,7 @@
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/BarView.h"
 #include "shell/appkit/MouseMonitor.h"
+#include "shell/appkit/Stacks.h"
 
 #include <AppKit/AppKit.h>
 #include <dispatch/dispatch.h>
@@ -12,7 +13,7 @@ using namespace vantry;
 
 namespace {
 
-// A click with the control key held arrives as a left one.
+// A control-click arrives as a left click.
 std::optional<MouseEvent> currentMouseEvent() {
     NSEvent* event = [NSApplication sharedApplication].currentEvent;
     if (!event)
@@ -26,13 +27,13 @@ std::optional<MouseEvent> currentMouseEvent() {
 - (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed;
 - (void)statusItemPressed:(id)sender;
 - (void)rightClickSeen;
-/// Nobody is told any more, also of what is on its way.
+/// Drops all later presses, including those already posted.
 - (void)detach;
 @end
 
 @implementation OmbrelStatusItemTarget {
     std::function<void(std::optional<MouseEvent>)> _pressed;
-    unsigned _rightClicks; ///< that reached the button's action
+    unsigned _rightClicks; ///< right clicks that reached the action
 }
 
 - (instancetype)initWithHandler:(std::function<void(std::optional<MouseEvent>)>)pressed {
@@ -48,7 +49,7 @@ std::optional<MouseEvent> currentMouseEvent() {
 }
 
 - (void)tell:(std::optional<MouseEvent>)event {
-    const auto pressed = _pressed; // outlives a status item that it removes
+    const auto pressed = _pressed; // a copy, because the call may destroy the status item
     pressed(event);
 }
 
@@ -56,13 +57,15 @@ std::optional<MouseEvent> currentMouseEvent() {
     _pressed = [](std::optional<MouseEvent>) {};
 }
 
-// Some versions of the system keep right clicks from the action. Whether this one does shows in the next turn.
+// Some versions of macOS do not send right clicks to the action. If the action has not come by the next turn, report
+// the click here.
 - (void)rightClickSeen {
     const unsigned before = _rightClicks;
-    dispatch_async(dispatch_get_main_queue(), ^{
+    // Not by the main queue, which is blocked while the menu is open.
+    [NSRunLoop.mainRunLoop performBlock:^{
         if (self->_rightClicks == before)
             [self tell:MouseEvent::rightMouseUp];
-    });
+    }];
 }
 
 @end
@@ -82,12 +85,7 @@ StatusItem::StatusItem(std::function<void(std::optional<MouseEvent>)> pressed)
     button.action = @selector(statusItemPressed:);
     [button sendActionOn:NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp];
     [button addSubview:barView_];
-    [NSLayoutConstraint activateConstraints:@[
-        [barView_.leadingAnchor constraintEqualToAnchor:button.leadingAnchor],
-        [barView_.trailingAnchor constraintEqualToAnchor:button.trailingAnchor],
-        [barView_.topAnchor constraintEqualToAnchor:button.topAnchor],
-        [barView_.bottomAnchor constraintEqualToAnchor:button.bottomAnchor],
-    ]];
+    pinEdges(barView_, button, 0, 0);
     rightClicks_ = std::make_unique<MouseMonitor>(NSEventMaskRightMouseUp, [target = target_, button](NSEvent*) {
         if (pointerIsOver(button))
             [target rightClickSeen];

@@ -7,12 +7,14 @@
 
 namespace vantry {
 
-// Symbols are named as in SF Symbols. A picture is of one colour. Main thread.
+// Symbols have the names of SF Symbols. A picture has one colour. Main thread.
 
-/// Nil for a name that this system does not know.
+/// A circle for a name that this system does not know.
 [[nodiscard]] NSImage* symbolPicture(std::string_view name, CGFloat pointSize);
-/// A view in a column of symbols, empty until it is given one; screen readers pass over it.
+/// An empty view for a symbol. Screen readers skip it.
 [[nodiscard]] NSImageView* makeSymbolView(CGFloat side);
+/// An empty view of a square picture. Screen readers skip it.
+[[nodiscard]] NSImageView* makePictureView(CGFloat side, NSImageScaling scaling);
 void showSymbol(NSImageView* view, std::string_view name, CGFloat pointSize, SystemColor color);
 
 } // namespace vantry

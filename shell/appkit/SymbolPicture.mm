@@ -6,17 +6,17 @@ namespace vantry {
 
 NSImage* symbolPicture(std::string_view name, CGFloat pointSize) {
     NSImage* symbol = [NSImage imageWithSystemSymbolName:nsString(name) accessibilityDescription:nil];
-    if (!symbol) // each version of the system has more of them
+    if (!symbol) // each version of macOS adds symbols
         symbol = [NSImage imageWithSystemSymbolName:@"circle" accessibilityDescription:nil];
     return [symbol
         imageWithSymbolConfiguration:[NSImageSymbolConfiguration configurationWithPointSize:pointSize
                                                                                      weight:NSFontWeightRegular]];
 }
 
-NSImageView* makeSymbolView(CGFloat side) {
+NSImageView* makePictureView(CGFloat side, NSImageScaling scaling) {
     NSImageView* view = [[NSImageView alloc] initWithFrame:NSZeroRect];
     view.translatesAutoresizingMaskIntoConstraints = NO;
-    view.imageScaling = NSImageScaleNone;
+    view.imageScaling = scaling;
     view.accessibilityElement = NO;
     [NSLayoutConstraint activateConstraints:@[
         [view.widthAnchor constraintEqualToConstant:side],
@@ -24,6 +24,8 @@ NSImageView* makeSymbolView(CGFloat side) {
     ]];
     return view;
 }
+
+NSImageView* makeSymbolView(CGFloat side) { return makePictureView(side, NSImageScaleNone); }
 
 void showSymbol(NSImageView* view, std::string_view name, CGFloat pointSize, SystemColor color) {
     view.image = symbolPicture(name, pointSize);

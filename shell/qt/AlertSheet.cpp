@@ -30,14 +30,13 @@ constexpr int distanceFromTop = 96; // of the window's content
 constexpr int leastButtonWidth = 96;
 
 QLabel* textLabel(const QString& text, const Font& font, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    label->setFont(qFont(font, *label));
-    label->setTextFormat(Qt::PlainText);
+    auto* label = plainLabel(font, parent);
+    label->setText(text);
     label->setWordWrap(true);
     return label;
 }
 
-// Where names are elided, the tooltip has all of it, and a screen reader as well.
+// If names are elided, the tooltip and the accessible description have the whole text.
 QLabel* informationLabel(const AlertContent& alert, QWidget* parent) {
     auto* label = textLabel(QString(), cleanupBodyFont, parent);
     const QString whole = qString(alert.informativeText);
@@ -49,16 +48,15 @@ QLabel* informationLabel(const AlertContent& alert, QWidget* parent) {
         label->setAccessibleDescription(whole);
         label->setToolTip(wrappedToolTip(whole));
     }
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse); // which leaves the keyboard to the buttons
+    label->setTextInteractionFlags(
+        Qt::TextSelectableByMouse); // not by keyboard, so that the focus stays on the buttons
     return label;
 }
 
 } // namespace
 
-AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert,
-                       std::function<void(AlertAnswer)> answered, QWidget* window)
+AlertSheet::AlertSheet(const AlertContent& alert, std::function<void(AlertAnswer)> answered, QWidget* window)
     : QDialog(window, Qt::Dialog | Qt::FramelessWindowHint),
-      appearance_(appearance),
       answered_(std::move(answered)) {
     setWindowModality(Qt::WindowModal);
     setWindowTitle(qString(alert.message));
@@ -68,7 +66,7 @@ AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert
     auto* sheet = new QHBoxLayout(this);
     sheet->setContentsMargins(sidePadding, 22, sidePadding, 20);
     sheet->setSpacing(symbolGap);
-    auto* symbol = new SymbolWidget(appearance, symbolSide, SystemColor::orange, this);
+    auto* symbol = new SymbolWidget(symbolSide, SystemColor::orange, this);
     symbol->setSymbol("exclamationmark.triangle.fill");
     sheet->addWidget(symbol, 0, Qt::AlignTop);
     auto* texts = new QVBoxLayout;
@@ -93,7 +91,7 @@ AlertSheet::AlertSheet(const QtAppearance& appearance, const AlertContent& alert
             answer(meant);
             done(meant == AlertAnswer::first ? Accepted : Rejected);
         });
-        row->insertWidget(1, button); // the first one at the right
+        row->insertWidget(1, button); // the first button is the rightmost
         if (index == 0)
             first = button;
         else
@@ -115,7 +113,7 @@ void AlertSheet::answer(AlertAnswer answer) {
             Qt::QueuedConnection);
 }
 
-// Escape and closing come here as well.
+// Escape and closing the sheet also end here.
 void AlertSheet::done(int result) {
     answer(AlertAnswer::last);
     QDialog::done(result);
@@ -133,7 +131,7 @@ void AlertSheet::place() {
 void AlertSheet::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
-    drawWindowEdge(painter, rect(), appearance_.current());
+    drawWindowEdge(painter, rect(), appearanceOf(*this));
 }
 
 } // namespace vantry

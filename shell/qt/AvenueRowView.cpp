@@ -12,16 +12,13 @@ namespace vantry {
 
 namespace {
 
-constexpr int lineGap = 2;
-constexpr int columnGap = 20;
-constexpr int statusWidth = 168;
-constexpr int lowestRow = 54;
-
 int statusLeft(int width, const CleanupRowType& type) {
-    return width - cleanupCardPadding - type.buttonWidth - columnGap - statusWidth;
+    return width - cleanupCardPadding - type.buttonWidth - cleanupColumnGap - cleanupStatusWidth;
 }
 
-int textWidth(int width, const CleanupRowType& type) { return statusLeft(width, type) - columnGap - cleanupTextInset; }
+int textWidth(int width, const CleanupRowType& type) {
+    return statusLeft(width, type) - cleanupColumnGap - cleanupTextInset;
+}
 
 struct Heights {
     int title, detail, status, usage;
@@ -29,22 +26,18 @@ struct Heights {
     Heights(const AvenueRowContent& content, int width, const CleanupRowType& type)
         : title(wrappedHeight(type.titleMetrics, qString(content.title), textWidth(width, type))),
           detail(wrappedHeight(type.detailMetrics, qString(content.detail), textWidth(width, type))),
-          status(wrappedHeight(type.strongMetrics, qString(content.status), statusWidth)),
-          usage(wrappedHeight(type.detailMetrics, qString(content.usage), statusWidth)) {}
+          status(wrappedHeight(type.strongMetrics, qString(content.status), cleanupStatusWidth)),
+          usage(wrappedHeight(type.detailMetrics, qString(content.usage), cleanupStatusWidth)) {}
 
-    [[nodiscard]] int ofText() const { return title + lineGap + detail; }
-    [[nodiscard]] int ofStatus() const { return status + lineGap + usage; }
+    [[nodiscard]] int ofText() const { return title + cleanupRowLineGap + detail; }
+    [[nodiscard]] int ofStatus() const { return status + cleanupRowLineGap + usage; }
 };
 
 } // namespace
 
-AvenueRowView::AvenueRowView(const QtAppearance& appearance, const CleanupRowType& type,
-                             const CleanupRowActions& actions, QWidget* parent)
-    : CleanupRowView(appearance, type, actions, parent) {}
-
 int AvenueRowView::heightFor(const Content& content, int width, const CleanupRowType& type) {
     const Heights heights(content, width, type);
-    return std::max(lowestRow, std::max(heights.ofText(), heights.ofStatus()) + 2 * cleanupRowPadding);
+    return std::max(cleanupMinimumRow, std::max(heights.ofText(), heights.ofStatus()) + 2 * cleanupRowPadding);
 }
 
 void AvenueRowView::setContent(const Content& content) {
@@ -70,7 +63,7 @@ void AvenueRowView::setContent(const Content& content) {
         button_->setText(qString(content.button->title));
         button_->setToolTip(plainToolTip(qString(content.button->tooltip)));
         button_->setEnabled(content.button->enabled);
-        // Several avenues open the same thing: which one it is about tells them apart.
+        // Several avenues open the same place, so the description names the avenue.
         const QString tooltip = qString(content.button->tooltip);
         button_->setAccessibleDescription(tooltip.isEmpty()
                                               ? qString(content.title)
@@ -110,13 +103,14 @@ void AvenueRowView::paintEvent(QPaintEvent* /*event*/) {
     int y = (height() - heights.ofText()) / 2;
     draw(fonts.title, roleColor(SystemColor::label, appearance()), cleanupTextInset, y, space, heights.title,
          content_.title);
-    draw(fonts.detail, secondary, cleanupTextInset, y + heights.title + lineGap, space, heights.detail,
+    draw(fonts.detail, secondary, cleanupTextInset, y + heights.title + cleanupRowLineGap, space, heights.detail,
          content_.detail);
     const int left = statusLeft(width(), fonts);
     y = (height() - heights.ofStatus()) / 2;
-    draw(fonts.strong, readableColor(content_.statusColor, appearance()), left, y, statusWidth, heights.status,
+    draw(fonts.strong, readableColor(content_.statusColor, appearance()), left, y, cleanupStatusWidth, heights.status,
          content_.status);
-    draw(fonts.detail, secondary, left, y + heights.status + lineGap, statusWidth, heights.usage, content_.usage);
+    draw(fonts.detail, secondary, left, y + heights.status + cleanupRowLineGap, cleanupStatusWidth, heights.usage,
+         content_.usage);
 }
 
 } // namespace vantry

@@ -3,6 +3,7 @@
 #include "shell/qt/QtConversions.h"
 
 #include <QAccessible>
+#include <QAccessibleWidget>
 
 namespace vantry {
 

@@ -12,20 +12,12 @@ namespace vantry {
 
 namespace {
 
-constexpr int lineGap = 2;
 constexpr int noteGap = 3;
-constexpr int amountWidth = 124;
-constexpr int columnGap = 16;
-constexpr int revealSide = 28;
-constexpr int revealInset = 12;
-constexpr int badgePadding = 8;
-constexpr int badgeGap = 5;
-constexpr int lowestRow = 54;
 
-int amountRight(int width) { return width - revealInset - revealSide - 8; }
-int textWidth(int width) { return amountRight(width) - amountWidth - columnGap - cleanupTextInset; }
+int amountRight(int width) { return width - cleanupRevealInset - cleanupRevealSide - cleanupRevealGap; }
+int textWidth(int width) { return amountRight(width) - cleanupAmountWidth - cleanupAmountGap - cleanupTextInset; }
 
-// What a screen reader says after the title.
+// What screen readers say after the title.
 QString descriptionOf(const CandidateRowContent& content) {
     QStringList parts{qString(content.reason), qString(content.note), qString(content.sizeText),
                       qString(content.sizeDetail), qString(content.badge)};
@@ -35,22 +27,20 @@ QString descriptionOf(const CandidateRowContent& content) {
 
 } // namespace
 
-CandidateRowView::CandidateRowView(const QtAppearance& appearance, const CleanupRowType& type,
-                                   const CleanupRowActions& actions, QWidget* parent)
-    : CleanupRowView(appearance, type, actions, parent),
-      revealButton_(new SymbolButton(appearance, "magnifyingglass", this)) {
-    revealButton_->setToolTip(QString::fromUtf8(revealTooltip));
+CandidateRowView::CandidateRowView(const CleanupRowType& type, const CleanupRowActions& actions, QWidget* parent)
+    : CleanupRowView(type, actions, parent),
+      revealButton_(new SymbolButton("magnifyingglass", this)) {
     connect(revealButton_, &QAbstractButton::clicked, this,
             [this] { this->actions().revealed(std::string(content_.identifier)); });
 }
 
 int CandidateRowView::heightFor(const Content& content, int width, const CleanupRowType& type) {
     const int space = textWidth(width);
-    int height =
-        type.titleMetrics.height() + lineGap + wrappedHeight(type.detailMetrics, qString(content.reason), space);
+    int height = type.titleMetrics.height() + cleanupRowLineGap +
+                 wrappedHeight(type.detailMetrics, qString(content.reason), space);
     if (!content.note.empty())
         height += noteGap + wrappedHeight(type.detailMetrics, qString(content.note), space);
-    return std::max(lowestRow, height + 2 * cleanupRowPadding);
+    return std::max(cleanupMinimumRow, height + 2 * cleanupRowPadding);
 }
 
 void CandidateRowView::setContent(const Content& content) {
@@ -62,7 +52,7 @@ void CandidateRowView::setContent(const Content& content) {
     setToolTip(plainToolTip(qString(content.tooltip)));
     if (content.symbolName.empty() && !checkBox_) {
         checkBox_ = new RowCheckBox(this);
-        checkBox_->lower(); // screen readers meet it first, as eyes do
+        checkBox_->lower(); // screen readers follow the stacking order, and it comes first
         setTabOrder(checkBox_, revealButton_);
         checkBox_->setGeometry(4, 0, cleanupTextInset - 8, height());
         checkBox_->setEnabled(selectionEnabled_);
@@ -81,6 +71,7 @@ void CandidateRowView::setContent(const Content& content) {
     }
     revealButton_->setObjectName(identifier);
     revealButton_->setAccessibleName(qString(content.revealAccessibilityLabel));
+    revealButton_->setToolTip(qString(content.revealTooltip));
     update();
 }
 
@@ -90,7 +81,7 @@ void CandidateRowView::setSelectionEnabled(bool enabled) {
         checkBox_->setEnabled(enabled);
 }
 
-// The answer to the report is a new content, in which the box may be as it was.
+// The answer is a new content, in which the box may be unchanged, so the box shows the content again.
 void CandidateRowView::toggled(bool isOn) {
     actions().selectionChanged(std::string(content_.identifier), isOn);
     if (checkBox_) {
@@ -106,7 +97,8 @@ std::vector<QWidget*> CandidateRowView::controls() const {
 void CandidateRowView::resizeEvent(QResizeEvent* event) {
     if (checkBox_)
         checkBox_->setGeometry(4, 0, cleanupTextInset - 8, height());
-    revealButton_->setGeometry(width() - revealInset - revealSide, (height() - revealSide) / 2, revealSide, revealSide);
+    revealButton_->setGeometry(width() - cleanupRevealInset - cleanupRevealSide, (height() - cleanupRevealSide) / 2,
+                               cleanupRevealSide, cleanupRevealSide);
     QWidget::resizeEvent(event);
 }
 
@@ -123,13 +115,13 @@ void CandidateRowView::paintEvent(QPaintEvent* /*event*/) {
     const int reasonHeight = wrappedHeight(fonts.detailMetrics, reason, space);
     const int noteHeight = wrappedHeight(fonts.detailMetrics, note, space);
     const int textHeight =
-        fonts.titleMetrics.height() + lineGap + reasonHeight + (note.isEmpty() ? 0 : noteGap + noteHeight);
+        fonts.titleMetrics.height() + cleanupRowLineGap + reasonHeight + (note.isEmpty() ? 0 : noteGap + noteHeight);
     int y = (height() - textHeight) / 2;
     painter.setFont(fonts.title);
     painter.setPen(roleColor(SystemColor::label, appearance()));
     painter.drawText(QRect(cleanupTextInset, y, space, fonts.titleMetrics.height()), Qt::AlignVCenter,
                      fonts.titleMetrics.elidedText(qString(content_.title), Qt::ElideMiddle, space));
-    y += fonts.titleMetrics.height() + lineGap;
+    y += fonts.titleMetrics.height() + cleanupRowLineGap;
     painter.setFont(fonts.detail);
     painter.setPen(roleColor(SystemColor::secondaryLabel, appearance()));
     painter.drawText(QRect(cleanupTextInset, y, space, reasonHeight), Qt::TextWordWrap, reason);
@@ -139,16 +131,16 @@ void CandidateRowView::paintEvent(QPaintEvent* /*event*/) {
 
     const int badgeHeight = fonts.badgeMetrics.height() + 4;
     const int amountHeight = fonts.strongMetrics.height();
-    const int top = (height() - amountHeight - badgeGap - badgeHeight) / 2;
+    const int top = (height() - amountHeight - cleanupBadgeGap - badgeHeight) / 2;
     painter.setFont(fonts.strong);
     painter.setPen(roleColor(SystemColor::label, appearance()));
     const int right = amountRight(width());
-    drawFigures(painter, QRectF(right - amountWidth, top, amountWidth, amountHeight), Qt::AlignRight,
+    drawFigures(painter, QRectF(right - cleanupAmountWidth, top, cleanupAmountWidth, amountHeight), Qt::AlignRight,
                 qString(content_.sizeText));
-    const QString badge =
-        fonts.badgeMetrics.elidedText(qString(content_.badge), Qt::ElideRight, amountWidth - 2 * badgePadding);
-    const int badgeWidth = fonts.badgeMetrics.horizontalAdvance(badge) + 2 * badgePadding;
-    const QRectF capsule(right - badgeWidth, top + amountHeight + badgeGap, badgeWidth, badgeHeight);
+    const QString badge = fonts.badgeMetrics.elidedText(qString(content_.badge), Qt::ElideRight,
+                                                        cleanupAmountWidth - 2 * cleanupBadgePadding);
+    const int badgeWidth = fonts.badgeMetrics.horizontalAdvance(badge) + 2 * cleanupBadgePadding;
+    const QRectF capsule(right - badgeWidth, top + amountHeight + cleanupBadgeGap, badgeWidth, badgeHeight);
     QColor fill = roleColor(content_.badgeColor, appearance());
     fill.setAlphaF(appearance() == Appearance::dark ? 0.2F : 0.13F);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -156,7 +148,7 @@ void CandidateRowView::paintEvent(QPaintEvent* /*event*/) {
     painter.setBrush(fill);
     painter.drawRoundedRect(capsule, badgeHeight / 2.0, badgeHeight / 2.0);
     painter.setFont(fonts.badge);
-    painter.setPen(readableColor(content_.badgeColor, appearance(), 5.2)); // on its own tint, which is darker
+    painter.setPen(readableColor(content_.badgeColor, appearance(), 5.2)); // the badge's tint is darker than the card
     painter.drawText(capsule, Qt::AlignCenter, badge);
 }
 

@@ -7,7 +7,6 @@
 
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QStyleOptionButton>
@@ -37,12 +36,10 @@ QAccessibleInterface* interfaceWithRole(const QString& /*className*/, QObject* o
     return described ? new RoleAccessible(static_cast<QWidget*>(object), described->accessibleRole()) : nullptr;
 }
 
-/// The pill of the selected one, and the text.
+/// Paints its text, on a pill when it is selected.
 class Segment : public QRadioButton {
 public:
-    Segment(const QtAppearance& appearance, QWidget* parent) : QRadioButton(parent), appearance_(appearance) {
-        setFont(qFont(cleanupStrongFont, *this));
-    }
+    explicit Segment(QWidget* parent) : QRadioButton(parent) { setFont(qFont(cleanupStrongFont, *this)); }
 
     QSize sizeHint() const override {
         return {fontMetrics().horizontalAdvance(text()) + 2 * segmentPadding, segmentHeight};
@@ -55,38 +52,31 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const bool dark = appearance_.current() == Appearance::dark;
+        const bool dark = appearanceOf(*this) == Appearance::dark;
         const QRectF pill = QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5);
         if (isChecked()) {
             painter.setPen(QPen(dark ? QColor(255, 255, 255, 22) : QColor(0, 0, 0, 26), 1));
             painter.setBrush(dark ? QColor(108, 108, 111) : QColor(Qt::white));
             painter.drawRoundedRect(pill, 5, 5);
         }
-        painter.setPen(roleColor(SystemColor::label, appearance_.current()));
+        painter.setPen(roleColor(SystemColor::label, appearanceOf(*this)));
         painter.setOpacity(isDown() ? 0.6 : 1);
         painter.drawText(rect(), Qt::AlignCenter, text());
         painter.setOpacity(1);
         drawFocusRing(painter, *this, rect());
     }
-
-private:
-    const QtAppearance& appearance_;
 };
-
-bool isVerticalArrow(const QKeyEvent& event) { return event.key() == Qt::Key_Up || event.key() == Qt::Key_Down; }
 
 } // namespace
 
 void installCleanupAccessibility() { QAccessible::installFactory(interfaceWithRole); }
 
-SegmentedControl::SegmentedControl(const QtAppearance& appearance, QWidget* parent)
-    : QWidget(parent),
-      appearance_(appearance) {
+SegmentedControl::SegmentedControl(QWidget* parent) : QWidget(parent) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     for (std::size_t index = 0; index < segments_.size(); ++index) {
-        segments_.at(index) = new Segment(appearance, this);
+        segments_.at(index) = new Segment(this);
         layout->addWidget(segments_.at(index), 1);
         connect(segments_.at(index), &QRadioButton::toggled, this, [this, index](bool on) {
             if (on)
@@ -112,13 +102,13 @@ void SegmentedControl::render(const std::array<std::string, 2>& labels, int sele
 void SegmentedControl::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const bool dark = appearance_.current() == Appearance::dark;
+    const bool dark = appearanceOf(*this) == Appearance::dark;
     painter.setPen(QPen(dark ? QColor(255, 255, 255, 18) : QColor(0, 0, 0, 14), 1));
     painter.setBrush(dark ? QColor(255, 255, 255, 20) : QColor(0, 0, 0, 18));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7, 7);
 }
 
-Spinner::Spinner(const QtAppearance& appearance, QWidget* parent) : QWidget(parent), appearance_(appearance) {
+Spinner::Spinner(QWidget* parent) : QWidget(parent) {
     setFixedSize(spinnerSide, spinnerSide);
     QSizePolicy policy = sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -130,8 +120,6 @@ Spinner::Spinner(const QtAppearance& appearance, QWidget* parent) : QWidget(pare
         update();
     });
 }
-
-void Spinner::setSpinning(bool spins) { setVisible(spins); }
 
 void Spinner::showEvent(QShowEvent* event) {
     timer_.start();
@@ -147,7 +135,7 @@ void Spinner::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(spinnerSide / 2.0, spinnerSide / 2.0);
-    QColor color = roleColor(SystemColor::label, appearance_.current());
+    QColor color = roleColor(SystemColor::label, appearanceOf(*this));
     for (int spoke = 0; spoke < spokes; ++spoke) {
         const int age = (step_ - spoke + spokes) % spokes;
         color.setAlphaF(0.75F - 0.6F * static_cast<float>(age) / spokes);
@@ -159,9 +147,8 @@ void Spinner::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
-SymbolButton::SymbolButton(const QtAppearance& appearance, std::string symbolName, QWidget* parent)
-    : QAbstractButton(parent),
-      appearance_(appearance),
+SymbolButton::SymbolButton(std::string symbolName, QWidget* parent)
+    : RowControl(parent),
       symbolName_(std::move(symbolName)) {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
@@ -170,7 +157,7 @@ SymbolButton::SymbolButton(const QtAppearance& appearance, std::string symbolNam
 void SymbolButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Appearance appearance = appearance_.current();
+    const Appearance appearance = appearanceOf(*this);
     if (isDown() || underMouse()) {
         const int alpha = isDown() ? 36 : 20;
         painter.setPen(Qt::NoPen);
@@ -180,13 +167,6 @@ void SymbolButton::paintEvent(QPaintEvent* /*event*/) {
     drawSymbol(painter, symbolName_, rect(), 16,
                roleColor(underMouse() ? SystemColor::label : SystemColor::secondaryLabel, appearance));
     drawFocusRing(painter, *this, rect());
-}
-
-void SymbolButton::keyPressEvent(QKeyEvent* event) {
-    if (isVerticalArrow(*event))
-        event->ignore();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 void RowCheckBox::paintEvent(QPaintEvent* /*event*/) {
@@ -199,18 +179,7 @@ void RowCheckBox::paintEvent(QPaintEvent* /*event*/) {
     drawFocusRing(painter, *this, option.rect.adjusted(-4, -4, 4, 4));
 }
 
-void RowCheckBox::keyPressEvent(QKeyEvent* event) {
-    if (isVerticalArrow(*event))
-        event->ignore();
-    else
-        QCheckBox::keyPressEvent(event);
-}
-
-SymbolWidget::SymbolWidget(const QtAppearance& appearance, int side, SystemColor color, QWidget* parent)
-    : QWidget(parent),
-      appearance_(appearance),
-      side_(side),
-      color_(color) {
+SymbolWidget::SymbolWidget(int side, SystemColor color, QWidget* parent) : QWidget(parent), side_(side), color_(color) {
     setFixedSize(side, side);
 }
 
@@ -221,7 +190,7 @@ void SymbolWidget::setSymbol(const std::string& name) {
 
 void SymbolWidget::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    drawSymbol(painter, name_, rect(), side_, roleColor(color_, appearance_.current()));
+    drawSymbol(painter, name_, rect(), side_, roleColor(color_, appearanceOf(*this)));
 }
 
 } // namespace vantry

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "rendering/Canvas.h"
-#include "shell/qt/QtAppearance.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QRadioButton>
 #include <QTimer>
 #include <QWidget>
@@ -14,8 +14,7 @@
 
 namespace vantry {
 
-/// A widget that draws its text by itself, and what a screen reader takes it for; its accessible name and description
-/// are the widget's.
+/// The accessible role of a widget that paints its own text. Name and description are the widget's accessible ones.
 class HasAccessibleRole {
 public:
     [[nodiscard]] virtual QAccessible::Role accessibleRole() const = 0;
@@ -24,39 +23,37 @@ protected:
     ~HasAccessibleRole() = default;
 };
 
-/// To be called once, before the first such widget is shown.
+/// Call once, before the first such widget is shown.
 void installCleanupAccessibility();
 
-/// Two segments side by side, one of them selected: radio buttons to the keyboard and to screen readers.
+/// Two segments side by side, one of them selected. Keyboard and screen readers treat them as radio buttons.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 
 public:
-    SegmentedControl(const QtAppearance& appearance, QWidget* parent);
+    explicit SegmentedControl(QWidget* parent);
 
     void render(const std::array<std::string, 2>& labels, int selected);
     [[nodiscard]] QRadioButton* segment(int index) const { return segments_.at(static_cast<std::size_t>(index)); }
 
 signals:
-    /// By the user.
+    /// Emitted when the user selects a segment.
     void selected(int index);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    const QtAppearance& appearance_;
     std::array<QRadioButton*, 2> segments_{};
 };
 
-/// The small wheel that turns while something is under way; takes its room also while it is hidden.
+/// The small spinning wheel. It keeps its space in the layout while hidden.
 class Spinner : public QWidget, public HasAccessibleRole {
     Q_OBJECT
 
 public:
-    Spinner(const QtAppearance& appearance, QWidget* parent);
+    explicit Spinner(QWidget* parent);
 
-    void setSpinning(bool spins);
     [[nodiscard]] QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
 
 protected:
@@ -65,46 +62,57 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    const QtAppearance& appearance_;
     QTimer timer_;
     int step_ = 0;
 };
 
-/// A borderless button that shows a symbol. The arrow keys are its parent's.
-class SymbolButton : public QAbstractButton {
+/// A control of a row. It leaves the arrow keys to its parent.
+template <class Control>
+class RowControl : public Control {
+public:
+    using Control::Control;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+            event->ignore();
+        else
+            Control::keyPressEvent(event);
+    }
+};
+
+/// A borderless button that shows a symbol.
+class SymbolButton : public RowControl<QAbstractButton> {
     Q_OBJECT
 
 public:
-    SymbolButton(const QtAppearance& appearance, std::string symbolName, QWidget* parent);
+    SymbolButton(std::string symbolName, QWidget* parent);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    const QtAppearance& appearance_;
     std::string symbolName_;
 };
 
-/// A check box without a title, which is hit anywhere inside. The arrow keys are its parent's.
-class RowCheckBox : public QCheckBox {
+/// A check box without a title that reacts to clicks in its whole rectangle.
+class RowCheckBox : public RowControl<QCheckBox> {
     Q_OBJECT
 
 public:
-    using QCheckBox::QCheckBox;
+    using RowControl::RowControl;
 
 protected:
     [[nodiscard]] bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 };
 
-/// A symbol as a picture in a layout.
+/// Shows a symbol.
 class SymbolWidget : public QWidget {
     Q_OBJECT
 
 public:
-    SymbolWidget(const QtAppearance& appearance, int side, SystemColor color, QWidget* parent);
+    SymbolWidget(int side, SystemColor color, QWidget* parent);
 
     void setSymbol(const std::string& name);
 
@@ -112,7 +120,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    const QtAppearance& appearance_;
     int side_;
     SystemColor color_;
     std::string name_;

@@ -1,8 +1,10 @@
 #include "shell/qt/CleanupLook.h"
 
+#include "shell/qt/QtCanvas.h"
 #include "shell/qt/QtConversions.h"
 
 #include <QFontMetrics>
+#include <QLabel>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
@@ -35,7 +37,7 @@ QColor roleColor(SystemColor role, Appearance appearance) { return qColor(Dynami
 
 QColor readableColor(SystemColor role, Appearance appearance, double ratio) {
     QColor color = roleColor(role, appearance);
-    if (color.alpha() != 255) // a text colour, which is made for that
+    if (color.alpha() != 255) // translucent roles are text colours, which are readable already
         return color;
     const bool dark = appearance == Appearance::dark;
     const QColor ground = cardColor(appearance);
@@ -43,6 +45,19 @@ QColor readableColor(SystemColor role, Appearance appearance, double ratio) {
         color = dark ? color.lighter(104)
                      : QColor::fromHsvF(color.hsvHueF(), color.hsvSaturationF(), color.valueF() * 0.97F);
     return color;
+}
+
+QLabel* plainLabel(const Font& font, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setFont(qFont(font, *label));
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+void setTextColor(QLabel& label, SystemColor role, Appearance appearance) {
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, roleColor(role, appearance));
+    label.setPalette(palette);
 }
 
 QColor cardColor(Appearance appearance) {
@@ -70,7 +85,7 @@ void drawFocusRing(QPainter& painter, const QWidget& control, const QRect& rect)
 int wrappedHeight(const QFontMetrics& metrics, const QString& text, int width) {
     if (text.isEmpty())
         return 0;
-    if (metrics.horizontalAdvance(text) <= width)
+    if (!text.contains(u'\n') && metrics.horizontalAdvance(text) <= width)
         return metrics.height();
     return metrics.boundingRect(QRect(0, 0, width, 10000), Qt::TextWordWrap, text).height();
 }

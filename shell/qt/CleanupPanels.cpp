@@ -14,9 +14,7 @@ namespace vantry {
 
 namespace {
 
-constexpr int cardPadding = 14;
-constexpr int accentWidth = 4;
-constexpr int cardTextLeft = cardPadding + accentWidth + 10;
+constexpr int cardTextLeft = cleanupCardPadding + cleanupAccentWidth + 10;
 constexpr int cardTextRight = 10;
 constexpr int titleGap = 3;
 constexpr int detailGap = 2;
@@ -24,28 +22,33 @@ constexpr double largeTextContrast = 3;
 
 constexpr int leastWidth = 200;
 
-// As long as details get: there is always room for one, so that nothing moves when it comes.
+// As long as a detail usually gets. There is always room for one, so that the layout does not jump when it appears.
 const QString usualDetail = QStringLiteral("000 files shown; nothing removed automatically");
 
 int textWidth(int width) { return width - cardTextLeft - cardTextRight; }
 
-constexpr int noticePadding = 10;
 constexpr int noticeSymbolSide = 20;
 constexpr int noticeTextLeft = 14 + noticeSymbolSide + 12;
 constexpr int noticeTextRight = 16;
+constexpr int usualNoticeWidth = 400;
 
 } // namespace
 
-SummaryCard::SummaryCard(const QtAppearance& appearance, QWidget* parent)
+TextPanel::TextPanel(QSizePolicy::Policy horizontal, int usualWidth, QWidget* parent)
     : QWidget(parent),
-      appearance_(appearance),
-      titleFont_(qFont(cleanupStrongFont, *this)),
-      valueFont_(qFont(cleanupFigureFont, *this)),
-      detailFont_(qFont(cleanupDetailFont, *this)) {
-    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Minimum); // as wide as the others, whatever is written on it
+      usualWidth_(usualWidth) {
+    QSizePolicy policy(horizontal, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
+
+QSize TextPanel::sizeHint() const { return {usualWidth_, heightForWidth(std::max(usualWidth_, width()))}; }
+
+SummaryCard::SummaryCard(QWidget* parent)
+    : TextPanel(QSizePolicy::Ignored, leastWidth, parent), // all cards are equally wide, whatever their text
+      titleFont_(qFont(cleanupStrongFont, *this)),
+      valueFont_(qFont(cleanupFigureFont, *this)),
+      detailFont_(qFont(cleanupDetailFont, *this)) {}
 
 void SummaryCard::setContent(const SummaryCardContent& content) {
     if (content == content_)
@@ -58,26 +61,25 @@ void SummaryCard::setContent(const SummaryCardContent& content) {
 }
 
 int SummaryCard::heightForWidth(int width) const {
-    return 2 * cardPadding + QFontMetrics(titleFont_).height() + titleGap + QFontMetrics(valueFont_).height() +
+    return 2 * cleanupCardPadding + QFontMetrics(titleFont_).height() + titleGap + QFontMetrics(valueFont_).height() +
            detailGap +
            std::max(wrappedHeight(QFontMetrics(detailFont_), usualDetail, textWidth(width)),
                     wrappedHeight(QFontMetrics(detailFont_), qString(content_.detail), textWidth(width)));
 }
 
-QSize SummaryCard::sizeHint() const { return {leastWidth, heightForWidth(std::max(leastWidth, width()))}; }
-
 void SummaryCard::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const Appearance appearance = appearance_.current();
+    const Appearance appearance = appearanceOf(*this);
     drawCard(painter, rect(), appearance);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(roleColor(content_.color, appearance));
-    painter.drawRoundedRect(QRectF(cardPadding, cardPadding + 2, accentWidth, height() - 2 * cardPadding - 4),
-                            accentWidth / 2.0, accentWidth / 2.0);
+    painter.drawRoundedRect(
+        QRectF(cleanupCardPadding, cleanupCardPadding + 2, cleanupAccentWidth, height() - 2 * cleanupCardPadding - 4),
+        cleanupAccentWidth / 2.0, cleanupAccentWidth / 2.0);
 
     const int width = textWidth(this->width());
-    int y = cardPadding;
+    int y = cleanupCardPadding;
     const auto line = [&](const QFont& font, const QColor& color, const std::string& text, int gap) {
         const QFontMetrics metrics(font);
         painter.setFont(font);
@@ -94,14 +96,9 @@ void SummaryCard::paintEvent(QPaintEvent* /*event*/) {
     painter.drawText(QRect(cardTextLeft, y, width, height() - y), Qt::TextWordWrap, qString(content_.detail));
 }
 
-NoticeBox::NoticeBox(const QtAppearance& appearance, QWidget* parent)
-    : QWidget(parent),
-      appearance_(appearance),
-      font_(qFont(cleanupBodyFont, *this)) {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
-}
+NoticeBox::NoticeBox(QWidget* parent)
+    : TextPanel(QSizePolicy::Preferred, usualNoticeWidth, parent),
+      font_(qFont(cleanupBodyFont, *this)) {}
 
 void NoticeBox::setContent(const std::string& symbolName, const std::string& text) {
     if (symbolName == symbolName_ && qString(text) == text_)
@@ -115,15 +112,13 @@ void NoticeBox::setContent(const std::string& symbolName, const std::string& tex
 
 int NoticeBox::heightForWidth(int width) const {
     const int text = wrappedHeight(QFontMetrics(font_), text_, width - noticeTextLeft - noticeTextRight);
-    return std::max(noticeSymbolSide, text) + 2 * noticePadding;
+    return std::max(noticeSymbolSide, text) + 2 * cleanupNoticePadding;
 }
-
-QSize NoticeBox::sizeHint() const { return {400, heightForWidth(std::max(400, width()))}; }
 
 void NoticeBox::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Appearance appearance = appearance_.current();
+    const Appearance appearance = appearanceOf(*this);
     const QColor green = roleColor(SystemColor::green, appearance);
     QColor edge = green;
     QColor fill = green;

@@ -18,20 +18,11 @@ namespace vantry {
 namespace {
 
 constexpr int topMargin = 2;
-constexpr int sectionGap = 26;
-constexpr int bottomMargin = 24;
 constexpr int sliceMilliseconds = 8;
 constexpr int focusMargin = 12;
 
-constexpr int emptySymbolSide = 28;
-constexpr int emptySpacing = 7;
-constexpr int emptyWidth = 250;
-constexpr int emptyRaise = 80;
-
 QLabel* wrappingLabel(const Font& font, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setFont(qFont(font, *label));
-    label->setTextFormat(Qt::PlainText);
+    auto* label = plainLabel(font, parent);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     return label;
@@ -41,14 +32,12 @@ QLabel* wrappingLabel(const Font& font, QWidget* parent) {
 
 class CleanupResultsView::EmptyState : public QWidget, public HasAccessibleRole {
 public:
-    EmptyState(const QtAppearance& appearance, QWidget* parent)
+    explicit EmptyState(QWidget* parent)
         : QWidget(parent),
-          appearance_(appearance),
-          symbol_(new SymbolWidget(appearance, emptySymbolSide, SystemColor::secondaryLabel, this)),
+          symbol_(new SymbolWidget(emptyStateSymbolSize, SystemColor::secondaryLabel, this)),
           title_(wrappingLabel(cleanupHeadingFont, this)),
           detail_(wrappingLabel(cleanupDetailFont, this)) {
         applyColors();
-        connect(&appearance, &QtAppearance::changed, this, [this] { applyColors(); });
     }
 
     void setContent(const EmptyStateContent& content) {
@@ -59,40 +48,41 @@ public:
         setAccessibleDescription(detail_->text());
     }
 
-    /// In the middle of `area`, somewhat raised.
+    /// Centres it in `area`, slightly above the middle.
     void placeIn(const QSize& area) {
-        const int width = std::min(emptyWidth, area.width());
+        const int width = std::min(emptyStateWidth, area.width());
         const int titleHeight = title_->heightForWidth(width);
         const int detailHeight = detail_->heightForWidth(width);
-        const int height = emptySymbolSide + titleHeight + detailHeight + 2 * emptySpacing;
-        const int top = std::max(8, (area.height() - height) / 2 - emptyRaise);
+        const int height = emptyStateSymbolSize + titleHeight + detailHeight + 2 * emptyStateSpacing;
+        const int top = std::max(8, (area.height() - height) / 2 - emptyStateRaise);
         setGeometry((area.width() - width) / 2, top, width, height);
-        symbol_->move((width - emptySymbolSide) / 2, 0);
-        title_->setGeometry(0, emptySymbolSide + emptySpacing, width, titleHeight);
-        detail_->setGeometry(0, title_->geometry().bottom() + 1 + emptySpacing, width, detailHeight);
+        symbol_->move((width - emptyStateSymbolSize) / 2, 0);
+        title_->setGeometry(0, emptyStateSymbolSize + emptyStateSpacing, width, titleHeight);
+        detail_->setGeometry(0, title_->geometry().bottom() + 1 + emptyStateSpacing, width, detailHeight);
     }
     QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
 
-private:
-    void applyColors() {
-        QPalette palette;
-        palette.setColor(QPalette::WindowText, roleColor(SystemColor::secondaryLabel, appearance_.current()));
-        detail_->setPalette(palette);
+protected:
+    void changeEvent(QEvent* event) override {
+        QWidget::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange)
+            applyColors();
     }
 
-    const QtAppearance& appearance_;
+private:
+    void applyColors() { setTextColor(*detail_, SystemColor::secondaryLabel, appearanceOf(*this)); }
+
     SymbolWidget* symbol_;
     QLabel* title_;
     QLabel* detail_;
 };
 
-CleanupResultsView::CleanupResultsView(const QtAppearance& appearance, CleanupRowActions actions, QWidget* parent)
+CleanupResultsView::CleanupResultsView(CleanupRowActions actions, QWidget* parent)
     : QScrollArea(parent),
-      appearance_(appearance),
       type_(*this),
       actions_(std::move(actions)),
       content_(new QWidget),
-      emptyState_(new EmptyState(appearance, content_)) {
+      emptyState_(new EmptyState(content_)) {
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
@@ -120,8 +110,8 @@ void CleanupResultsView::setContent(const std::optional<EmptyStateContent>& empt
     for (const CleanupSectionContent& section : sections) {
         const auto same = std::ranges::find_if(
             before, [&](const CleanupSectionView* view) { return view && view->area() == section.area; });
-        CleanupSectionView* view = same == before.end() ? new CleanupSectionView(appearance_, type_, actions_, content_)
-                                                        : std::exchange(*same, nullptr);
+        CleanupSectionView* view =
+            same == before.end() ? new CleanupSectionView(type_, actions_, content_) : std::exchange(*same, nullptr);
         view->setContent(section);
         view->show();
         sections_.push_back(view);
@@ -129,7 +119,7 @@ void CleanupResultsView::setContent(const std::optional<EmptyStateContent>& empt
     for (CleanupSectionView* gone : before)
         if (gone) {
             gone->hide();
-            gone->deleteLater(); // what asked for this may be a control in it
+            gone->deleteLater(); // the call may come from a control inside it
         }
     nextRow_ = 0;
     layOut();
@@ -145,7 +135,7 @@ void CleanupResultsView::setSelectionEnabled(bool enabled) {
             built->setSelectionEnabled(enabled);
 }
 
-// While the width changes, what is at the upper edge stays there.
+// While the width changes, the row at the top edge stays there.
 void CleanupResultsView::layOut() {
     const int top = verticalScrollBar()->value();
     std::optional<std::pair<Place, int>> anchor;
@@ -157,12 +147,12 @@ void CleanupResultsView::layOut() {
     int height = topMargin;
     for (CleanupSectionView* section : sections_) {
         if (height > topMargin)
-            height += sectionGap;
+            height += cleanupSectionGap;
         const int sectionHeight = section->layOut(width - 2 * cleanupMargin);
         section->setGeometry(cleanupMargin, height, width - 2 * cleanupMargin, sectionHeight);
         height += sectionHeight;
     }
-    content_->resize(width, empty_ ? viewport()->height() : height + bottomMargin);
+    content_->resize(width, empty_ ? viewport()->height() : height + cleanupResultsBottomMargin);
     emptyState_->placeIn(viewport()->size());
     if (anchor)
         verticalScrollBar()->setValue(rectOf(anchor->first).top() + anchor->second);
@@ -201,7 +191,7 @@ QRect CleanupResultsView::rectOf(const Place& at) const {
     return sections_[at.section]->rowRect(at.row).translated(sections_[at.section]->pos());
 }
 
-// Behind the controls of the rows before it, however late those are built.
+// Tab reaches the row after the rows above it, in whatever order the rows are built.
 void CleanupResultsView::build(const Place& at) {
     CleanupSectionView& section = *sections_[at.section];
     if (section.row(at.row))
@@ -226,7 +216,7 @@ void CleanupResultsView::build(const Place& at) {
             return;
         }
     }
-    // The first of all that are built: before the one that follows.
+    // No row above it is built yet: it comes before the next built row.
     for (int index = 0; index < rowCount(); ++index)
         if (CleanupRowView* next = row(index); next && next != section.row(at.row) && !next->controls().empty()) {
             QWidget* previous = next->controls().front()->previousInFocusChain();
@@ -293,8 +283,8 @@ void CleanupResultsView::focusControl(int index, int column) {
             Qt::TabFocusReason);
 }
 
-// To the next row with a control that can be used. A row's controls are counted from the right, where the button is
-// that every row of a kind has.
+// Moves to the next row with an enabled control in the same column. Columns are counted from the right, because every
+// row of a kind has the button there.
 void CleanupResultsView::moveFocus(int step) {
     const auto focused = focusedControl();
     if (!focused)
@@ -321,7 +311,7 @@ void CleanupResultsView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// As any widget does: `focusChanged` shows what gets the keyboard, and a scroll area would move it further than needed.
+// Skips QScrollArea, which would scroll further than needed; `focusChanged` scrolls to the focused control.
 bool CleanupResultsView::focusNextPrevChild(bool next) {
     return QWidget::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
 }
@@ -331,7 +321,7 @@ void CleanupResultsView::focusChanged(QWidget* control) {
         showControl(control);
 }
 
-// The whole row, so that one can read what the control is about; at the upper end also what is above it.
+// Shows the whole row, so that the text beside the control can be read; for the first row of a section, the header too.
 void CleanupResultsView::showControl(const QWidget* control) {
     for (int index = 0; index < rowCount(); ++index) {
         const CleanupRowView* shown = row(index);

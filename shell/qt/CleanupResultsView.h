@@ -9,23 +9,23 @@
 
 namespace vantry {
 
-/// What a scan found, in sections below each other, or what stands there in their place. The rows that are in sight are
-/// built at once, the rest in slices of the event loop; where each is to be, is known from the begin. Rows that are
-/// rendered again stay the same widgets, so the keyboard stays where it is.
+/// The sections that a scan found, or the empty state. Visible rows are built at once, the others in slices of the
+/// event loop; every row has its final place from the start. A row that is rendered again stays the same widget, so it
+/// keeps the focus.
 class CleanupResultsView : public QScrollArea {
     Q_OBJECT
 
 public:
-    CleanupResultsView(const QtAppearance& appearance, CleanupRowActions actions, QWidget* parent);
+    CleanupResultsView(CleanupRowActions actions, QWidget* parent);
     ~CleanupResultsView() override;
 
     void setContent(const std::optional<EmptyStateContent>& emptyState,
                     const std::vector<CleanupSectionContent>& sections);
-    /// Whether the check boxes of the rows can be used, also of those that are built later.
+    /// Enables or disables the check boxes of all rows, including rows that are built later.
     void setSelectionEnabled(bool enabled);
     void scrollToTop();
 
-    /// Null while the row is not built. Rows are counted through all sections.
+    /// Null while the row is not built. Rows are numbered across all sections.
     [[nodiscard]] CleanupRowView* row(int index) const;
     [[nodiscard]] int rowCount() const;
     [[nodiscard]] int builtRowCount() const;
@@ -38,7 +38,7 @@ protected:
 
 private:
     class EmptyState;
-    /// A row, by its section and its place in it.
+    /// A row: its section and its index there.
     struct Place {
         std::size_t section;
         int row;
@@ -56,7 +56,6 @@ private:
     void focusControl(int row, int column);
     void moveFocus(int step);
 
-    const QtAppearance& appearance_;
     const CleanupRowType type_;
     const CleanupRowActions actions_;
     QWidget* content_;
@@ -65,7 +64,7 @@ private:
     bool selectionEnabled_ = true;
     std::vector<CleanupSectionView*> sections_;
     QTimer slices_;
-    int nextRow_ = 0; ///< all before it are built
+    int nextRow_ = 0; ///< all rows before this one are built
 };
 
 } // namespace vantry

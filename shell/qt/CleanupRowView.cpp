@@ -11,7 +11,7 @@ namespace vantry {
 
 namespace {
 
-constexpr int buttonPadding = 28; // of a push button, left and right together
+constexpr int buttonPadding = 28; // of a push button, both sides together
 
 int widestAvenueButton(const QFontMetrics& metrics) {
     int width = 0;
@@ -32,12 +32,5 @@ CleanupRowType::CleanupRowType(const QPaintDevice& device)
       strongMetrics(strong),
       badgeMetrics(badge),
       buttonWidth(widestAvenueButton(QFontMetrics(qFont(cleanupBodyFont, device)))) {}
-
-CleanupRowView::CleanupRowView(const QtAppearance& appearance, const CleanupRowType& type,
-                               const CleanupRowActions& actions, QWidget* parent)
-    : QWidget(parent),
-      appearance_(appearance),
-      type_(type),
-      actions_(actions) {}
 
 } // namespace vantry

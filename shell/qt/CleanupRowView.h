@@ -1,13 +1,12 @@
 #pragma once
 
-#include "cleanup/window/CleanupWindowContent.h"
+#include "app/CleanupWindowActions.h"
 #include "shell/qt/CleanupControls.h"
-#include "shell/qt/QtAppearance.h"
+#include "shell/qt/QtConversions.h"
 
 #include <QFont>
 #include <QFontMetrics>
 #include <QWidget>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,14 +14,7 @@ class QPushButton;
 
 namespace vantry {
 
-/// What the controls of the rows report.
-struct CleanupRowActions {
-    std::function<void(const std::string& identifier, bool isOn)> selectionChanged;
-    std::function<void(const std::string& identifier)> revealed;
-    std::function<void(CleanupAvenue::Action)> avenueAction;
-};
-
-/// The fonts of the rows and what follows from them, once for all rows.
+/// The fonts of the rows and values derived from them, computed once for all rows.
 struct CleanupRowType {
     explicit CleanupRowType(const QPaintDevice& device);
 
@@ -31,28 +23,29 @@ struct CleanupRowType {
     int buttonWidth; ///< of the widest button that an avenue can have
 };
 
-/// A row of a card. It draws its texts by itself: hundreds of labels would take long to build.
+/// A row of a card. It paints its texts itself, because hundreds of labels take long to build.
 class CleanupRowView : public QWidget, public HasAccessibleRole {
     Q_OBJECT
 
 public:
-    CleanupRowView(const QtAppearance& appearance, const CleanupRowType& type, const CleanupRowActions& actions,
-                   QWidget* parent);
+    /// `type` and `actions` outlive the row.
+    CleanupRowView(const CleanupRowType& type, const CleanupRowActions& actions, QWidget* parent)
+        : QWidget(parent),
+          type_(type),
+          actions_(actions) {}
 
-    /// What the keyboard can reach, from left to right.
+    /// The controls that Tab reaches, from left to right.
     [[nodiscard]] virtual std::vector<QWidget*> controls() const = 0;
-    /// Whether the check box can be used, if the row has one.
+    /// Enables or disables the check box, if the row has one.
     virtual void setSelectionEnabled(bool /*enabled*/) {}
     [[nodiscard]] QAccessible::Role accessibleRole() const override { return QAccessible::ListItem; }
 
 protected:
-    [[nodiscard]] Appearance appearance() const { return appearance_.current(); }
-    [[nodiscard]] const QtAppearance& appearanceSource() const { return appearance_; }
+    [[nodiscard]] Appearance appearance() const { return appearanceOf(*this); }
     [[nodiscard]] const CleanupRowType& type() const { return type_; }
     [[nodiscard]] const CleanupRowActions& actions() const { return actions_; }
 
 private:
-    const QtAppearance& appearance_;
     const CleanupRowType& type_;
     const CleanupRowActions& actions_;
 };
@@ -63,16 +56,14 @@ class CandidateRowView : public CleanupRowView {
 
 public:
     using Content = CandidateRowContent;
-    /// What is handed in outlives the row.
-    CandidateRowView(const QtAppearance& appearance, const CleanupRowType& type, const CleanupRowActions& actions,
-                     QWidget* parent);
+    CandidateRowView(const CleanupRowType& type, const CleanupRowActions& actions, QWidget* parent);
 
     [[nodiscard]] static int heightFor(const Content& content, int width, const CleanupRowType& type);
-    /// Whether the two need no new measuring.
+    /// Whether both have the same height at any width.
     [[nodiscard]] static bool isAsHigh(const Content& one, const Content& other) {
         return one.reason == other.reason && one.note == other.note;
     }
-    /// By which two renderings of the same thing are recognised.
+    /// The same in every content that shows the same thing.
     [[nodiscard]] static const std::string& keyOf(const Content& content) { return content.identifier; }
     void setContent(const Content& content);
     [[nodiscard]] std::vector<QWidget*> controls() const override;
@@ -97,9 +88,7 @@ class AvenueRowView : public CleanupRowView {
 
 public:
     using Content = AvenueRowContent;
-    /// What is handed in outlives the row.
-    AvenueRowView(const QtAppearance& appearance, const CleanupRowType& type, const CleanupRowActions& actions,
-                  QWidget* parent);
+    using CleanupRowView::CleanupRowView;
 
     [[nodiscard]] static int heightFor(const Content& content, int width, const CleanupRowType& type);
     [[nodiscard]] static bool isAsHigh(const Content& one, const Content& other) {

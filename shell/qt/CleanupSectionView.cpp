@@ -16,16 +16,14 @@ namespace vantry {
 namespace {
 
 constexpr int headerHeight = 42;
-constexpr int headerGap = 8;
 constexpr int headerTextInset = 36;
 
 } // namespace
 
 class CleanupSectionView::Header : public QWidget, public HasAccessibleRole {
 public:
-    Header(const QtAppearance& appearance, QWidget* parent)
+    explicit Header(QWidget* parent)
         : QWidget(parent),
-          appearance_(appearance),
           titleFont_(qFont(cleanupHeadingFont, *this)),
           detailFont_(qFont(cleanupDetailFont, *this)) {}
 
@@ -48,7 +46,7 @@ protected:
         QPainter painter(this);
         const QFontMetrics titleMetrics(titleFont_);
         const QFontMetrics detailMetrics(detailFont_);
-        const auto color = [&](SystemColor role) { return roleColor(role, appearance_.current()); };
+        const auto color = [&](SystemColor role) { return roleColor(role, appearanceOf(*this)); };
         drawSymbol(painter, symbolName_, QRectF(3, 0, cleanupSymbolSide, height()), cleanupSymbolSide,
                    color(SystemColor::label));
         const int textHeight = titleMetrics.height() + 1 + detailMetrics.height();
@@ -66,7 +64,6 @@ protected:
     }
 
 private:
-    const QtAppearance& appearance_;
     QFont titleFont_, detailFont_;
     std::string symbolName_;
     QString title_, subtitle_, trailingText_, shown_;
@@ -74,38 +71,32 @@ private:
 
 class CleanupSectionView::Card : public QWidget, public HasAccessibleRole {
 public:
-    Card(const QtAppearance& appearance, const std::vector<Slot>& rows, QWidget* parent)
-        : QWidget(parent),
-          appearance_(appearance),
-          slots_(rows) {}
+    Card(const std::vector<Slot>& rows, QWidget* parent) : QWidget(parent), slots_(rows) {}
 
     QAccessible::Role accessibleRole() const override { return QAccessible::List; }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        drawCard(painter, rect(), appearance_.current());
-        const QColor hairline = roleColor(SystemColor::separator, appearance_.current());
+        drawCard(painter, rect(), appearanceOf(*this));
+        const QColor hairline = roleColor(SystemColor::separator, appearanceOf(*this));
         for (std::size_t index = 1; index < slots_.size(); ++index)
             painter.fillRect(QRect(cleanupTextInset, slots_[index].top - 1, width() - cleanupTextInset - 1, 1),
                              hairline);
     }
 
 private:
-    const QtAppearance& appearance_;
     const std::vector<Slot>& slots_;
 };
 
-CleanupSectionView::CleanupSectionView(const QtAppearance& appearance, const CleanupRowType& type,
-                                       const CleanupRowActions& actions, QWidget* parent)
+CleanupSectionView::CleanupSectionView(const CleanupRowType& type, const CleanupRowActions& actions, QWidget* parent)
     : QWidget(parent),
-      appearance_(appearance),
       type_(type),
       actions_(actions),
-      header_(new Header(appearance, this)),
-      card_(new Card(appearance, slots_, this)) {}
+      header_(new Header(this)),
+      card_(new Card(slots_, this)) {}
 
-// Not at once: what asked for the rendering may be a control of theirs.
+// Deletes the rows later, because the call may come from a control of one of them.
 void CleanupSectionView::dropRows() {
     for (const Slot& slot : slots_)
         if (slot.row) {
@@ -115,7 +106,7 @@ void CleanupSectionView::dropRows() {
     slots_.clear();
 }
 
-// Rows of which there is a new content are used for it.
+// Reuses the rows whose key is in both contents.
 template <class Row>
 void CleanupSectionView::keepRows(const std::vector<typename Row::Content>& before,
                                   const std::vector<typename Row::Content>& after) {
@@ -177,9 +168,9 @@ int CleanupSectionView::layOut(int width) {
             slot.row->setGeometry(0, slot.top, width, slot.height);
         y += slot.height + 1;
     }
-    card_->setGeometry(0, headerHeight + headerGap, width, std::max(0, y - 1));
+    card_->setGeometry(0, headerHeight + cleanupHeaderToCard, width, std::max(0, y - 1));
     if (moved)
-        card_->update(); // the lines between the rows
+        card_->update(); // repaints the lines between the rows
     return card_->geometry().bottom() + 1;
 }
 
@@ -190,7 +181,7 @@ QRect CleanupSectionView::rowRect(int index) const {
 
 template <class Row>
 CleanupRowView* CleanupSectionView::build(const typename Row::Content& content) {
-    auto* row = new Row(appearance_, type_, actions_, card_);
+    auto* row = new Row(type_, actions_, card_);
     row->setContent(content);
     return row;
 }

@@ -6,26 +6,25 @@
 
 namespace vantry {
 
-/// A header and a card with rows, all of one kind. How high each row is, is known before it is built, so that nothing
-/// moves while the rows are built piece by piece.
+/// A header and a card with rows of one kind. Row heights are measured before the rows are built, so that nothing moves
+/// while they are built piece by piece.
 class CleanupSectionView : public QWidget {
     Q_OBJECT
 
 public:
-    /// What is handed in outlives the view.
-    CleanupSectionView(const QtAppearance& appearance, const CleanupRowType& type, const CleanupRowActions& actions,
-                       QWidget* parent);
+    /// `type` and `actions` outlive the view.
+    CleanupSectionView(const CleanupRowType& type, const CleanupRowActions& actions, QWidget* parent);
 
-    /// Keeps the rows that stay.
+    /// Rows that are in both contents stay the same widgets.
     void setContent(const CleanupSectionContent& content);
     [[nodiscard]] CleanupArea area() const { return content_.area; }
-    /// How high the view is at `width`, which it lays its rows out for.
+    /// Lays the rows out for `width`; the result is the height.
     int layOut(int width);
 
     [[nodiscard]] int rowCount() const { return static_cast<int>(slots_.size()); }
     /// Null while the row is not built.
     [[nodiscard]] CleanupRowView* row(int index) const { return slots_[static_cast<std::size_t>(index)].row; }
-    /// Where the row is, or will be, in the view.
+    /// The row's rectangle in the view, whether or not it is built.
     [[nodiscard]] QRect rowRect(int index) const;
     void buildRow(int index);
 
@@ -36,7 +35,7 @@ private:
         CleanupRowView* row = nullptr;
         int top = 0; ///< in the card
         int height = 0;
-        int measuredWidth = -1; ///< at which it has this height
+        int measuredWidth = -1; ///< the width that `height` is for
     };
 
     void dropRows();
@@ -46,7 +45,6 @@ private:
     CleanupRowView* build(const typename Row::Content& content);
     [[nodiscard]] int measure(int index, int width) const;
 
-    const QtAppearance& appearance_;
     const CleanupRowType& type_;
     const CleanupRowActions& actions_;
     CleanupSectionContent content_;

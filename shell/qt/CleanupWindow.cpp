@@ -25,20 +25,18 @@ namespace vantry {
 
 namespace {
 
-constexpr int iconSide = 48;
 constexpr int leastVisible = 40;
-constexpr int statusGap = 3;
 
 QIcon applicationIcon() {
     return QIcon::fromTheme(QStringLiteral("app.ombrel.Ombrel"),
                             QIcon(QStringLiteral(":/ombrel/app.ombrel.Ombrel.svg")));
 }
 
-/// The application's icon, at the scale of the screen that it is on.
+/// The application's icon, sharp at the scale of its screen.
 class IconWidget : public QWidget {
 public:
     explicit IconWidget(QWidget* parent) : QWidget(parent), icon_(applicationIcon()) {
-        setFixedSize(iconSide, iconSide);
+        setFixedSize(cleanupIconSide, cleanupIconSide);
     }
 
 protected:
@@ -51,7 +49,7 @@ private:
     QIcon icon_;
 };
 
-/// Darkens a window below its sheet. It lets nothing through, as the sheet does.
+/// Darkens a window below its sheet and blocks clicks on it.
 class Shade : public QWidget {
 public:
     explicit Shade(QWidget* window) : QWidget(window) { setGeometry(window->rect()); }
@@ -68,137 +66,145 @@ Layout* plainLayout(QWidget* host, int spacing) {
     return layout;
 }
 
-void setTextColor(QLabel& label, SystemColor color, Appearance appearance) {
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, roleColor(color, appearance));
-    label.setPalette(palette);
-}
-
-void renderButton(QPushButton& button, const CleanupButtonContent& content) {
-    button.setText(qString(content.title));
-    button.setVisible(!content.hidden);
-    button.setEnabled(content.enabled);
-}
+int segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::filesFound ? 0 : 1; }
 
 } // namespace
 
-CleanupWindow::CleanupWindow(const QtAppearance& appearance, CleanupWindowActions actions)
+CleanupWindow::CleanupWindow(CleanupWindowActions actions)
     : QWidget(nullptr, Qt::Window),
-      appearance_(appearance),
       actions_(std::move(actions)) {
     setWindowIcon(applicationIcon());
     build();
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
-    connect(&appearance_, &QtAppearance::changed, this, &CleanupWindow::applyColors);
-    applyColors();
     const CleanupWindowContent content; // it may be shown before it is rendered
     resize(static_cast<int>(content.size.width), static_cast<int>(content.size.height));
     showContent(content);
 }
 
-CleanupWindow::~CleanupWindow() = default;
-
 void CleanupWindow::build() {
     auto* stack = plainLayout<QVBoxLayout>(this, 0);
     auto* top = new QVBoxLayout;
-    top->setContentsMargins(cleanupMargin, 20, cleanupMargin, 8);
-    top->setSpacing(14);
+    top->setContentsMargins(cleanupMargin, cleanupTopMargin, cleanupMargin, 8);
+    top->setSpacing(cleanupSpacing);
     stack->addLayout(top);
     top->addWidget(makeHeader());
     top->addWidget(makeCards());
     top->addWidget(makeControls());
-    top->addWidget(noticeBox_ = new NoticeBox(appearance_, this));
+    auto* notice = new NoticeBox(this);
+    addRenderer(
+        [=](const CleanupWindowContent& content) { notice->setContent(content.noticeSymbolName, content.notice); });
+    top->addWidget(notice);
     top->addWidget(makeStatus());
 
     scrollEdge_ = new QWidget(this);
     scrollEdge_->setFixedHeight(1);
+    addRenderer([this](const CleanupWindowContent& /*content*/) {
+        QPalette palette;
+        palette.setColor(QPalette::Window, roleColor(SystemColor::separator, appearanceOf(*this)));
+        scrollEdge_->setPalette(palette);
+    });
     stack->addWidget(scrollEdge_);
-    results_ = new CleanupResultsView(appearance_, actions_.rows, this);
+    results_ = new CleanupResultsView(actions_.rows, this);
     stack->addWidget(results_, 1);
+    addRenderer(
+        [this](const CleanupWindowContent& content) { results_->setSelectionEnabled(content.selectionEnabled); });
     connect(results_->verticalScrollBar(), &QScrollBar::valueChanged, this,
             [this](int value) { scrollEdge_->setAutoFillBackground(value > 0); });
 }
 
-QLabel* CleanupWindow::makeLabel(const Font& font, bool wraps) {
-    auto* label = new QLabel(this);
-    label->setFont(qFont(font, *this));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(wraps);
+QLabel* CleanupWindow::makeLabel(std::string CleanupWindowContent::*field, const Font& font, SystemColor color) {
+    auto* label = plainLabel(font, this);
+    addRenderer([=, this](const CleanupWindowContent& content) {
+        label->setText(qString(content.*field));
+        setTextColor(*label, color, appearanceOf(*this));
+    });
     return label;
 }
 
-QPushButton* CleanupWindow::makeButton(std::function<void()> pressed) {
+QPushButton* CleanupWindow::makeButton(CleanupButtonContent CleanupWindowContent::*field,
+                                       std::function<void()> pressed) {
     auto* button = new QPushButton(this);
     button->setFont(qFont(cleanupBodyFont, *this));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, [pressed = std::move(pressed)] { pressed(); });
+    addRenderer([=](const CleanupWindowContent& content) {
+        button->setText(qString((content.*field).title));
+        button->setVisible(!(content.*field).hidden);
+        button->setEnabled((content.*field).enabled);
+    });
     return button;
 }
 
 QWidget* CleanupWindow::makeHeader() {
     auto* header = new QWidget(this);
-    auto* row = plainLayout<QHBoxLayout>(header, 14);
+    auto* row = plainLayout<QHBoxLayout>(header, cleanupSpacing);
     row->addWidget(new IconWidget(header));
     auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    texts->setSpacing(cleanupHeaderGap);
     row->addLayout(texts, 1);
     texts->addStretch(1);
-    texts->addWidget(titleLabel_ = makeLabel(cleanupTitleFont));
-    texts->addWidget(subtitleLabel_ = makeLabel(cleanupBodyFont));
+    texts->addWidget(makeLabel(&CleanupWindowContent::titleLabel, cleanupTitleFont, SystemColor::label));
+    texts->addWidget(makeLabel(&CleanupWindowContent::subtitleLabel, cleanupBodyFont, SystemColor::secondaryLabel));
     texts->addStretch(1);
     return header;
 }
 
 QWidget* CleanupWindow::makeCards() {
     auto* cards = new QWidget(this);
-    auto* row = plainLayout<QHBoxLayout>(cards, 12);
-    for (SummaryCard** card : {&macStorageCard_, &foundCard_, &selectedCard_})
-        row->addWidget(*card = new SummaryCard(appearance_, cards), 1);
+    auto* row = plainLayout<QHBoxLayout>(cards, cleanupCardGap);
+    for (const auto field : {&CleanupWindowContent::macStorageCard, &CleanupWindowContent::foundCard,
+                             &CleanupWindowContent::selectedCard}) {
+        auto* card = new SummaryCard(cards);
+        addRenderer([=](const CleanupWindowContent& content) { card->setContent(content.*field); });
+        row->addWidget(card, 1);
+    }
     return cards;
 }
 
 QWidget* CleanupWindow::makeControls() {
     auto* controls = new QWidget(this);
-    auto* row = plainLayout<QHBoxLayout>(controls, 10);
-    row->addWidget(modeControl_ = new SegmentedControl(appearance_, controls));
-    row->addSpacing(2);
-    row->addWidget(scanButton_ = makeButton(actions_.scan));
-    row->addWidget(progressIndicator_ = new Spinner(appearance_, controls));
-    row->addStretch(1);
-    row->addWidget(selectSuggestedButton_ = makeButton(actions_.selectSuggested));
-    row->addWidget(trashButton_ = makeButton(actions_.trash));
-    trashButton_->setProperty(destructiveProperty, true);
+    auto* row = plainLayout<QHBoxLayout>(controls, cleanupControlGap);
+    row->addWidget(modeControl_ = new SegmentedControl(controls));
+    addRenderer([this](const CleanupWindowContent& content) {
+        modeControl_->render(content.modeLabels, segmentOf(content.modeControl));
+    });
     connect(modeControl_, &SegmentedControl::selected, this, [this](int index) {
         actions_.modeChanged(index == 0 ? CleanupWindowMode::filesFound : CleanupWindowMode::storageGuide);
-        modeControl_->render(content_.modeLabels, content_.modeControl == CleanupWindowMode::filesFound ? 0 : 1);
+        modeControl_->render(content_.modeLabels, segmentOf(content_.modeControl));
     });
+    row->addSpacing(2);
+    row->addWidget(makeButton(&CleanupWindowContent::scanButton, actions_.scan));
+    auto* spinner = new Spinner(controls);
+    addRenderer([=](const CleanupWindowContent& content) {
+        spinner->setVisible(content.progressIndicator);
+        spinner->setAccessibleName(qString(content.statusLabel));
+    });
+    row->addWidget(spinner);
+    row->addStretch(1);
+    row->addWidget(makeButton(&CleanupWindowContent::selectSuggestedButton, actions_.selectSuggested));
+    auto* trash = makeButton(&CleanupWindowContent::trashButton, actions_.trash);
+    trash->setProperty(destructiveProperty, true);
+    row->addWidget(trash);
     controls->setFixedHeight(controls->sizeHint().height()); // also while buttons are hidden
     return controls;
 }
 
-// With room for a status of two lines, so that the results stay where they are when it gets longer.
+// There is always room for a status of two lines, so that the results do not move when it gets longer.
 QWidget* CleanupWindow::makeStatus() {
     auto* status = new QWidget(this);
-    auto* lines = plainLayout<QVBoxLayout>(status, statusGap);
-    lines->addWidget(statusLabel_ = makeLabel(cleanupBodyFont, true));
-    lines->addWidget(selectionLabel_ = makeLabel(cleanupDetailFont, true));
+    auto* lines = plainLayout<QVBoxLayout>(status, cleanupStatusGap);
+    auto* text = makeLabel(&CleanupWindowContent::statusLabel, cleanupBodyFont, SystemColor::label);
+    auto* selection = makeLabel(&CleanupWindowContent::selectionLabel, cleanupDetailFont, SystemColor::secondaryLabel);
+    for (QLabel* label : {text, selection}) {
+        label->setWordWrap(true);
+        lines->addWidget(label);
+    }
     lines->addStretch(1);
-    status->setMinimumHeight(2 * statusLabel_->fontMetrics().height() + statusGap +
-                             selectionLabel_->fontMetrics().height());
+    status->setMinimumHeight(2 * text->fontMetrics().height() + cleanupStatusGap + selection->fontMetrics().height());
     return status;
 }
 
-void CleanupWindow::applyColors() {
-    setTextColor(*titleLabel_, SystemColor::label, appearance_.current());
-    setTextColor(*subtitleLabel_, SystemColor::secondaryLabel, appearance_.current());
-    setTextColor(*statusLabel_, SystemColor::label, appearance_.current());
-    setTextColor(*selectionLabel_, SystemColor::secondaryLabel, appearance_.current());
-    QPalette edge;
-    edge.setColor(QPalette::Window, roleColor(SystemColor::separator, appearance_.current()));
-    scrollEdge_->setPalette(edge);
-}
-
-void CleanupWindow::render(const CleanupWindowContent& content) {
+void CleanupWindow::renderCleanupWindow(const CleanupWindowContent& content) {
     if (content == content_)
         return;
     QWidget* focused = focusWidget();
@@ -216,27 +222,14 @@ void CleanupWindow::showContent(const CleanupWindowContent& content) {
     content_ = content;
     setWindowTitle(qString(content.windowTitle));
     setMinimumSize(static_cast<int>(content.minimumSize.width), static_cast<int>(content.minimumSize.height));
-    titleLabel_->setText(qString(content.titleLabel));
-    subtitleLabel_->setText(qString(content.subtitleLabel));
-    macStorageCard_->setContent(content.macStorageCard);
-    foundCard_->setContent(content.foundCard);
-    selectedCard_->setContent(content.selectedCard);
-    modeControl_->render(content.modeLabels, content.modeControl == CleanupWindowMode::filesFound ? 0 : 1);
-    renderButton(*scanButton_, content.scanButton);
-    progressIndicator_->setSpinning(content.progressIndicator);
-    progressIndicator_->setAccessibleName(qString(content.statusLabel));
-    renderButton(*selectSuggestedButton_, content.selectSuggestedButton);
-    renderButton(*trashButton_, content.trashButton);
-    noticeBox_->setContent(content.noticeSymbolName, content.notice);
-    statusLabel_->setText(qString(content.statusLabel));
-    selectionLabel_->setText(qString(content.selectionLabel));
-    results_->setSelectionEnabled(content.selectionEnabled);
+    for (const auto& renderer : renderers_)
+        renderer(content_);
 }
 
-// A control that is disabled while something is under way loses the keyboard; it gets it back unless the user has moved
-// on.
+// A control that is disabled during a scan or a move loses the focus. It gets it back unless the user has moved the
+// focus meanwhile.
 void CleanupWindow::keepKeyboard(QWidget* focused) {
-    QWidget* refuge = modeControl_->segment(content_.modeControl == CleanupWindowMode::filesFound ? 0 : 1);
+    QWidget* refuge = modeControl_->segment(segmentOf(content_.modeControl));
     if (focused && (!focused->isEnabled() || !focused->isVisibleTo(this))) {
         lostTheKeyboard_ = focused;
         refuge->setFocus(Qt::OtherFocusReason);
@@ -247,7 +240,7 @@ void CleanupWindow::keepKeyboard(QWidget* focused) {
     }
 }
 
-void CleanupWindow::showInFront() {
+void CleanupWindow::showCleanupWindow() {
     if (!isVisible())
         centre();
     setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
@@ -258,8 +251,7 @@ void CleanupWindow::showInFront() {
         sheet_->raise();
         sheet_->activateWindow();
     } else if (!focusWidget()) {
-        modeControl_->segment(content_.modeControl == CleanupWindowMode::filesFound ? 0 : 1)
-            ->setFocus(Qt::OtherFocusReason);
+        modeControl_->segment(segmentOf(content_.modeControl))->setFocus(Qt::OtherFocusReason);
     }
 }
 
@@ -275,12 +267,10 @@ void CleanupWindow::centre() {
     move(area.center() - rect().center());
 }
 
-void CleanupWindow::scrollResultsToTop() { results_->scrollToTop(); }
-
 void CleanupWindow::ask(const AlertContent& alert, std::function<void(AlertAnswer)> answered) {
     if (sheet_)
         sheet_->reject();
-    auto* sheet = new AlertSheet(appearance_, alert, std::move(answered), this);
+    auto* sheet = new AlertSheet(alert, std::move(answered), this);
     sheet_ = sheet;
     if (!isVisible()) {
         sheet->reject();
@@ -296,13 +286,19 @@ void CleanupWindow::ask(const AlertContent& alert, std::function<void(AlertAnswe
     sheet->activateWindow();
 }
 
+void CleanupWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        showContent(content_); // in the colours of the other appearance
+}
+
 void CleanupWindow::closeEvent(QCloseEvent* event) {
     if (sheet_)
         sheet_->reject();
     QWidget::closeEvent(event);
 }
 
-// Minimizing the window hides it as well, spontaneously.
+// Minimizing also hides the window; that hide event is spontaneous.
 void CleanupWindow::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     if (!event->spontaneous())

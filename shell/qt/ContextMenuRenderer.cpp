@@ -4,61 +4,60 @@
 
 #include <QAction>
 #include <QKeySequence>
-#include <algorithm>
+#include <variant>
 
 namespace vantry {
 
 namespace {
 
 // Qt takes a single ampersand for a mnemonic.
-QString menuTitle(const MenuItemContent& item) { return qString(item.title).replace(u'&', QStringLiteral("&&")); }
+QString menuTitle(const std::string& title) { return qString(title).replace(u'&', QStringLiteral("&&")); }
 
-bool showsItem(const QAction& action, const MenuItemContent& item) {
-    return item.separator ? action.isSeparator()
-                          : action.text() == menuTitle(item) && (action.menu() != nullptr) == !item.submenu.empty();
-}
+/// Adds an entry to a menu.
+struct Adder {
+    QMenu& menu;
+    const MenuItemHandler& chosen;
 
-bool showsItems(const QMenu& menu, const std::vector<MenuItemContent>& items) {
-    return std::ranges::equal(menu.actions(), items,
-                              [](const QAction* action, const auto& item) { return showsItem(*action, item); });
-}
-
-void renderItems(QMenu& menu, const std::vector<MenuItemContent>& items, const MenuItemHandler& chosen);
-
-void addItem(QMenu& menu, const MenuItemContent& item, const MenuItemHandler& chosen) {
-    if (item.separator) {
-        menu.addSeparator();
-    } else if (!item.submenu.empty()) {
-        menu.addMenu(menuTitle(item));
-    } else {
-        QAction* action = menu.addAction(menuTitle(item));
-        action->setCheckable(item.checkable);
+    void operator()(const MenuItemContent& item) const {
+        QAction* action = menu.addAction(menuTitle(item.title));
+        action->setCheckable(item.checked.has_value());
         if (!item.keyEquivalent.empty())
             action->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + qString(item.keyEquivalent)));
-        QObject::connect(action, &QAction::triggered, action, [chosen, item] { chosen(item); });
+        QObject::connect(action, &QAction::triggered, action, [chosen = chosen, item] { chosen(item); });
     }
-}
+    void operator()(const SubmenuContent& submenu) const {
+        QMenu& inner = *menu.addMenu(menuTitle(submenu.title));
+        for (const MenuItemContent& item : submenu.items)
+            Adder{inner, chosen}(item);
+    }
+    void operator()(const MenuSeparator& /*separator*/) const { menu.addSeparator(); }
+};
 
-void renderItems(QMenu& menu, const std::vector<MenuItemContent>& items, const MenuItemHandler& chosen) {
-    if (!showsItems(menu, items)) {
-        menu.clear();
-        for (const auto& item : items)
-            addItem(menu, item, chosen);
+/// Gives an entry of a menu the state that it has in a content.
+struct StateSetter {
+    QAction& action;
+
+    void operator()(const MenuItemContent& item) const { action.setChecked(item.checked.value_or(false)); }
+    void operator()(const SubmenuContent& submenu) const {
+        action.setEnabled(submenu.enabled);
+        const auto inner = action.menu()->actions();
+        for (std::size_t i = 0; i < submenu.items.size(); ++i)
+            StateSetter{*inner[static_cast<qsizetype>(i)]}(submenu.items[i]);
     }
-    const auto actions = menu.actions();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        QAction* action = actions[static_cast<qsizetype>(i)];
-        action->setChecked(items[i].checked);
-        action->setEnabled(items[i].enabled);
-        if (action->menu())
-            renderItems(*action->menu(), items[i].submenu, chosen);
-    }
-}
+    void operator()(const MenuSeparator& /*separator*/) const {}
+};
 
 } // namespace
 
 void renderContextMenu(QMenu& menu, const ContextMenuContent& content, const MenuItemHandler& chosen) {
-    renderItems(menu, content.items, chosen);
+    if (menu.actions().size() != static_cast<qsizetype>(content.entries.size())) {
+        menu.clear();
+        for (const MenuEntry& entry : content.entries)
+            std::visit(Adder{menu, chosen}, entry);
+    }
+    const auto actions = menu.actions();
+    for (std::size_t i = 0; i < content.entries.size(); ++i)
+        std::visit(StateSetter{*actions[static_cast<qsizetype>(i)]}, content.entries[i]);
 }
 
 } // namespace vantry

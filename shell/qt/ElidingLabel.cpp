@@ -21,7 +21,7 @@ void ElidingLabel::setMonospacedDigits(bool monospaced) {
     updateGeometry();
 }
 
-// What digits of one width take beyond the width of the text.
+// The extra width that equally wide digits take.
 int ElidingLabel::widthOfCells() const {
     if (!monospacedDigits_)
         return 0;
@@ -31,7 +31,7 @@ int ElidingLabel::widthOfCells() const {
 
 QSize ElidingLabel::sizeHint() const { return QLabel::sizeHint() + QSize(widthOfCells(), 0); }
 
-// A word that no line can hold, as a path may be, goes on in the next one.
+// A word longer than a line, such as a path, continues in the next line.
 QStringList ElidingLabel::linesFor(int width) const {
     const QString all = text().replace(QLatin1Char('\n'), QLatin1Char(' '));
     QTextLayout layout(all, font());
@@ -73,9 +73,19 @@ void ElidingLabel::paintEvent(QPaintEvent* /*event*/) {
         style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(),
                               lines.join(QLatin1Char('\n')), foregroundRole());
     }
-    const bool isWhole = text().endsWith(lines.last());
-    setToolTip(isWhole ? QString() : wrappedToolTip(text()));
-    setAccessibleDescription(isWhole ? QString() : text()); // or it would be the tooltip with its marks
+    describe(text().endsWith(lines.last()));
+}
+
+void ElidingLabel::setExplanation(const QString& explanation) {
+    explanation_ = explanation;
+    describe(true); // painting knows better
+    update();
+}
+
+// Without a description of its own, Qt takes the tooltip with its HTML tags.
+void ElidingLabel::describe(bool isWhole) {
+    setToolTip(isWhole ? explanation_ : wrappedToolTip(text()));
+    setAccessibleDescription(isWhole ? explanation_ : text());
 }
 
 } // namespace vantry

@@ -5,21 +5,24 @@
 
 namespace vantry {
 
-/// Plain text in a limited number of lines, the last of which ends in an ellipsis where the text does not fit; the
-/// tooltip then has all of it, and a screen reader has it always.
+/// Plain text in a limited number of lines. Text that does not fit ends in an ellipsis, and the tooltip has all of it;
+/// screen readers always get all of it.
 class ElidingLabel : public QLabel {
     Q_OBJECT
 
 public:
     explicit ElidingLabel(QWidget* parent, int mostLines = 1);
 
-    /// Makes all digits equally wide (see FigureText.h). For one line.
+    /// What the tooltip and screen readers say while the whole text is shown. Without HTML.
+    void setExplanation(const QString& explanation);
+
+    /// Makes all digits equally wide (see FigureText.h). Only for labels of one line.
     void setMonospacedDigits(bool monospaced);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] int heightForWidth(int width) const override;
-    /// The text as it is shown at `width`.
+    /// The lines shown at `width`.
     [[nodiscard]] QStringList linesFor(int width) const;
 
 protected:
@@ -27,8 +30,10 @@ protected:
 
 private:
     [[nodiscard]] int widthOfCells() const;
+    void describe(bool isWhole);
 
     int mostLines_;
+    QString explanation_;
     bool monospacedDigits_ = false;
 };
 

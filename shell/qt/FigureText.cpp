@@ -16,7 +16,7 @@ double digitWidth(const QFontMetricsF& metrics) {
 
 bool isDigit(QChar character) { return character >= u'0' && character <= u'9'; }
 
-// Calls `visit` with every run of other characters, and with every digit.
+// Calls `visit` with each digit and with each run of other characters.
 template <class Visit>
 void forEachRun(const QString& text, Visit visit) {
     for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {

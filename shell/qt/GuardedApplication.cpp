@@ -9,17 +9,18 @@ namespace vantry {
 namespace {
 
 constexpr std::array guardedKeys{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape};
-constexpr quint64 shortestRelease = 30; // milliseconds; no finger is faster
+constexpr quint64 shortestRelease = 30; // milliseconds; nobody presses a key again faster than this
 
 } // namespace
 
-// Ahead of all event filters: the one of the bridge to screen readers replaces the events by copies without a time.
+// Runs before all event filters. The accessibility bridge's filter replaces events by copies without a timestamp.
 bool GuardedApplication::notify(QObject* receiver, QEvent* event) {
     return isRepetition(*receiver, *event) || QApplication::notify(receiver, event);
 }
 
-// X11 repeats a key with pairs of a release and a press of the same time. Qt marks them as repetitions only if it finds
-// the press in its queue when it reads the release, so the times count as well. An event without a time has time 0.
+// X11 repeats a key with pairs of release and press that have the same timestamp. Qt marks them as auto-repeat only if
+// the press is in its queue when it reads the release, so the timestamps are compared too. Events without a timestamp
+// have 0.
 bool GuardedApplication::isRepetition(const QObject& receiver, const QEvent& event) {
     const bool isPress = event.type() == QEvent::KeyPress;
     if ((!isPress && event.type() != QEvent::KeyRelease) || !receiver.isWindowType())

@@ -5,8 +5,8 @@
 
 namespace vantry {
 
-/// The application, which keeps the repetitions of a held key from all its windows, for the keys that press buttons and
-/// close windows: no question may be answered by a key that was already down when it appeared.
+/// Drops auto-repeated presses of the keys that press buttons and close windows, so that a key that was already down
+/// when a question appeared cannot answer it.
 class GuardedApplication : public QApplication {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ public:
 private:
     [[nodiscard]] bool isRepetition(const QObject& receiver, const QEvent& event);
 
-    std::map<int, quint64> releases_; ///< by key, the time of the last release, in milliseconds
+    std::map<int, quint64> releases_; ///< time of the last release of each key, in milliseconds
 };
 
 } // namespace vantry

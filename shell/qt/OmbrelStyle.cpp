@@ -27,7 +27,7 @@ constexpr int menuEndRoom = 20;
 constexpr int scrollBarWidth = 14;
 constexpr int shortestThumb = 32;
 
-// A line of one logical pixel lies on the pixels when its centre does.
+// Moves the centre of a one-pixel line to pixel centres.
 QRectF onPixels(const QRect& rect) { return QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5); }
 
 void strokePath(QPainter& painter, const QPolygonF& points, const QColor& color, double width) {
@@ -43,7 +43,7 @@ void drawTick(QPainter& painter, const QRectF& box, const QColor& color) {
     strokePath(painter, {at(0.26, 0.53), at(0.44, 0.71), at(0.75, 0.31)}, color, box.width() * 0.125);
 }
 
-// Room beside the text of a pop-up button's list that the button itself does not have.
+// The list of a pop-up button has more space beside its text than the button.
 constexpr int listRoomLeft = menuCheckRoom - popUpPadding + 2;
 constexpr int listRoomRight = 4;
 
@@ -157,7 +157,7 @@ void OmbrelStyle::drawPushButtonLabel(QPainter& painter, const QStyleOption& opt
     QProxyStyle::drawControl(CE_PushButtonLabel, &label, &painter, widget);
 }
 
-// The thumb alone, over what it scrolls.
+// Only the thumb, drawn over the content.
 void OmbrelStyle::drawScrollBar(QPainter& painter, const QStyleOptionComplex& option, const QWidget* widget) const {
     const PainterState state(painter);
     const bool dark = appearance_.current() == Appearance::dark;
@@ -223,7 +223,7 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         else
             drawFace(*painter, *option, buttonRadius);
         return;
-    case PE_FrameDefaultButton: return; // its face says it
+    case PE_FrameDefaultButton: return; // the face shows it
     case PE_IndicatorCheckBox: drawCheckBox(*painter, *option); return;
     case PE_FrameFocusRect: {
         const PainterState state(*painter);
@@ -237,7 +237,7 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         painter->drawRoundedRect(rect, buttonRadius - 1, buttonRadius - 1);
         return;
     }
-    case PE_PanelMenu: // of a menu and of a pop-up button's list, which has no frame of its own
+    case PE_PanelMenu: // a menu, or a pop-up button's list, which has no frame of its own
         painter->fillRect(option->rect, option->palette.color(QPalette::Window));
         drawWindowEdge(*painter, option->rect, appearance_.current());
         return;
@@ -328,7 +328,7 @@ void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
 QRect OmbrelStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                   const QWidget* widget) const {
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
-        return option->rect.adjusted(-listRoomLeft, 0, listRoomRight, 0); // puts an item's text on the button's
+        return option->rect.adjusted(-listRoomLeft, 0, listRoomRight, 0); // aligns the items' text with the button's
     if (control == CC_ScrollBar)
         if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option))
             return partOfScrollBar(*bar, part);
@@ -373,7 +373,7 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_MenuVMargin: return 5;
     case PM_MenuPanelWidth: return 1;
     case PM_ScrollBarExtent: return scrollBarWidth;
-    case PM_ScrollView_ScrollBarOverlap: return scrollBarWidth; // what it scrolls does not change its width
+    case PM_ScrollView_ScrollBarOverlap: return scrollBarWidth; // the content keeps its width
     default: return QProxyStyle::pixelMetric(metric, option, widget);
     }
 }
@@ -381,7 +381,7 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
 int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                            QStyleHintReturn* answer) const {
     switch (hint) {
-    case SH_ComboBox_Popup: return 1; // the list opens over the button, its current item on the old text
+    case SH_ComboBox_Popup: return 1; // the list opens over the button, with the current item on the button's text
     case SH_DialogButtonBox_ButtonsHaveIcons: return 0;
     case SH_UnderlineShortcut: return 0;
     default: return QProxyStyle::styleHint(hint, option, widget, answer);

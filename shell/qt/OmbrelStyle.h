@@ -6,14 +6,14 @@
 
 namespace vantry {
 
-/// The line of one logical pixel, even at every scale, that sets a popover or a menu apart from what is behind it.
+/// Draws the edge of a popover or a menu: one logical pixel wide at every scale.
 void drawWindowEdge(QPainter& painter, const QRect& rect, Appearance appearance);
 
-/// The name of the property that a push button has when what it does takes something away.
+/// The property of push buttons whose action is destructive.
 inline constexpr const char* destructiveProperty = "destructive";
 
-/// The look of Ombrel's own controls: rounded push buttons, check boxes, pop-up buttons and menus, light and dark,
-/// crisp at every scale. What it does not draw, Qt's Fusion style does.
+/// Draws push buttons, check boxes, pop-up buttons, menus and scroll bars, light and dark, sharp at every scale. The
+/// Fusion style draws the rest.
 class OmbrelStyle : public QProxyStyle {
     Q_OBJECT
 

@@ -1,5 +1,8 @@
 #include "shell/qt/PopoverWindow.h"
 
+#include "app/CallIfAlive.h"
+#include "app/Look.h"
+#include "shell/qt/CleanupLook.h"
 #include "shell/qt/ElidingLabel.h"
 #include "shell/qt/OmbrelStyle.h"
 #include "shell/qt/QtConversions.h"
@@ -23,23 +26,13 @@ namespace vantry {
 
 namespace {
 
-constexpr Font titleFont{15, FontWeight::semibold};
-constexpr Font bodyFont{12};
-constexpr Font figureFont{12, FontWeight::medium, true};
-constexpr Font detailFont{11};
-constexpr Font footnoteFont{10};
-
-constexpr int barViewHeight = 16;
-constexpr int detailLines = 3;
-constexpr int errorLines = 2;
 constexpr int distanceFromItem = 4;
 
-// A row that is not shown takes no room; one without margins of its own.
 template <class Layout>
-Layout* plainLayout(QWidget* host, int spacing) {
-    auto* layout = new Layout(host);
-    layout->setContentsMargins(0, 0, 0, 0);
+Layout* addLayout(QVBoxLayout& stack, int spacing) {
+    auto* layout = new Layout;
     layout->setSpacing(spacing);
+    stack.addLayout(layout);
     return layout;
 }
 
@@ -70,21 +63,15 @@ void renderButton(QPushButton& button, const ButtonContent& content) {
 void renderLabel(QLabel& label, const LabelContent& content, Appearance appearance) {
     label.setText(qString(content.text));
     label.setVisible(!content.hidden);
-    QPalette palette = label.palette();
-    palette.setColor(QPalette::WindowText, qColor(DynamicColor{content.color}, appearance));
-    label.setPalette(palette);
+    setTextColor(label, content.color, appearance);
 }
 
 } // namespace
 
-PopoverWindow::PopoverWindow(const QtAppearance& appearance)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
-      appearance_(appearance) {
+PopoverWindow::PopoverWindow() : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
     setWindowTitle(QStringLiteral("Ombrel"));
     setAccessibleName(QStringLiteral("Ombrel"));
     build();
-    connectControls();
-    connect(&appearance_, &QtAppearance::changed, this, [this] { render(content_); });
     constexpr std::chrono::milliseconds longestMoment{60};
     withoutKeyboard_.setSingleShot(true);
     withoutKeyboard_.setInterval(longestMoment);
@@ -95,172 +82,148 @@ void PopoverWindow::setController(std::weak_ptr<StoragePopoverViewController> co
     controller_ = std::move(controller);
 }
 
+// The order in which the controls are made is the order in which Tab goes through them.
 void PopoverWindow::build() {
+    using Content = PopoverContent;
+    using Controller = StoragePopoverViewController;
     auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(18, 16, 18, 14);
-    stack->setSpacing(10);
+    stack->setContentsMargins(popoverSideMargin, popoverTopMargin, popoverSideMargin, popoverBottomMargin);
+    stack->setSpacing(popoverSpacing);
 
-    titleLabel_ = makeLabel(titleFont);
-    summaryLabel_ = makeLabel(bodyFont);
-    stack->addWidget(makeHeader());
+    auto* header = addLayout<QVBoxLayout>(*stack, popoverHeaderGap);
+    header->addWidget(makeLabel(&Content::titleLabel, popoverTitleFont));
+    header->addWidget(makeLabel(&Content::summaryLabel, popoverBodyFont));
 
-    barView_ = new BarWidget(appearance_, this);
-    barView_->setFixedHeight(barViewHeight);
-    stack->addWidget(barView_);
+    auto* bar = new BarWidget(this);
+    bar->setFixedHeight(popoverBarHeight);
+    renderers_.emplace_back([bar](const Content& content) { bar->setView(content.barView); });
+    stack->addWidget(bar);
 
-    used_ = makeMetricRow(SolidSwatchView::Kind::used);
-    available_ = makeMetricRow(SolidSwatchView::Kind::available);
-    stack->addWidget(makeMetrics());
+    auto* metrics = addLayout<QVBoxLayout>(*stack, popoverRowSpacing);
+    metrics->addLayout(makeMetricRow(&Content::usedSwatchView, &Content::usedTitleLabel, &Content::usedValueLabel,
+                                     &Content::usedTooltip));
+    metrics->addLayout(makeMetricRow(&Content::availableSwatchView, &Content::availableTitleLabel,
+                                     &Content::availableValueLabel, &Content::availableTooltip));
 
-    stack->addWidget(detailLabel_ = makeLabel(detailFont, detailLines));
-    stack->addWidget(errorLabel_ = makeLabel(detailFont, errorLines));
-    stack->addWidget(updateLabel_ = makeLabel(footnoteFont));
-    stack->addWidget(cleanupButton_ = makeButton(FontWeight::semibold));
-
-    separator_ = new QWidget(this);
-    separator_->setFixedHeight(1);
-    separator_->setAutoFillBackground(true);
-    stack->addWidget(separator_);
-
-    for (QCheckBox** box : {&launchAtLoginButton_, &showPercentageButton_}) {
-        *box = new QCheckBox(this);
-        (*box)->setFont(qFont(bodyFont, *this));
-        stack->addWidget(*box);
-    }
-    for (QComboBox** popUp : {&barStylePopUp_, &segmentSizingPopUp_}) {
-        *popUp = new QComboBox(this);
-        (*popUp)->setFont(qFont(bodyFont, *this));
-        (*popUp)->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-        (*popUp)->view()->window()->installEventFilter(this);
-    }
-    stack->addWidget(makeChoiceRow(barStyleLabel_ = makeLabel(bodyFont), barStylePopUp_));
-    stack->addWidget(makeChoiceRow(segmentSizingLabel_ = makeLabel(bodyFont), segmentSizingPopUp_));
+    stack->addWidget(makeLabel(&Content::detailLabel, popoverDetailFont, popoverDetailLines));
+    stack->addWidget(makeLabel(&Content::errorLabel, popoverDetailFont, popoverErrorLines));
+    stack->addWidget(makeLabel(&Content::updateLabel, popoverFootnoteFont));
+    cleanupButton_ = makeButton(&Content::cleanupButton, &Controller::cleanupPressed, FontWeight::semibold);
+    stack->addWidget(cleanupButton_);
+    stack->addWidget(makeSeparator());
+    stack->addWidget(makeCheckBox(&Content::launchAtLoginButton, &Controller::loginItemChanged));
+    stack->addWidget(makeCheckBox(&Content::showPercentageButton, &Controller::percentageDisplayChanged));
+    // Screen readers meet widgets in the order in which they are made, which arguments of a call would leave open.
+    auto* const style = makeLabel(&Content::barStyleLabel, popoverBodyFont);
+    stack->addLayout(makeChoiceRow(style, makePopUp(&Content::barStylePopUp, &Controller::barStyleChanged)));
+    auto* const sizing = makeLabel(&Content::segmentSizingLabel, popoverBodyFont);
+    stack->addLayout(makeChoiceRow(sizing, makePopUp(&Content::segmentSizingPopUp, &Controller::segmentSizingChanged)));
     stack->addStretch(1);
-    stack->addWidget(makeCommands());
+
+    auto* commands = addLayout<QHBoxLayout>(*stack, popoverRowSpacing);
+    commands->addWidget(makeButton(&Content::refreshButton, &Controller::refreshPressed));
+    commands->addWidget(makeButton(&Content::settingsButton, &Controller::settingsPressed));
+    commands->addStretch(1);
+    commands->addWidget(makeButton(&Content::quitButton, &Controller::quitPressed));
 }
 
-QLabel* PopoverWindow::makeLabel(const Font& font, int mostLines) {
+ElidingLabel* PopoverWindow::makeLabel(LabelContent PopoverContent::*field, const Font& font, int mostLines) {
     auto* label = new ElidingLabel(this, mostLines);
     label->setFont(qFont(font, *this));
     label->setMonospacedDigits(font.monospacedDigits);
     label->setTextFormat(Qt::PlainText);
+    renderers_.emplace_back([this, label, field](const PopoverContent& content) {
+        renderLabel(*label, content.*field, appearanceOf(*this));
+    });
     return label;
 }
 
-QPushButton* PopoverWindow::makeButton(FontWeight weight) {
+QPushButton* PopoverWindow::makeButton(ButtonContent PopoverContent::*field,
+                                       void (StoragePopoverViewController::*action)(), FontWeight weight) {
     auto* button = new QPushButton(this);
-    button->setFont(qFont(Font{12, weight}, *this));
+    button->setFont(qFont(Font{popoverBodyFont.size, weight}, *this));
     button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this, action] { callIfAlive(controller_, action); });
+    renderers_.emplace_back([button, field](const PopoverContent& content) { renderButton(*button, content.*field); });
     return button;
 }
 
-QWidget* PopoverWindow::makeHeader() {
-    auto* header = new QWidget(this);
-    auto* layout = plainLayout<QVBoxLayout>(header, 2);
-    layout->addWidget(titleLabel_);
-    layout->addWidget(summaryLabel_);
-    return header;
+QCheckBox* PopoverWindow::makeCheckBox(CheckBoxContent PopoverContent::*field,
+                                       void (StoragePopoverViewController::*action)(bool)) {
+    auto* box = new QCheckBox(this);
+    box->setFont(qFont(popoverBodyFont, *this));
+    connect(box, &QCheckBox::toggled, this, [this, action](bool on) { callIfAlive(controller_, action, on); });
+    renderers_.emplace_back([box, field](const PopoverContent& content) { renderCheckBox(*box, content.*field); });
+    return box;
 }
 
-PopoverWindow::MetricRow PopoverWindow::makeMetricRow(SolidSwatchView::Kind kind) {
-    auto* swatch = new SwatchWidget(appearance_, SolidSwatchView(kind), this);
-    swatch->setFixedSize(static_cast<int>(SolidSwatchView::fixedSize.width),
-                         static_cast<int>(SolidSwatchView::fixedSize.height));
-    return {swatch, makeLabel(bodyFont), makeLabel(figureFont)};
+QComboBox* PopoverWindow::makePopUp(PopUpContent PopoverContent::*field,
+                                    void (StoragePopoverViewController::*action)(std::optional<std::size_t>)) {
+    auto* popUp = new QComboBox(this);
+    popUp->setFont(qFont(popoverBodyFont, *this));
+    popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    popUp->view()->window()->installEventFilter(this);
+    connect(popUp, &QComboBox::activated, this, [this, action](int selected) {
+        const auto index = selected < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(selected));
+        callIfAlive(controller_, action, index);
+    });
+    renderers_.emplace_back([popUp, field](const PopoverContent& content) { renderPopUp(*popUp, content.*field); });
+    return popUp;
 }
 
-QWidget* PopoverWindow::makeMetrics() {
-    auto* metrics = new QWidget(this);
-    auto* rows = plainLayout<QVBoxLayout>(metrics, 8);
-    for (const MetricRow& row : {used_, available_}) {
-        auto* line = new QHBoxLayout;
-        line->setSpacing(8);
-        line->addWidget(row.swatch, 0, Qt::AlignVCenter);
-        line->addWidget(row.title, 1);
-        line->addWidget(row.value);
-        rows->addLayout(line);
-    }
-    return metrics;
+QWidget* PopoverWindow::makeSeparator() {
+    auto* separator = new QWidget(this);
+    separator->setFixedHeight(1);
+    separator->setAutoFillBackground(true);
+    renderers_.emplace_back([this, separator](const PopoverContent& /*content*/) {
+        QPalette palette = separator->palette();
+        palette.setColor(QPalette::Window, qColor(DynamicColor{SystemColor::separator}, appearanceOf(*this)));
+        separator->setPalette(palette);
+    });
+    return separator;
 }
 
-QWidget* PopoverWindow::makeChoiceRow(QLabel* title, QComboBox* popUp) {
-    auto* row = new QWidget(this);
-    auto* layout = plainLayout<QHBoxLayout>(row, 8);
-    layout->addWidget(title, 0, Qt::AlignVCenter);
-    layout->addWidget(popUp, 0, Qt::AlignVCenter);
-    layout->addStretch(1);
+QLayout* PopoverWindow::makeMetricRow(SolidSwatchView PopoverContent::*swatch, LabelContent PopoverContent::*title,
+                                      LabelContent PopoverContent::*value, std::string PopoverContent::*tooltip) {
+    auto* swatchWidget = new ViewWidget<SolidSwatchView>(content_.*swatch, this);
+    swatchWidget->setFixedSize(static_cast<int>(SolidSwatchView::fixedSize.width),
+                               static_cast<int>(SolidSwatchView::fixedSize.height));
+    ElidingLabel* titleLabel = makeLabel(title, popoverBodyFont);
+    ElidingLabel* valueLabel = makeLabel(value, popoverFigureFont);
+    renderers_.emplace_back([=](const PopoverContent& content) {
+        swatchWidget->setView(content.*swatch);
+        titleLabel->setExplanation(qString(content.*tooltip));
+        valueLabel->setExplanation(qString(content.*tooltip));
+    });
+    auto* row = new QHBoxLayout;
+    row->setSpacing(popoverRowSpacing);
+    row->addWidget(swatchWidget, 0, Qt::AlignVCenter);
+    row->addWidget(titleLabel, 1);
+    row->addWidget(valueLabel);
+    return row;
+}
+
+QLayout* PopoverWindow::makeChoiceRow(QLabel* title, QComboBox* popUp) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(popoverRowSpacing);
+    row->addWidget(title, 0, Qt::AlignVCenter);
+    row->addWidget(popUp, 0, Qt::AlignVCenter);
+    row->addStretch(1);
     title->setBuddy(popUp);
     return row;
 }
 
-QWidget* PopoverWindow::makeCommands() {
-    auto* row = new QWidget(this);
-    auto* layout = plainLayout<QHBoxLayout>(row, 8);
-    layout->addWidget(refreshButton_ = makeButton());
-    layout->addWidget(settingsButton_ = makeButton());
-    layout->addStretch(1);
-    layout->addWidget(quitButton_ = makeButton());
-    return row;
-}
-
-void PopoverWindow::connectControls() {
-    using Controller = StoragePopoverViewController;
-    connect(refreshButton_, &QPushButton::clicked, this,
-            [this] { report([](Controller& controller) { controller.refreshPressed(); }); });
-    connect(settingsButton_, &QPushButton::clicked, this,
-            [this] { report([](Controller& controller) { controller.settingsPressed(); }); });
-    connect(cleanupButton_, &QPushButton::clicked, this,
-            [this] { report([](Controller& controller) { controller.cleanupPressed(); }); });
-    connect(quitButton_, &QPushButton::clicked, this,
-            [this] { report([](Controller& controller) { controller.quitPressed(); }); });
-    connect(launchAtLoginButton_, &QCheckBox::toggled, this,
-            [this](bool on) { report([on](Controller& controller) { controller.loginItemChanged(on); }); });
-    connect(showPercentageButton_, &QCheckBox::toggled, this,
-            [this](bool on) { report([on](Controller& controller) { controller.percentageDisplayChanged(on); }); });
-    const auto index = [](int selected) {
-        return selected < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(selected));
-    };
-    connect(barStylePopUp_, &QComboBox::activated, this, [this, index](int selected) {
-        report([&](Controller& controller) { controller.barStyleChanged(index(selected)); });
-    });
-    connect(segmentSizingPopUp_, &QComboBox::activated, this, [this, index](int selected) {
-        report([&](Controller& controller) { controller.segmentSizingChanged(index(selected)); });
-    });
-}
-
 void PopoverWindow::render(const PopoverContent& content) {
     content_ = content;
-    const Appearance appearance = appearance_.current();
-    renderLabel(*titleLabel_, content.titleLabel, appearance);
-    renderLabel(*summaryLabel_, content.summaryLabel, appearance);
-    barView_->setView(content.barView);
-    used_.swatch->setView(content.usedSwatchView);
-    renderLabel(*used_.title, content.usedTitleLabel, appearance);
-    renderLabel(*used_.value, content.usedValueLabel, appearance);
-    available_.swatch->setView(content.availableSwatchView);
-    renderLabel(*available_.title, content.availableTitleLabel, appearance);
-    renderLabel(*available_.value, content.availableValueLabel, appearance);
-    renderLabel(*detailLabel_, content.detailLabel, appearance);
-    renderLabel(*errorLabel_, content.errorLabel, appearance);
-    renderLabel(*updateLabel_, content.updateLabel, appearance);
-    renderButton(*cleanupButton_, content.cleanupButton);
-    renderCheckBox(*launchAtLoginButton_, content.launchAtLoginButton);
-    renderCheckBox(*showPercentageButton_, content.showPercentageButton);
-    renderLabel(*barStyleLabel_, content.barStyleLabel, appearance);
-    renderPopUp(*barStylePopUp_, content.barStylePopUp);
-    renderLabel(*segmentSizingLabel_, content.segmentSizingLabel, appearance);
-    renderPopUp(*segmentSizingPopUp_, content.segmentSizingPopUp);
-    renderButton(*refreshButton_, content.refreshButton);
-    renderButton(*settingsButton_, content.settingsButton);
-    renderButton(*quitButton_, content.quitButton);
-    applyColors();
+    for (const auto& renderer : renderers_)
+        renderer(content_);
+    update();
 }
 
-void PopoverWindow::applyColors() {
-    QPalette line = separator_->palette();
-    line.setColor(QPalette::Window, qColor(DynamicColor{SystemColor::separator}, appearance_.current()));
-    separator_->setPalette(line);
-    update();
+void PopoverWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        render(content_); // in the colours of the other appearance
 }
 
 void PopoverWindow::openAt(const QRect& item) {
@@ -286,7 +249,7 @@ void PopoverWindow::openAt(const QRect& item) {
     catchClicksOutside();
 }
 
-// The pointer's events all come here while the popover is shown; those inside reach its controls as ever.
+// Grabs the mouse while the popover is shown. Clicks inside reach the controls as usual.
 void PopoverWindow::catchClicksOutside() {
     if (isVisible())
         windowHandle()->setMouseGrabEnabled(true);
@@ -311,14 +274,14 @@ bool PopoverWindow::event(QEvent* event) {
 }
 
 bool PopoverWindow::eventFilter(QObject* watched, QEvent* event) {
-    // An open list takes the pointer, and gives it back to nobody.
+    // The open list of a pop-up button takes the mouse grab and does not give it back.
     if (event->type() == QEvent::Hide)
         QMetaObject::invokeMethod(this, &PopoverWindow::catchClicksOutside, Qt::QueuedConnection);
     return QWidget::eventFilter(watched, event);
 }
 
 void PopoverWindow::closeEvent(QCloseEvent* event) {
-    closing_ = true; // losing the keyboard is part of it
+    closing_ = true; // the deactivation that follows is expected
     QWidget::closeEvent(event);
 }
 
@@ -335,7 +298,7 @@ void PopoverWindow::mousePressEvent(QMouseEvent* event) {
 void PopoverWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
-    drawWindowEdge(painter, rect(), appearance_.current());
+    drawWindowEdge(painter, rect(), appearanceOf(*this));
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {

@@ -9,6 +9,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QPalette>
+#include <QWidget>
 
 namespace vantry {
 
@@ -20,12 +21,12 @@ const auto settingsInterface = QStringLiteral("org.freedesktop.portal.Settings")
 const auto appearanceGroup = QStringLiteral("org.freedesktop.appearance");
 const auto colorSchemeKey = QStringLiteral("color-scheme");
 
-// The portal's numbers: no preference, dark, light.
+// The portal's values; 0 is no preference.
 constexpr unsigned preferDark = 1;
 constexpr unsigned preferLight = 2;
 
-Appearance appearanceOfPalette() {
-    return QApplication::palette().color(QPalette::Window).lightness() < 128 ? Appearance::dark : Appearance::light;
+Appearance appearanceOf(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < 128 ? Appearance::dark : Appearance::light;
 }
 
 QPalette paletteFor(Appearance appearance) {
@@ -54,18 +55,20 @@ QPalette paletteFor(Appearance appearance) {
 
 } // namespace
 
-QtAppearance::QtAppearance() : withoutPreference_(appearanceOfPalette()), current_(withoutPreference_) {
+Appearance appearanceOf(const QWidget& widget) { return appearanceOf(widget.palette()); }
+
+QtAppearance::QtAppearance() : withoutPreference_(appearanceOf(QApplication::palette())), current_(withoutPreference_) {
     apply(current_);
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    qRegisterMetaType<QDBusVariant>(); // else the slot below is never called
+    qRegisterMetaType<QDBusVariant>(); // without it the slot below is never called
     bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     askPortal();
 }
 
-// Without waiting: a portal that has to be started first would hold up the first picture.
+// Asynchronous: starting the portal would delay the first frame.
 void QtAppearance::askPortal() {
     auto question =
         QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, QStringLiteral("Read"));
@@ -85,7 +88,7 @@ void QtAppearance::settingChanged(const QString& group, const QString& key, cons
 }
 
 void QtAppearance::setColorScheme(const QVariant& value) {
-    // `Read` wraps its answer twice.
+    // `Read` wraps its answer in two variants.
     const QVariant scheme = value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value;
     switch (scheme.toUInt()) {
     case preferDark: apply(Appearance::dark); break;

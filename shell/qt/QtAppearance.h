@@ -9,8 +9,8 @@ class QDBusVariant;
 
 namespace vantry {
 
-/// Whether the desktop is light or dark: what the desktop portal says ("org.freedesktop.appearance"), else how light
-/// the palette of the application is. Gives the application a palette that fits. Main thread.
+/// Whether the desktop is light or dark, by the desktop portal ("org.freedesktop.appearance") or, without one, by the
+/// desktop's palette. Gives the application a matching palette. Main thread.
 class QtAppearance : public QObject {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ private:
     void setColorScheme(const QVariant& value);
     void apply(Appearance appearance);
 
-    const Appearance withoutPreference_; ///< of the palette that the desktop gave
+    const Appearance withoutPreference_; ///< from the desktop's own palette
     Appearance current_;
 };
 

@@ -51,19 +51,11 @@ QColor qColor(const Color& color, Appearance appearance) {
 QFont qFont(const Font& font, const QPaintDevice& device) {
     constexpr double pointsPerInch = 72;
     QFont result = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    // Points, because pixel sizes are whole numbers.
+    // In points, because QFont takes whole pixels only.
     result.setPointSizeF(font.size * pointsPerInch / device.logicalDpiY());
     result.setWeight(qWeight(font.weight));
     return result;
 }
-
-QtCanvas::QtCanvas(QPainter& painter, Appearance appearance) : painter_(painter), appearance_(appearance) {
-    painter_.setRenderHint(QPainter::Antialiasing);
-}
-
-void QtCanvas::save() { painter_.save(); }
-
-void QtCanvas::restore() { painter_.restore(); }
 
 void QtCanvas::clip(const Shape& shape) { painter_.setClipPath(pathOf(shape), Qt::IntersectClip); }
 

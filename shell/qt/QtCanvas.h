@@ -11,14 +11,16 @@ namespace vantry {
 /// The interface font at a size in logical pixels, whatever the resolution of `device`.
 [[nodiscard]] QFont qFont(const Font& font, const QPaintDevice& device);
 
-/// A `Canvas` on a `QPainter`, at the device scale of what it paints on.
+/// A `Canvas` on a `QPainter`.
 class QtCanvas : public Canvas {
 public:
     /// `painter` is active and outlives the canvas; dynamic colours are resolved for `appearance`.
-    QtCanvas(QPainter& painter, Appearance appearance);
+    QtCanvas(QPainter& painter, Appearance appearance) : painter_(painter), appearance_(appearance) {
+        painter_.setRenderHint(QPainter::Antialiasing);
+    }
 
-    void save() override;
-    void restore() override;
+    void save() override { painter_.save(); }
+    void restore() override { painter_.restore(); }
     void clip(const Shape& shape) override;
     void setBlendMode(BlendMode mode) override;
     void fill(const Shape& shape, const Color& color) override;

@@ -8,7 +8,7 @@ namespace vantry {
 
 namespace {
 
-/// Keeps an object of Qt's alive, and with it what it is connected to.
+/// Owns a Qt object; destroying it ends its connections.
 template <class Object>
 class ObjectSubscription : public Subscription {
 public:
@@ -20,10 +20,6 @@ public:
 
 } // namespace
 
-QtMainQueue::QtMainQueue() : receiver_(std::make_unique<QObject>()) {}
-
-QtMainQueue::~QtMainQueue() = default;
-
 void QtMainQueue::post(std::function<void()> block) {
     const std::lock_guard lock(mutex_);
     if (receiver_)
@@ -34,7 +30,7 @@ std::unique_ptr<Subscription> QtMainQueue::repeatEvery(std::chrono::milliseconds
                                                        std::function<void()> block) {
     auto subscription = std::make_unique<ObjectSubscription<QTimer>>();
     QTimer& timer = subscription->object;
-    // Half a second early or late lets the system wake once for many.
+    // A coarse timer lets the system combine wake-ups.
     timer.setTimerType(interval >= std::chrono::seconds(10) ? Qt::VeryCoarseTimer : Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, &timer, std::move(block));
     timer.start(interval);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/PreferencesStore.h"
+#include "shell/qt/QtConversions.h"
 
 #include <QSettings>
 #include <QString>
+#include <QVariant>
 
 namespace vantry {
 
@@ -11,12 +13,12 @@ namespace vantry {
 class QtPreferencesStore : public PreferencesStore {
 public:
     QtPreferencesStore();
-    explicit QtPreferencesStore(const QString& file);
+    explicit QtPreferencesStore(const QString& file) : settings_(file, QSettings::IniFormat) {}
 
-    [[nodiscard]] bool boolForKey(std::string_view key) const override;
+    [[nodiscard]] bool boolForKey(std::string_view key) const override { return value(key).toBool(); }
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const override;
-    void setBool(std::string_view key, bool value) override;
-    void setString(std::string_view key, std::string_view value) override;
+    void setBool(std::string_view key, bool value) override { setValue(key, value); }
+    void setString(std::string_view key, std::string_view value) override { setValue(key, qString(value)); }
 
 private:
     [[nodiscard]] QVariant value(std::string_view key) const;

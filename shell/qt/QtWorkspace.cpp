@@ -1,9 +1,10 @@
 #include "shell/qt/QtWorkspace.h"
 
+#include "base/Text.h"
 #include "platform/ItemFacts.h"
-#include "shell/qt/FileUri.h"
 #include "shell/qt/QtConversions.h"
 
+#include <QClipboard>
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusError>
@@ -17,7 +18,7 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <QWindow>
-#include <array>
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -35,41 +36,36 @@ Screen screenOf(const QScreen& screen) {
 constexpr std::string_view settingsScheme = "x-apple.systempreferences:";
 constexpr std::string_view storageSettingsURL = "x-apple.systempreferences:com.apple.settings.Storage";
 
-// What desktops have in place of the storage pane: a disk-usage application, then one for disks, else the file manager.
+// Starts the first of these programs that is installed.
+bool startOneOf(const QString& programs, const QStringList& arguments) {
+    return std::ranges::any_of(programs.split(u' '), [&](const QString& name) {
+        const QString program = QStandardPaths::findExecutable(name);
+        return !program.isEmpty() && QProcess::startDetached(program, arguments);
+    });
+}
+
+// Instead of the storage pane: a disk-usage application, else a disk utility, else the file manager.
 void openDiskUsage() {
-    static constexpr std::array<std::pair<const char*, const char*>, 6> applications{{
-        {"baobab", "/"},
-        {"filelight", "/"},
-        {"mate-disk-usage-analyzer", "/"},
-        {"qdirstat", "/"},
-        {"gnome-disks", nullptr},
-        {"partitionmanager", nullptr},
-    }};
-    for (const auto& [name, argument] : applications)
-        if (const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name)); !program.isEmpty())
-            if (QProcess::startDetached(program, argument ? QStringList{QString::fromLatin1(argument)} : QStringList()))
-                return;
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QStringLiteral("/")));
+    const QString root = QStringLiteral("/");
+    if (!startOneOf(QStringLiteral("baobab filelight mate-disk-usage-analyzer qdirstat"), {root}) &&
+        !startOneOf(QStringLiteral("gnome-disks partitionmanager"), {}))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(root));
 }
 
 void openSettings() {
-    static constexpr std::array applications{"gnome-control-center",  "systemsettings",     "xfce4-settings-manager",
-                                             "mate-control-center",   "cinnamon-settings",  "lxqt-config",
-                                             "budgie-control-center", "ukui-control-center"};
-    for (const char* name : applications)
-        if (const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name)); !program.isEmpty())
-            if (QProcess::startDetached(program, QStringList()))
-                return;
+    startOneOf(QStringLiteral("gnome-control-center systemsettings xfce4-settings-manager mate-control-center "
+                              "cinnamon-settings lxqt-config budgie-control-center ukui-control-center"),
+               {});
 }
 
-// Only macOS has applications that are folders.
+// Application bundles exist only on macOS.
 bool isApplicationBundle(const std::filesystem::path& path) { return path.extension() == ".app"; }
 
 void openInFileManager(const std::filesystem::path& folder) {
     QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(folder), QUrl::StrictMode));
 }
 
-// A file manager that has been asked and takes its time may still answer the first question.
+// After a timeout the file manager may still show the file, so a timeout does not count.
 bool nobodyWillAnswer(const QDBusError& error) {
     return error.isValid() && error.type() != QDBusError::NoReply && error.type() != QDBusError::Timeout &&
            error.type() != QDBusError::TimedOut;
@@ -77,7 +73,11 @@ bool nobodyWillAnswer(const QDBusError& error) {
 
 } // namespace
 
-/// logind tells before sleeping and after waking; only the second counts.
+QByteArray fileUri(const std::filesystem::path& path) {
+    return QByteArray::fromStdString("file://" + percentEncoded(path.native()));
+}
+
+/// logind announces both sleep and wake; only wake counts.
 class WakeObserver : public QObject, public Subscription {
     Q_OBJECT
 
@@ -106,7 +106,7 @@ std::unique_ptr<Subscription> QtWorkspace::observeWake(std::function<void()> blo
 void QtWorkspace::openURL(const std::string& url) {
     if (url == storageSettingsURL)
         openDiskUsage();
-    else if (!url.starts_with(settingsScheme)) // which nothing here can show
+    else if (!url.starts_with(settingsScheme)) // no desktop can show the other panes
         QDesktopServices::openUrl(QUrl(qString(url)));
 }
 
@@ -130,6 +130,8 @@ bool QtWorkspace::canOpenItem(const std::filesystem::path& path) const {
     return !isApplicationBundle(path) && folderAccess(path) != FolderAccess::none;
 }
 
+void QtWorkspace::copyText(const std::string& text) { QGuiApplication::clipboard()->setText(qString(text)); }
+
 void QtWorkspace::revealItem(const std::filesystem::path& path) {
     const QString name = QStringLiteral("org.freedesktop.FileManager1");
     auto bus = QDBusConnection::sessionBus();
@@ -148,7 +150,7 @@ void QtWorkspace::revealItem(const std::filesystem::path& path) {
     });
 }
 
-// Applications have no such identifiers here.
+// There are no bundle identifiers on Linux.
 std::vector<std::string> QtWorkspace::runningBundleIdentifiers() const { return {}; }
 
 std::vector<Screen> QtWorkspace::screens() const {

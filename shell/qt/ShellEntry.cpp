@@ -37,8 +37,8 @@ bool waylandCanBeUsed() {
            !plugins.entryList({QStringLiteral("libqwayland-*.so")}).isEmpty();
 }
 
-// Qt ends the process when it reaches no display, so that is found out first. X11 before Wayland, where there are both:
-// only there can the strip and the popover be placed.
+// Checked first, because Qt aborts when it reaches no display. X11 is preferred over Wayland, which does not let the
+// strip and the popover choose their places.
 bool choosePlatform() {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return true;
@@ -47,14 +47,14 @@ bool choosePlatform() {
     return waylandCanBeUsed() && qputenv("QT_QPA_PLATFORM", "wayland");
 }
 
-// Only X11 lists the windows of other programs.
+// Only X11 can list other programs' windows.
 std::shared_ptr<const WindowList> windowList() {
     if (QGuiApplication::platformName() != QStringLiteral("xcb"))
         return nullptr;
     return std::make_shared<X11WindowList>(qApp->devicePixelRatio());
 }
 
-// Qt ends the process with exit() when it loses the display. A move in progress has to stop in good order then, too.
+// Qt calls exit() when it loses the display. A move in progress must stop cleanly then, too.
 void terminateAtExit(const std::shared_ptr<AppDelegate>& delegate) {
     static std::weak_ptr<AppDelegate> running;
     running = delegate;
@@ -64,7 +64,7 @@ void terminateAtExit(const std::shared_ptr<AppDelegate>& delegate) {
     });
 }
 
-// Whether Ombrel starts at login is for "Launch at Login" to say, not for a session manager that restores programs.
+// Only "Launch at Login" decides whether Ombrel starts at login, not a session manager that restores programs.
 void stayOutOfRestoredSessions() {
     const auto decline = [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); };
     for (const auto request : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
@@ -85,7 +85,7 @@ int runShell(ShellLaunch launch) {
     stayOutOfRestoredSessions();
     installBarAccessibility();
     installCleanupAccessibility();
-    QIcon::setFallbackThemeName(QStringLiteral("breeze")); // a bare session has no theme
+    QIcon::setFallbackThemeName(QStringLiteral("breeze")); // a bare session sets no icon theme
 
     const auto mainQueue = std::make_shared<QtMainQueue>();
     QtShell shell;

@@ -21,21 +21,18 @@ constexpr int stripHeight = 24;
 
 } // namespace
 
-StripWindow::StripWindow(const QtAppearance& appearance, std::function<bool()> closesPopover,
-                         std::function<void(MouseEvent)> pressed)
-    : appearance_(appearance),
-      closesPopover_(std::move(closesPopover)),
+StripWindow::StripWindow(std::function<bool()> closesPopover, std::function<void(MouseEvent)> pressed)
+    : closesPopover_(std::move(closesPopover)),
       pressed_(std::move(pressed)) {
     setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    setAttribute(Qt::WA_X11NetWmWindowTypeDock); // on every desktop, in no task list
+    setAttribute(Qt::WA_X11NetWmWindowTypeDock); // on every desktop and in no task list
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_AlwaysShowToolTips); // it is never the active window
     setWindowTitle(QStringLiteral("Ombrel"));
     connect(this, &QAbstractButton::clicked, this,
-            [this] { pressed_(MouseEvent::leftMouseUp); }); // a screen reader's press
-    connect(&appearance_, &QtAppearance::changed, this, qOverload<>(&QWidget::update));
+            [this] { pressed_(MouseEvent::leftMouseUp); }); // pressed by a screen reader
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &StripWindow::place);
-    // A window manager may tell what windows leave of the screen before it tells which windows there are.
+    // A window manager may announce the new work area before the new list of windows, and both are needed.
     constexpr std::chrono::milliseconds untilBothAreTold{100};
     placement_.setSingleShot(true);
     placement_.setInterval(untilBothAreTold);
@@ -59,7 +56,7 @@ void StripWindow::setContent(const StatusItemContent& content) {
 void StripWindow::place() {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
-        // What strips themselves have left of the screen is no reason to move: two of them would drive each other down.
+        // Space that a strip reserved is no reason to move: two strips would push each other down.
         const QPoint origin = screen->geometry().topLeft();
         const auto top = origin.y() + std::lround((area.top() - origin.y()) * screen->devicePixelRatio());
         const bool stays = isVisible() && isReservedByStrip(static_cast<int>(top));
@@ -69,7 +66,7 @@ void StripWindow::place() {
     }
 }
 
-// Else the strip would cover the close button of a maximised window.
+// Without this the strip would cover the close button of a maximised window.
 void StripWindow::reserve() {
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen || !isVisible())
@@ -88,7 +85,7 @@ void StripWindow::showEvent(QShowEvent* event) {
 
 void StripWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const Appearance appearance = appearance_.current();
+    const Appearance appearance = appearanceOf(*this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
     QtCanvas canvas(painter, appearance);
     content_.view.draw(canvas, {static_cast<double>(width()), static_cast<double>(height())}, appearance);
@@ -108,7 +105,7 @@ void StripWindow::mousePressEvent(QMouseEvent* event) {
     event->accept();
 }
 
-// However long the button was held: a release whose press the popover had, because it was open, is no click.
+// A release does not count as a click when its press went to the open popover, however long the button was held.
 void StripWindow::mouseReleaseEvent(QMouseEvent* event) {
     const bool clicked = std::exchange(pressedButton_, Qt::NoButton) == event->button();
     if (clicked && rect().contains(event->position().toPoint())) {

@@ -2,7 +2,6 @@
 
 #include "app/AppDelegate.h"
 #include "app/StatusItemContent.h"
-#include "shell/qt/QtAppearance.h"
 
 #include <QAbstractButton>
 #include <QTimer>
@@ -10,20 +9,19 @@
 
 namespace vantry {
 
-/// Stands in for the tray where there is none: a slim strip at the top right edge of the screen, above other windows,
-/// that shows the bar in its natural shape. Maximised windows stay below it, where the window manager is asked by X11
-/// and the screen reaches up to the edge of them all. One button with the item's accessibility text; the bar inside is
-/// silent.
+/// Replaces the tray where there is none: a narrow strip at the top right of the screen, above other windows, with the
+/// bar in its natural shape. On X11 it reserves its space, so that maximised windows stay below it, if no other screen
+/// is above. Screen readers see one button; the bar inside is silent.
 class StripWindow : public QAbstractButton {
     Q_OBJECT
 
 public:
-    /// `closesPopover` is asked when the left button goes down: a press that closes the popover opens nothing.
-    StripWindow(const QtAppearance& appearance, std::function<bool()> closesPopover,
-                std::function<void(MouseEvent)> pressed);
+    /// `closesPopover` is called on a left press. If it returns true, the press closed the popover and its release does
+    /// nothing.
+    StripWindow(std::function<bool()> closesPopover, std::function<void(MouseEvent)> pressed);
 
     void setContent(const StatusItemContent& content);
-    /// Where the strip was put. What Qt says of a window that a window manager has just framed may be off.
+    /// Where the strip was placed. Qt may report a wrong position right after a window manager has framed the window.
     [[nodiscard]] QRect itemGeometry() const { return {placedAt_, size()}; }
 
 protected:
@@ -37,11 +35,10 @@ private:
     void place();
     void reserve();
 
-    const QtAppearance& appearance_;
     std::function<bool()> closesPopover_;
     std::function<void(MouseEvent)> pressed_;
     StatusItemContent content_;
-    Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none for a press that the popover had, or that is spent
+    Qt::MouseButton pressedButton_ = Qt::NoButton; ///< none if the press went to the popover or closed it
     QPoint placedAt_;
     QTimer placement_;
 };

@@ -24,24 +24,28 @@ QIcon trayIcon(const VantryView& view, Appearance appearance) {
     return icon;
 }
 
-TrayItem::TrayItem(TrayKind kind, const QtAppearance& appearance, std::function<void(MouseEvent)> pressed, QMenu& menu)
-    : appearance_(appearance) {
-    connect(&icon_, &QSystemTrayIcon::activated, this,
-            [pressed = std::move(pressed)](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger ||
-                    reason == QSystemTrayIcon::DoubleClick) // the second of two quick clicks
-                    pressed(MouseEvent::leftMouseUp);
-                else if (reason == QSystemTrayIcon::Context)
-                    pressed(MouseEvent::rightMouseUp);
-            });
+TrayItem::TrayItem(TrayKind kind, const QtAppearance& appearance, TrayActions actions)
+    : appearance_(appearance),
+      actions_(std::move(actions)) {
+    connect(&icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger ||
+            reason == QSystemTrayIcon::DoubleClick) // the second of two quick clicks
+            actions_.pressed(MouseEvent::leftMouseUp);
+        else if (reason == QSystemTrayIcon::Context)
+            actions_.pressed(MouseEvent::rightMouseUp);
+    });
     connect(&appearance_, &QtAppearance::changed, this, &TrayItem::showPicture);
-    if (kind == TrayKind::statusNotifier)
-        icon_.setContextMenu(&menu);
+    if (kind == TrayKind::statusNotifier) {
+        connect(&menu_, &QMenu::aboutToShow, this, [this] { actions_.menuWillOpen(); });
+        icon_.setContextMenu(&menu_);
+    }
 }
 
 void TrayItem::setContent(const StatusItemContent& content) {
     const bool pictureChanged = icon_.icon().isNull() || !(content.view == content_.view);
     content_ = content;
+    if (icon_.contextMenu())
+        renderContextMenu(menu_, content.menu, actions_.chosen);
     icon_.setToolTip(qString(content.tooltip));
     if (pictureChanged)
         showPicture();

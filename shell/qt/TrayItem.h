@@ -2,35 +2,43 @@
 
 #include "app/AppDelegate.h"
 #include "app/StatusItemContent.h"
+#include "shell/qt/ContextMenuRenderer.h"
 #include "shell/qt/QtAppearance.h"
 #include "shell/qt/TrayTracker.h"
 
-#include <QMenu>
 #include <QSystemTrayIcon>
 #include <functional>
 
 namespace vantry {
 
-/// The bar as a picture that fits a tray's square slot, crisp at every size that trays ask for.
+/// The bar as a square icon, in every size that trays request.
 [[nodiscard]] QIcon trayIcon(const VantryView& view, Appearance appearance);
 
-/// The item in a tray of one kind; made anew when the kind changes.
+struct TrayActions {
+    std::function<void(MouseEvent)> pressed;
+    std::function<void()> menuWillOpen;
+    MenuItemHandler chosen;
+};
+
+/// The item in a tray of one kind. A new one is created when the kind changes.
 class TrayItem : public QObject {
     Q_OBJECT
 
 public:
-    /// `menu` is what a StatusNotifierItem host shows for the right click; an XEmbed tray tells the click instead.
-    TrayItem(TrayKind kind, const QtAppearance& appearance, std::function<void(MouseEvent)> pressed, QMenu& menu);
+    /// A StatusNotifierItem host shows the content's menu for the right click; an XEmbed tray reports the click.
+    TrayItem(TrayKind kind, const QtAppearance& appearance, TrayActions actions);
 
     void setContent(const StatusItemContent& content);
-    /// Where the item is on the screen; empty where the host does not tell.
+    /// The item's place on the screen; empty if the host does not report it.
     [[nodiscard]] QRect geometry() const { return icon_.geometry(); }
 
 private:
     void showPicture();
 
     const QtAppearance& appearance_;
+    const TrayActions actions_;
     StatusItemContent content_;
+    QMenu menu_;
     QSystemTrayIcon icon_;
 };
 

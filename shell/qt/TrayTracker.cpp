@@ -1,5 +1,7 @@
 #include "shell/qt/TrayTracker.h"
 
+#include "shell/qt/X11Replies.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -9,8 +11,6 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 namespace vantry {
@@ -20,14 +20,8 @@ namespace {
 const auto watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-// A bus that does not answer must not hold up the start.
+// A bus that does not answer must not delay the start.
 constexpr int answerTimeoutMilliseconds = 500;
-
-struct FreeDeleter {
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <class Reply>
-using Owned = std::unique_ptr<Reply, FreeDeleter>;
 
 } // namespace
 
@@ -35,8 +29,6 @@ TrayTracker::TrayTracker() {
     watchNotifierHost();
     watchTraySelection();
 }
-
-TrayTracker::~TrayTracker() = default;
 
 TrayKind TrayTracker::kind() const {
     if (notifierHost_)
@@ -74,22 +66,20 @@ void TrayTracker::watchTraySelection() {
     if (!x11)
         return;
     connection_ = x11->connection();
-    // The selection of the default screen; its number is the display name's last part.
+    // The tray selection of the default screen, whose number is the last part of the display name.
     char* host = nullptr;
     int displayNumber = 0;
     int screenNumber = 0;
     if (xcb_parse_display(nullptr, &host, &displayNumber, &screenNumber) != 0)
         std::free(host);
     const QByteArray name = "_NET_SYSTEM_TRAY_S" + QByteArray::number(screenNumber);
-    const auto atomCookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.constData());
-    const Owned<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(connection_, atomCookie, nullptr));
+    traySelection_ = x11Atom(connection_, name.toStdString());
     const auto* xfixes = xcb_get_extension_data(connection_, &xcb_xfixes_id);
-    if (!atom || !xfixes || !xfixes->present)
+    if (traySelection_ == XCB_ATOM_NONE || !xfixes || !xfixes->present)
         return;
-    traySelection_ = atom->atom;
     firstXfixesEvent_ = xfixes->first_event;
 
-    const Owned<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+    const X11Reply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
         connection_, xcb_xfixes_query_version(connection_, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION),
         nullptr));
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
@@ -97,7 +87,7 @@ void TrayTracker::watchTraySelection() {
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    const Owned<xcb_get_selection_owner_reply_t> owner(
+    const X11Reply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(connection_, xcb_get_selection_owner(connection_, traySelection_), nullptr));
     traySelectionOwned_ = owner && owner->owner != XCB_NONE;
     qGuiApp->installNativeEventFilter(this);

@@ -8,18 +8,17 @@ struct xcb_connection_t;
 
 namespace vantry {
 
-/// Which kind of tray the desktop has. A StatusNotifierItem host draws an item and its menu by itself and tells no
-/// geometry; an XEmbed tray takes a small window of ours.
+/// The kind of tray that the desktop has. A StatusNotifierItem host draws the item and its menu itself and does not
+/// report a geometry; an XEmbed tray embeds a small window of ours.
 enum class TrayKind { none, statusNotifier, xembed };
 
-/// Knows whether there is a tray, also one that comes or goes later: the D-Bus name of the StatusNotifierItem watcher,
-/// and the owner of the X11 tray selection. Wakes only when one of them changes. Main thread.
+/// Watches whether there is a tray, by the D-Bus name of the StatusNotifierItem watcher and the owner of the X11 tray
+/// selection. Does not poll. Main thread.
 class TrayTracker : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
     TrayTracker();
-    ~TrayTracker() override;
 
     [[nodiscard]] TrayKind kind() const;
 

@@ -5,13 +5,12 @@
 
 namespace vantry {
 
-/// Asks the window manager to keep maximised windows below `area`, which lies in pixels of X11 and whose columns reach
-/// up to the root window's upper edge without another screen between. An empty area takes that back. Does nothing
-/// outside of X11.
+/// Asks the window manager to keep maximised windows below `area` (X11 pixels). No other screen may be above it. An
+/// empty area releases the space. Does nothing outside X11.
 void reserveTopEdge(WId window, const QRect& area);
 
-/// Whether the top edge is reserved down to `y`, in pixels of X11, give or take one, by a strip of Ombrel: this one's
-/// or another user's or home folder's on the same display.
+/// Whether an Ombrel strip on this display reserves the top edge down to `y` (X11 pixels, within one pixel): this
+/// strip, or one of another instance.
 [[nodiscard]] bool isReservedByStrip(int y);
 
 } // namespace vantry

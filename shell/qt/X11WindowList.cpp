@@ -1,31 +1,22 @@
 #include "shell/qt/X11WindowList.h"
 
+#include "shell/qt/X11Replies.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <xcb/xcb.h>
 
 namespace vantry {
 
 namespace {
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); } // NOLINT: what xcb gives is to be freed so
-};
-template <class Reply>
-using Owned = std::unique_ptr<Reply, Free>;
-
-constexpr int mostDepth = 3; // of windows in windows: a frame, the window, a player's inside it
-constexpr std::uint32_t mostValues = 1024;
+constexpr int mostDepth = 3; // a frame, the window, and a player's window inside it
 
 class Display {
 public:
@@ -44,9 +35,9 @@ public:
         return roots;
     }
 
-    // From the bottom to the top.
+    // Bottom to top.
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const {
-        const Owned<xcb_query_tree_reply_t> reply(
+        const X11Reply<xcb_query_tree_reply_t> reply(
             xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
         if (!reply)
             return {};
@@ -55,15 +46,15 @@ public:
     }
 
     [[nodiscard]] bool isShown(xcb_window_t window) const {
-        const Owned<xcb_get_window_attributes_reply_t> reply(
+        const X11Reply<xcb_get_window_attributes_reply_t> reply(
             xcb_get_window_attributes_reply(connection_, xcb_get_window_attributes(connection_, window), nullptr));
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
     [[nodiscard]] std::optional<Rect> bounds(xcb_window_t window, xcb_window_t root) const {
-        const Owned<xcb_get_geometry_reply_t> size(
+        const X11Reply<xcb_get_geometry_reply_t> size(
             xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
-        const Owned<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
+        const X11Reply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
             connection_, xcb_translate_coordinates(connection_, window, root, 0, 0), nullptr));
         if (!size || !place)
             return std::nullopt;
@@ -71,52 +62,33 @@ public:
                     static_cast<double>(size->width), static_cast<double>(size->height)};
     }
 
-    // Values of 32 bits.
-    [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, const char* property) {
-        const Owned<xcb_get_property_reply_t> reply = propertyOf(window, atom(property));
-        if (!reply || reply->format != 32)
-            return {};
-        std::vector<std::uint32_t> found(static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) /
-                                         sizeof(std::uint32_t));
-        std::memcpy(found.data(), xcb_get_property_value(reply.get()), found.size() * sizeof(std::uint32_t));
-        return found;
+    [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, std::string_view property) const {
+        return x11Values<std::uint32_t>(connection_, window, atom(property));
     }
 
-    // The class of the application's windows: the second of two texts that end with a zero.
-    [[nodiscard]] std::string ownerName(xcb_window_t window) {
-        const Owned<xcb_get_property_reply_t> reply = propertyOf(window, XCB_ATOM_WM_CLASS);
-        if (!reply || reply->format != 8)
-            return {};
-        const std::string_view texts(static_cast<const char*>(xcb_get_property_value(reply.get())),
-                                     static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+    // The class in WM_CLASS, the second of its two zero-terminated strings.
+    [[nodiscard]] std::string ownerName(xcb_window_t window) const {
+        const auto letters = x11Values<char>(connection_, window, XCB_ATOM_WM_CLASS);
+        const std::string_view texts(letters.data(), letters.size());
         const auto second = texts.find('\0') + 1;
         return second == 0 || second > texts.size()
                    ? std::string()
                    : std::string(texts.substr(second, texts.find('\0', second) - second));
     }
 
-    [[nodiscard]] xcb_atom_t atom(const char* name) {
+    [[nodiscard]] xcb_atom_t atom(std::string_view name) const {
         const auto known = atoms_.find(name);
         if (known != atoms_.end())
             return known->second;
-        const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            connection_, xcb_intern_atom(connection_, 1, static_cast<std::uint16_t>(std::strlen(name)), name),
-            nullptr));
-        return atoms_[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+        return atoms_[std::string(name)] = x11Atom(connection_, name);
     }
 
 private:
-    [[nodiscard]] Owned<xcb_get_property_reply_t> propertyOf(xcb_window_t window, xcb_atom_t property) const {
-        return Owned<xcb_get_property_reply_t>(xcb_get_property_reply(
-            connection_, xcb_get_property(connection_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, mostValues),
-            nullptr));
-    }
-
     xcb_connection_t* connection_; ///< never null
-    std::map<std::string, xcb_atom_t, std::less<>> atoms_;
+    mutable std::map<std::string, xcb_atom_t, std::less<>> atoms_;
 };
 
-/// Finds the windows of the desktop type below a root, and the processes of what they are made of.
+/// Finds the windows of type "desktop" below a root, and the processes that own them and their children.
 class DesktopWindows {
 public:
     DesktopWindows(Display& display, xcb_window_t root, double scale) : display_(display), root_(root), scale_(scale) {}
@@ -133,7 +105,7 @@ private:
             if (isOfDesktop(window))
                 add(window);
             else if (depth > 1)
-                look(window, depth - 1); // a window manager puts windows into frames
+                look(window, depth - 1); // window managers put windows into frames
     }
 
     [[nodiscard]] bool isOfDesktop(xcb_window_t window) {
@@ -148,7 +120,7 @@ private:
             return;
         *bounds = {bounds->x / scale_, bounds->y / scale_, bounds->width / scale_, bounds->height / scale_};
         addOwner(window, *bounds);
-        for (const xcb_window_t inside : display_.children(window)) // a player that was given the window to play in
+        for (const xcb_window_t inside : display_.children(window)) // for instance a player that plays in the window
             addOwner(inside, *bounds);
     }
 

@@ -4,8 +4,8 @@
 
 namespace vantry {
 
-/// The desktop windows of the X11 display in `$DISPLAY`, by a connection of its own for each call, so that it can be
-/// asked on any thread. Bounds are physical pixels divided by `scale`, that of Qt's coordinates.
+/// The desktop windows of the X11 display `$DISPLAY`. Each call opens its own connection, so any thread may call it.
+/// Bounds are physical pixels divided by `scale`, as Qt's coordinates are.
 class X11WindowList : public WindowList {
 public:
     explicit X11WindowList(double scale) : scale_(scale) {}

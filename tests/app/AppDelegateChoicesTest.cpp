@@ -10,7 +10,7 @@ using testing::IsEmpty;
 
 using Stored = std::map<std::string, FakePreferencesStore::Value, std::less<>>;
 
-// What the user chooses, in the popover as well as in the menu, which lead to the same.
+// The user's choices. The popover and the menu call the same operations.
 using AppDelegateChoices = AppDelegateFixture;
 
 TEST_F(AppDelegateChoices, AStyleIsStoredAndShownAndOnlyCurrentThemeSamplesTheWallpaper) {
@@ -53,7 +53,7 @@ TEST_F(AppDelegateChoices, ThePercentageIsStoredAndMakesTheItemWider) {
     }
 }
 
-TEST_F(AppDelegateChoices, TheCheckBoxSendsItsOwnStateAndNotTheInverseOfTheStoredOne) {
+TEST_F(AppDelegateChoices, TheCheckBoxSendsItsStateAndNotTheInverseOfTheStoredOne) {
     launchAndSettle();
     world.preferences->values = {{"showUsedPercentage", true}};
     delegate->popoverController().percentageDisplayChanged(true);
@@ -95,7 +95,7 @@ TEST_F(AppDelegateChoices, LaunchAtLoginFollowsTheFile) {
     }
 }
 
-TEST_F(AppDelegateChoices, AFailureToChangeLoginItemsIsSaidAndTheCheckBoxReadAgain) {
+TEST_F(AppDelegateChoices, AFailureToChangeLoginItemsIsShownAndTheCheckBoxReadAgain) {
     struct Case {
         bool exists;
         bool wanted;
@@ -116,7 +116,7 @@ TEST_F(AppDelegateChoices, AFailureToChangeLoginItemsIsSaidAndTheCheckBoxReadAga
     }
 }
 
-TEST_F(AppDelegateChoices, AChangeOfLoginItemsThatSucceedsTakesTheErrorAway) {
+TEST_F(AppDelegateChoices, ASuccessfulChangeOfLoginItemsClearsTheError) {
     launchAndSettle();
     world.loginItemError = Error{ErrorKind::noSpace, "No space left on device"};
     delegate->setLaunchAtLogin(true);
@@ -127,7 +127,7 @@ TEST_F(AppDelegateChoices, AChangeOfLoginItemsThatSucceedsTakesTheErrorAway) {
     EXPECT_TRUE(shell.popover().launchAtLoginButton.checked);
 }
 
-TEST_F(AppDelegateChoices, AReadThatSucceedsTakesTheLoginItemsErrorAway) {
+TEST_F(AppDelegateChoices, ASuccessfulReadClearsTheLoginItemsError) {
     launchAndSettle();
     world.loginItemError = Error{ErrorKind::noSpace, "No space left on device"};
     delegate->setLaunchAtLogin(true);
@@ -140,7 +140,7 @@ TEST_F(AppDelegateChoices, EveryControlOfThePopoverReachesItsOperation) {
     struct Case {
         std::string name;
         std::function<void(StoragePopoverViewController&)> act;
-        std::vector<std::string> asked; ///< without the reading and drawing that goes with it
+        std::vector<std::string> asked; ///< without reads and rendering
     };
     const std::vector<Case> cases{
         {"refresh",

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 
 using AppDelegateClicks = AppDelegateFixture;
 
-TEST_F(AppDelegateClicks, GoWhereTheButtonOfTheMouseSays) {
+TEST_F(AppDelegateClicks, DependOnTheMouseButton) {
     struct Case {
         std::string name;
         std::optional<MouseEvent> event;
@@ -55,7 +55,7 @@ TEST_F(AppDelegateClicks, LeftTogglesThePopover) {
     }
 }
 
-TEST_F(AppDelegateClicks, BringThePopoverUpToDateBeforeItOpens) {
+TEST_F(AppDelegateClicks, UpdateThePopoverBeforeItOpens) {
     launchAndSettle();
     delegate->statusItemPressed(MouseEvent::leftMouseUp);
     EXPECT_EQ(log.calls().back(), "shell.openPopover");
@@ -68,7 +68,7 @@ TEST_F(AppDelegateClicks, BringThePopoverUpToDateBeforeItOpens) {
     EXPECT_EQ(log.count("preferences.write"), 0);
 }
 
-TEST_F(AppDelegateClicks, ThePopoverOpensWithWhatStoreAndDiskSayAtThatMoment) {
+TEST_F(AppDelegateClicks, ThePopoverOpensWithTheStoredValuesOfThatMoment) {
     world.agentFileExists = true;
     launchAndSettle();
     world.preferences->values = {
@@ -115,7 +115,7 @@ TEST_F(AppDelegateClicks, ThePopoverOpensBeforeTheFirstReadHasEnded) {
     EXPECT_EQ(shell.popover().titleLabel.text, "Data") << "the open popover follows";
 }
 
-TEST_F(AppDelegateClicks, TheErrorOfAFirstReadIsStillThereWhenThePopoverOpens) {
+TEST_F(AppDelegateClicks, ThePopoverOpensWithTheErrorOfTheFirstRead) {
     world.volume = std::unexpected(StorageReadFailure{StorageReadError::missingCapacity});
     launchAndSettle();
     delegate->statusItemPressed(MouseEvent::leftMouseUp);
@@ -123,7 +123,7 @@ TEST_F(AppDelegateClicks, TheErrorOfAFirstReadIsStillThereWhenThePopoverOpens) {
               (LabelContent{"The total disk capacity is unavailable.", SystemColor::red, false}));
 }
 
-TEST_F(AppDelegateClicks, OpeningOverAnEarlierGoodReadClearsTheError) {
+TEST_F(AppDelegateClicks, OpeningAfterAnEarlierGoodReadClearsTheError) {
     launchAndSettle();
     world.volume = std::unexpected(StorageReadFailure{StorageReadError::missingCapacity});
     delegate->refreshStorage();
@@ -154,7 +154,7 @@ TEST_F(AppDelegateClicks, AnOpenPopoverIsNotOpenedTwice) {
     EXPECT_EQ(log.count("shell.closePopover"), 0);
 }
 
-TEST_F(AppDelegateClicks, RightPopsUpTheMenuOfThisMoment) {
+TEST_F(AppDelegateClicks, RightOpensAMenuWithTheStoredValuesOfThatMoment) {
     launchAndSettle();
     world.preferences->values = {
         {"showUsedPercentage", true}, {"barStyle", "macOSSegments"}, {"segmentSizing", "equal"}};

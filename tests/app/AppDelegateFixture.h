@@ -10,17 +10,17 @@
 
 namespace vantry {
 
-/// An application in a world that stands still. A test arranges `world` and `shell`, then launches.
+/// An application in a world that changes only on request. A test sets up `world` and `shell`, then launches.
 class AppDelegateFixture : public testing::Test {
 protected:
-    /// Launches and leaves everything that was asked of the queues waiting.
+    /// Launches and leaves all posted and submitted blocks waiting.
     void launch() { launchWith(world.appServices()); }
     void launchWith(AppServices services) {
         delegate = std::make_shared<AppDelegate>(shell, std::move(services));
         delegate->applicationDidFinishLaunching();
     }
 
-    /// Launches, lets the first read and the first sampling end, and forgets what was asked until then.
+    /// Launches, finishes the first read and the first sampling, and clears the log.
     void launchAndSettle() {
         launch();
         world.settle();

@@ -65,7 +65,7 @@ TEST_F(AppDelegateLaunch, RewritesTheLaunchAgentOnlyWhenThereIsOne) {
     EXPECT_EQ(log.count("loginItem.setEnabled"), 0);
 }
 
-TEST_F(AppDelegateLaunch, IgnoresThatTheLaunchAgentCannotBeRewritten) {
+TEST_F(AppDelegateLaunch, IgnoresAFailureToRewriteTheLaunchAgent) {
     world.agentFileExists = true;
     world.loginItemError = Error{ErrorKind::noSpace, "No space left on device"};
     launch();
@@ -88,6 +88,7 @@ TEST_F(AppDelegateLaunch, ShowsTheItemOfAFreshUser) {
     expected.view.barStyle = BarStyle::storageGradient;
     expected.view.segmentSizing = SegmentSizing::verifiedSnapshot;
     expected.view.showsPercentageLabel = false;
+    expected.menu = contextMenuContent({});
     EXPECT_THAT(shell.statusItems, testing::Each(expected)) << "no half-made item may flash up";
 }
 
@@ -136,7 +137,7 @@ TEST_F(AppDelegateLaunch, ConfiguresThePopoverFromStoreAndAgentFile) {
     }
 }
 
-TEST_F(AppDelegateLaunch, ConfiguresThePopoverBeforeTheFirstReadIsAsked) {
+TEST_F(AppDelegateLaunch, ConfiguresThePopoverBeforeTheFirstReadStarts) {
     world.preferences->values = {{"barStyle", "vividTheme"}};
     launch();
     EXPECT_THAT(log.only({"shell.renderPopover", "backgroundQueue."})[0], "shell.renderPopover");
@@ -149,7 +150,7 @@ TEST_F(AppDelegateLaunch, GivesThePopoverTheFallbackColorsUntilAWallpaperIsSampl
     EXPECT_THAT(shell.popover().usedSwatchView.themeColors, ElementsAreArray(WallpaperThemeReader::fallbackPalette));
 }
 
-TEST_F(AppDelegateLaunch, MakesTheDelegateTheOneThatThePopoverReportsTo) {
+TEST_F(AppDelegateLaunch, ThePopoverReportsToTheDelegate) {
     launchAndSettle();
     delegate->popoverController().quitPressed();
     EXPECT_THAT(log.calls(), ElementsAre("shell.terminate"));
@@ -165,7 +166,7 @@ TEST_F(AppDelegateLaunch, ShowsTheCleanupWindowOnlyAfterTheLaunchIsOver) {
                 ElementsAre("cleanup.makeServices", "shell.showCleanupWindow"));
 }
 
-TEST_F(AppDelegateLaunch, TakesNoOtherSpellingOfShowCleanup) {
+TEST_F(AppDelegateLaunch, AcceptsNoOtherSpellingOfShowCleanup) {
     const std::vector<std::vector<std::string>> cases{
         {},         {"--Show-Cleanup"},   {"-show-cleanup"},  {"show-cleanup"},       {"--show-cleanup "},
         {"--show"}, {"--show-cleanup=1"}, {"--show_cleanup"}, {"--show", "-cleanup"}, {"--show-cleanups"}};
@@ -179,7 +180,7 @@ TEST_F(AppDelegateLaunch, TakesNoOtherSpellingOfShowCleanup) {
     }
 }
 
-TEST_F(AppDelegateLaunch, MakesTheCleanupWindowOnce) {
+TEST_F(AppDelegateLaunch, CreatesTheCleanupWindowOnce) {
     world.arguments = {"--show-cleanup", "--show-cleanup"};
     launch();
     world.settle();

@@ -6,11 +6,11 @@ namespace {
 
 using testing::IsEmpty;
 
-// Whatever is posted, scheduled, observed or submitted may be called after the application's controller is gone, and
-// does nothing then. None of it keeps the controller alive.
+// Blocks that are posted, scheduled, observed or submitted may run after the delegate is gone. They do nothing then,
+// and they do not keep the delegate alive.
 class AppDelegateLifetime : public AppDelegateFixture {
 protected:
-    /// Destroys the delegate, which nothing may hold, and forgets what was asked until then.
+    /// Destroys the delegate, which nothing else may own, and clears the log.
     void destroy() {
         const std::weak_ptr<AppDelegate> last = delegate;
         delegate.reset();
@@ -28,7 +28,7 @@ TEST_F(AppDelegateLifetime, EndsItsTimerAndItsObserver) {
                 testing::UnorderedElementsAre("mainQueue.stopTimer", "workspace.stopObservingWake"));
 }
 
-TEST_F(AppDelegateLifetime, AReadThatHasNotBegunDoesNothing) {
+TEST_F(AppDelegateLifetime, AReadThatHasNotStartedDoesNothing) {
     launchAndSettle();
     delegate->refreshStorage();
     destroy();
@@ -74,7 +74,7 @@ TEST_F(AppDelegateLifetime, TheCleanupWindowIsNotShown) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
-TEST_F(AppDelegateLifetime, ATickThatIsOnItsWayDoesNothing) {
+TEST_F(AppDelegateLifetime, APendingTickDoesNothing) {
     launchAndSettle();
     const auto tick = world.mainQueue->lastTimerBlock();
     destroy();
@@ -82,7 +82,7 @@ TEST_F(AppDelegateLifetime, ATickThatIsOnItsWayDoesNothing) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
-TEST_F(AppDelegateLifetime, AWakeThatIsOnItsWayDoesNothing) {
+TEST_F(AppDelegateLifetime, APendingWakeDoesNothing) {
     launchAndSettle();
     const auto wake = world.workspace->wakeBlock();
     destroy();
@@ -90,7 +90,7 @@ TEST_F(AppDelegateLifetime, AWakeThatIsOnItsWayDoesNothing) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
-TEST_F(AppDelegateLifetime, ResultsThatArriveAfterTheEndOfTheApplicationAreStillTaken) {
+TEST_F(AppDelegateLifetime, ResultsThatArriveAfterTerminationAreStillHandled) {
     launch();
     delegate->applicationWillTerminate();
     world.settle();

@@ -113,7 +113,7 @@ TEST_F(AppDelegateStorage, ReadsInTheBackgroundAndShowsOnTheMainQueue) {
     EXPECT_THAT(log.only({"shell.", "volume."}), ElementsAre("shell.showStatusItem", "shell.renderPopover"));
 }
 
-TEST_F(AppDelegateStorage, AFailureIsSaidInPopoverAndTooltip) {
+TEST_F(AppDelegateStorage, AFailureIsShownInPopoverAndTooltip) {
     struct Case {
         StorageReadResult result;
         std::string text;
@@ -177,7 +177,7 @@ TEST_F(AppDelegateStorage, StartingAReadHidesTheLastError) {
         << "the tooltip stays until there is a result";
 }
 
-TEST_F(AppDelegateStorage, AnItemWithoutAButtonIsRefreshedAllTheSame) {
+TEST_F(AppDelegateStorage, AnItemWithoutAButtonIsStillRefreshed) {
     shell.hasButton = false;
     launch();
     world.settle();
@@ -189,7 +189,7 @@ TEST_F(AppDelegateStorage, AnItemWithoutAButtonIsRefreshedAllTheSame) {
     EXPECT_EQ(log.count("volume.read"), 1);
 }
 
-TEST_F(AppDelegateStorage, TheLargestVolumeIsNoProblem) {
+TEST_F(AppDelegateStorage, ShowsTheLargestVolume) {
     world.volume->totalBytes = std::numeric_limits<std::int64_t>::max();
     world.volume->availableBytes = 0;
     launch();

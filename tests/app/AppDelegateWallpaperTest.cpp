@@ -19,14 +19,14 @@ class AppDelegateWallpaper : public AppDelegateFixture {
 protected:
     AppDelegateWallpaper() { world.palette = lake; }
 
-    /// The colours that the bar, the popover's bar and its swatch show, which must be the same.
+    /// The colours of the bar; the popover's bar and its swatch must have the same.
     std::vector<Rgba> shownColors() {
         EXPECT_EQ(shell.popover().barView.themeColors, shell.statusItem().view.themeColors);
         EXPECT_EQ(shell.popover().usedSwatchView.themeColors, shell.statusItem().view.themeColors);
         return shell.statusItem().view.themeColors;
     }
 
-    /// Lets a refresh run to its end; whether it sampled.
+    /// Finishes a refresh and returns whether it sampled.
     bool samples(bool force) {
         const auto before = log.count("wallpaper.palette");
         delegate->refreshWallpaperTheme(force);
@@ -118,14 +118,14 @@ TEST_F(AppDelegateWallpaper, WithoutAFileTheFallbackIsApplied) {
     EXPECT_THAT(log.only({"wallpaper."}), ElementsAre("wallpaper.find Built-in"));
 }
 
-TEST_F(AppDelegateWallpaper, AFileThatGivesNoColorsLeavesTheFallback) {
+TEST_F(AppDelegateWallpaper, AFileWithoutColorsLeavesTheFallback) {
     launchAndSettle();
     world.palette.reset();
     EXPECT_TRUE(samples(true));
     EXPECT_EQ(shownColors(), fallback);
 }
 
-TEST_F(AppDelegateWallpaper, SamplesAgainWhenItMust) {
+TEST_F(AppDelegateWallpaper, SamplesAgainWhenForcedOrChangedOrOld) {
     struct Case {
         std::string name;
         bool force;
@@ -175,7 +175,7 @@ TEST_F(AppDelegateWallpaper, ATickSamplesOnlyWhatIsNewOrOldAndWakingSamplesAlway
     EXPECT_EQ(log.count("wallpaper.palette"), 2);
 }
 
-TEST_F(AppDelegateWallpaper, ThePalettesAgeCountsFromWhenItWasApplied) {
+TEST_F(AppDelegateWallpaper, ThePaletteAgesFromWhenItWasApplied) {
     launchAndSettle();
     delegate->refreshWallpaperTheme(true);
     world.time += 300s;
@@ -186,7 +186,7 @@ TEST_F(AppDelegateWallpaper, ThePalettesAgeCountsFromWhenItWasApplied) {
     EXPECT_TRUE(samples(false));
 }
 
-TEST_F(AppDelegateWallpaper, AFileThatGivesNoColorsIsNotTriedAgainBeforeItIsOld) {
+TEST_F(AppDelegateWallpaper, AFileWithoutColorsIsNotTriedAgainBeforeTheCacheExpires) {
     world.palette.reset();
     launchAndSettle();
     world.palette = lake;
@@ -198,7 +198,7 @@ TEST_F(AppDelegateWallpaper, AFileThatGivesNoColorsIsNotTriedAgainBeforeItIsOld)
     EXPECT_EQ(shownColors(), lake);
 }
 
-TEST_F(AppDelegateWallpaper, TheFallbackForWantOfScreenOrFileLeavesTheCacheAsItWas) {
+TEST_F(AppDelegateWallpaper, AMissingScreenOrFileLeavesTheCacheUnchanged) {
     for (const bool missesScreen : {true, false}) {
         SCOPED_TRACE(missesScreen ? "no screen" : "no file");
         launchAndSettle();
@@ -221,7 +221,7 @@ TEST_F(AppDelegateWallpaper, TheFallbackForWantOfScreenOrFileLeavesTheCacheAsItW
     }
 }
 
-TEST_F(AppDelegateWallpaper, WithNothingSampledYetATickSamples) {
+TEST_F(AppDelegateWallpaper, ATickSamplesWhenNothingWasSampledYet) {
     for (const bool missesScreen : {true, false}) {
         SCOPED_TRACE(missesScreen ? "no screen" : "no file");
         const auto screens = world.workspace->screenList;
@@ -239,7 +239,7 @@ TEST_F(AppDelegateWallpaper, WithNothingSampledYetATickSamples) {
     }
 }
 
-TEST_F(AppDelegateWallpaper, TheOlderOfTwoWallpapersIsSampledAgainWhenItComesBack) {
+TEST_F(AppDelegateWallpaper, AWallpaperThatComesBackIsSampledAgain) {
     launchAndSettle();
     const std::string first = world.wallpaperIdentity;
     world.wallpaperIdentity = "forest";
@@ -265,7 +265,7 @@ TEST_F(AppDelegateWallpaper, OneSamplingRunsAtATime) {
     EXPECT_EQ(log.count("wallpaper.palette"), 1) << "dropped, not queued";
 }
 
-TEST_F(AppDelegateWallpaper, EveryWayOutLetsTheNextSamplingIn) {
+TEST_F(AppDelegateWallpaper, EveryEndOfASamplingAllowsTheNextOne) {
     struct Case {
         std::string name;
         std::function<void(FakeServices&)> arrange;
@@ -294,7 +294,7 @@ TEST_F(AppDelegateWallpaper, EveryWayOutLetsTheNextSamplingIn) {
     }
 }
 
-TEST_F(AppDelegateWallpaper, TheColorsOfAWallpaperThatWasReplacedMeanwhileAreDropped) {
+TEST_F(AppDelegateWallpaper, TheColorsOfAReplacedWallpaperAreDropped) {
     launchAndSettle();
     const std::string first = world.wallpaperIdentity;
     world.wallpaperIdentity = "forest";
@@ -322,14 +322,14 @@ TEST_F(AppDelegateWallpaper, TheColorsOfAWallpaperThatWasReplacedMeanwhileAreDro
     EXPECT_EQ(shownColors(), lake);
 }
 
-TEST_F(AppDelegateWallpaper, ReadAndSamplingDoNotHoldEachOtherUp) {
+TEST_F(AppDelegateWallpaper, ReadAndSamplingDoNotBlockEachOther) {
     launchAndSettle();
     delegate->refreshStorage();
     delegate->refreshWallpaperTheme(true);
     EXPECT_EQ(world.backgroundQueue->waitingCount(), 2);
 }
 
-TEST_F(AppDelegateWallpaper, AForcedRequestIsNotLostWhileATickFindsThatNothingIsDue) {
+TEST_F(AppDelegateWallpaper, AForcedRequestIsKeptWhileATickLooksForTheWallpaper) {
     for (int stepsBefore = 0; stepsBefore <= 1; ++stepsBefore) {
         SCOPED_TRACE(stepsBefore == 0 ? "looking" : "found");
         launchAndSettle();

@@ -18,14 +18,14 @@ protected:
     FakePreferencesStore store{log};
 };
 
-TEST_F(Preferences, OfAFreshUserAreTheDefaults) {
+TEST_F(Preferences, AreTheDefaultsForANewUser) {
     EXPECT_FALSE(AppPreferences::showsUsedPercentage(store));
     EXPECT_EQ(AppPreferences::barStyle(store), BarStyle::storageGradient);
     EXPECT_EQ(AppPreferences::segmentSizing(store), SegmentSizing::verifiedSnapshot);
     EXPECT_EQ(log->count("preferences.write"), 0) << "no default is registered";
 }
 
-TEST_F(Preferences, AStyleIsReadByItsRawValueAlone) {
+TEST_F(Preferences, OnlyTheRawValueOfAStyleIsRead) {
     struct Case {
         FakePreferencesStore::Value stored;
         BarStyle style;

@@ -1,6 +1,7 @@
 #include "tests/app/AppDelegateFixture.h"
 
 #include <algorithm>
+#include <variant>
 
 namespace vantry {
 
@@ -9,159 +10,139 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::string marked(const MenuItemContent& item) {
-    return (item.checked ? "[x] " : item.checkable ? "[ ] " : "") + item.title + (item.enabled ? "" : " (disabled)");
+/// An entry as a line: "[x] Show % Used", "Bar Style >", "Quit Ombrel (q)".
+struct Line {
+    std::string operator()(const MenuItemContent& item) const {
+        const std::string mark = !item.checked ? "" : *item.checked ? "[x] " : "[ ] ";
+        return mark + item.title + (item.keyEquivalent.empty() ? "" : " (" + item.keyEquivalent + ")");
+    }
+    std::string operator()(const SubmenuContent& submenu) const {
+        return submenu.title + (submenu.enabled ? " >" : " > (disabled)");
+    }
+    std::string operator()(const MenuSeparator& /*separator*/) const { return "--"; }
+};
+
+std::vector<std::string> lines(const ContextMenuContent& menu) {
+    std::vector<std::string> lines;
+    for (const MenuEntry& entry : menu.entries)
+        lines.push_back(std::visit(Line{}, entry));
+    return lines;
 }
 
-std::vector<std::string> marked(const std::vector<MenuItemContent>& items) {
-    std::vector<std::string> titles;
-    for (const auto& item : items)
-        titles.push_back(marked(item));
-    return titles;
+/// The entry of one kind with a title.
+template <class Entry>
+const Entry& called(const ContextMenuContent& menu, std::string_view title) {
+    for (const MenuEntry& each : menu.entries)
+        if (const auto* entry = std::get_if<Entry>(&each); entry && entry->title == title)
+            return *entry;
+    ADD_FAILURE() << title;
+    static const Entry none;
+    return none;
 }
 
-const MenuItemContent& itemCalled(const std::vector<MenuItemContent>& items, std::string_view title) {
-    const auto found = std::ranges::find(items, title, &MenuItemContent::title);
-    EXPECT_NE(found, items.end()) << title;
-    return *found;
-}
-
-TEST(ContextMenu, HasTheseItemsInThisOrder) {
-    struct Row {
-        std::string title;
-        MenuCommand command;
-        bool checkable;
-        bool separator;
-        std::string keyEquivalent;
-        std::size_t submenuSize;
-    };
-    const std::vector<Row> rows{
-        {"Refresh", MenuCommand::refresh, false, false, "", 0},
-        {"Open Storage Settings\u2026", MenuCommand::openStorageSettings, false, false, "", 0},
-        {"Free Up Space\u2026", MenuCommand::freeUpSpace, false, false, "", 0},
-        {"Show % Used", MenuCommand::showPercentage, true, false, "", 0},
-        {"Bar Style", MenuCommand::none, false, false, "", 4},
-        {"Segment Widths", MenuCommand::none, false, false, "", 2},
-        {"Launch at Login", MenuCommand::launchAtLogin, true, false, "", 0},
-        {"", MenuCommand::none, false, true, "", 0},
-        {"Quit Ombrel", MenuCommand::quit, false, false, "q", 0},
+TEST(ContextMenu, ItsItemsHaveTheseCommands) {
+    const std::vector<std::pair<std::string, MenuCommand>> rows{
+        {"Refresh", MenuCommand::refresh},
+        {"Open Storage Settings\u2026", MenuCommand::openStorageSettings},
+        {"Free Up Space\u2026", MenuCommand::freeUpSpace},
+        {"Show % Used", MenuCommand::showPercentage},
+        {"Launch at Login", MenuCommand::launchAtLogin},
+        {"Quit Ombrel", MenuCommand::quit},
     };
     const auto menu = contextMenuContent({});
-    ASSERT_EQ(menu.items.size(), rows.size());
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const MenuItemContent& item = menu.items[i];
-        SCOPED_TRACE(rows[i].title);
-        EXPECT_EQ(item.title, rows[i].title);
-        EXPECT_EQ(item.command, rows[i].command);
-        EXPECT_EQ(item.checkable, rows[i].checkable);
-        EXPECT_EQ(item.separator, rows[i].separator);
-        EXPECT_EQ(item.keyEquivalent, rows[i].keyEquivalent);
-        EXPECT_EQ(item.submenu.size(), rows[i].submenuSize);
-        EXPECT_EQ(item.representedObject, "");
+    for (const auto& [title, command] : rows) {
+        EXPECT_EQ(called<MenuItemContent>(menu, title).command, command) << title;
+        EXPECT_EQ(called<MenuItemContent>(menu, title).representedObject, "") << title;
     }
 }
 
 TEST(ContextMenu, ItsSubmenusHoldEveryChoiceWithItsRawValue) {
-    struct Row {
-        std::string title;
-        MenuCommand command;
-        std::string representedObject;
-    };
-    const std::vector<std::pair<std::string, std::vector<Row>>> submenus{
-        {"Bar Style",
-         {{"Rainbow", MenuCommand::barStyle, "storageGradient"},
-          {"macOS Storage Colors", MenuCommand::barStyle, "macOSSegments"},
-          {"Vivid Theme", MenuCommand::barStyle, "vividTheme"},
-          {"Current Theme", MenuCommand::barStyle, "currentTheme"}}},
-        {"Segment Widths",
-         {{"Equal Colors", MenuCommand::segmentSizing, "equal"},
-          {"Verified Storage Snapshot", MenuCommand::segmentSizing, "verifiedSnapshot"}}},
-    };
+    using Item = MenuItemContent;
     const auto menu = contextMenuContent({});
-    for (const auto& [title, rows] : submenus) {
-        const auto& items = itemCalled(menu.items, title).submenu;
-        ASSERT_EQ(items.size(), rows.size());
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            SCOPED_TRACE(rows[i].title);
-            EXPECT_EQ(items[i].title, rows[i].title);
-            EXPECT_EQ(items[i].command, rows[i].command);
-            EXPECT_EQ(items[i].representedObject, rows[i].representedObject);
-            EXPECT_TRUE(items[i].enabled);
-            EXPECT_TRUE(items[i].checkable);
-            EXPECT_FALSE(items[i].separator);
-            EXPECT_EQ(items[i].keyEquivalent, "");
-            EXPECT_THAT(items[i].submenu, IsEmpty());
-        }
-    }
+    EXPECT_THAT(called<SubmenuContent>(menu, "Bar Style").items,
+                ElementsAre(Item{"Rainbow", MenuCommand::barStyle, true, "", "storageGradient"},
+                            Item{"macOS Storage Colors", MenuCommand::barStyle, false, "", "macOSSegments"},
+                            Item{"Vivid Theme", MenuCommand::barStyle, false, "", "vividTheme"},
+                            Item{"Current Theme", MenuCommand::barStyle, false, "", "currentTheme"}));
+    EXPECT_THAT(
+        called<SubmenuContent>(menu, "Segment Widths").items,
+        ElementsAre(Item{"Equal Colors", MenuCommand::segmentSizing, false, "", "equal"},
+                    Item{"Verified Storage Snapshot", MenuCommand::segmentSizing, true, "", "verifiedSnapshot"}));
 }
 
-TEST(ContextMenu, MarksWhatIsChosen) {
+TEST(ContextMenu, HasTheseEntriesInThisOrderAndMarksWhatIsChosen) {
     const auto menu = contextMenuContent({.showsUsedPercentage = false,
                                           .barStyle = BarStyle::storageGradient,
                                           .segmentSizing = SegmentSizing::verifiedSnapshot,
                                           .launchesAtLogin = false});
-    EXPECT_THAT(marked(menu.items),
-                ElementsAre("Refresh", "Open Storage Settings…", "Free Up Space…", "[ ] Show % Used", "Bar Style",
-                            "Segment Widths (disabled)", "[ ] Launch at Login", "", "Quit Ombrel"));
+    EXPECT_THAT(lines(menu),
+                ElementsAre("Refresh", "Open Storage Settings…", "Free Up Space…", "[ ] Show % Used", "Bar Style >",
+                            "Segment Widths > (disabled)", "[ ] Launch at Login", "--", "Quit Ombrel (q)"));
     const auto other = contextMenuContent({.showsUsedPercentage = true,
                                            .barStyle = BarStyle::macOSSegments,
                                            .segmentSizing = SegmentSizing::equal,
                                            .launchesAtLogin = true});
-    EXPECT_THAT(marked(other.items),
-                ElementsAre("Refresh", "Open Storage Settings…", "Free Up Space…", "[x] Show % Used", "Bar Style",
-                            "Segment Widths", "[x] Launch at Login", "", "Quit Ombrel"));
+    EXPECT_THAT(lines(other),
+                ElementsAre("Refresh", "Open Storage Settings…", "Free Up Space…", "[x] Show % Used", "Bar Style >",
+                            "Segment Widths >", "[x] Launch at Login", "--", "Quit Ombrel (q)"));
 }
 
 TEST(ContextMenu, MarksExactlyTheStyleAndTheSizingThatAreStored) {
     for (const auto& style : allBarStyles) {
         for (const auto& sizing : allSegmentSizings) {
             const auto menu = contextMenuContent({.barStyle = style.value, .segmentSizing = sizing.value});
-            for (const auto& item : itemCalled(menu.items, "Bar Style").submenu)
+            for (const auto& item : called<SubmenuContent>(menu, "Bar Style").items)
                 EXPECT_EQ(item.checked, item.title == style.displayName) << item.title;
-            for (const auto& item : itemCalled(menu.items, "Segment Widths").submenu)
+            for (const auto& item : called<SubmenuContent>(menu, "Segment Widths").items)
                 EXPECT_EQ(item.checked, item.title == sizing.displayName) << item.title;
-            EXPECT_EQ(itemCalled(menu.items, "Segment Widths").enabled, style.value == BarStyle::macOSSegments);
-            EXPECT_TRUE(itemCalled(menu.items, "Bar Style").enabled);
+            EXPECT_EQ(called<SubmenuContent>(menu, "Segment Widths").enabled, style.value == BarStyle::macOSSegments);
+            EXPECT_TRUE(called<SubmenuContent>(menu, "Bar Style").enabled);
         }
     }
 }
 
-// The menu in the hands of the application that it commands.
+// The menu with the application that it controls.
 class ContextMenuCommands : public AppDelegateFixture {
 protected:
-    /// Opens the menu and chooses the item at `path`: a title, or a submenu's and a title in it.
+    ContextMenuContent openMenu() {
+        delegate->showContextMenu();
+        return shell.menu.value();
+    }
+    static MenuItemContent itemAt(const ContextMenuContent& menu, const std::vector<std::string>& path) {
+        if (path.size() == 1)
+            return called<MenuItemContent>(menu, path.front());
+        const auto& items = called<SubmenuContent>(menu, path.front()).items;
+        const auto found = std::ranges::find(items, path.back(), &MenuItemContent::title);
+        EXPECT_NE(found, items.end()) << path.back();
+        return *found;
+    }
+    /// Opens the menu and chooses the item at `path`: a title, or a submenu's title and one in it.
     void choose(const std::vector<std::string>& path) {
-        const auto menu = delegate->contextMenu();
-        const MenuItemContent* item = &itemCalled(menu.items, path.front());
-        if (path.size() == 2)
-            item = &itemCalled(item->submenu, path.back());
+        const auto item = itemAt(openMenu(), path);
         log.clear();
-        delegate->performMenuItem(*item);
+        delegate->performMenuItem(item);
     }
 };
 
 TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
     struct Case {
         std::vector<std::string> path;
-        std::vector<std::string> asked; ///< without the reading and drawing that goes with it
+        std::vector<std::string> asked; ///< without reads and rendering
     };
     const std::vector<Case> cases{
         {{"Refresh"}, {"volume.read", "wallpaper.find Built-in", "wallpaper.palette /pictures/lake.heic 7"}},
         {{"Open Storage Settings…"}, {"workspace.openURL x-apple.systempreferences:com.apple.settings.Storage"}},
         {{"Free Up Space…"}, {"cleanup.makeServices", "shell.showCleanupWindow", "cleanup.scan"}},
         {{"Show % Used"}, {"preferences.write showUsedPercentage true"}},
-        {{"Bar Style"}, {}},
         {{"Bar Style", "Rainbow"}, {"preferences.write barStyle storageGradient"}},
         {{"Bar Style", "macOS Storage Colors"}, {"preferences.write barStyle macOSSegments"}},
         {{"Bar Style", "Vivid Theme"}, {"preferences.write barStyle vividTheme"}},
         {{"Bar Style", "Current Theme"},
          {"preferences.write barStyle currentTheme", "wallpaper.find Built-in",
           "wallpaper.palette /pictures/lake.heic 7"}},
-        {{"Segment Widths"}, {}},
         {{"Segment Widths", "Equal Colors"}, {"preferences.write segmentSizing equal"}},
         {{"Segment Widths", "Verified Storage Snapshot"}, {"preferences.write segmentSizing verifiedSnapshot"}},
         {{"Launch at Login"}, {"loginItem.setEnabled true"}},
-        {{""}, {}},
         {{"Quit Ombrel"}, {"shell.terminate"}},
     };
     for (const auto& [path, asked] : cases) {
@@ -181,7 +162,7 @@ TEST_F(ContextMenuCommands, DoWhatTheirTitlesSay) {
 TEST_F(ContextMenuCommands, AreRightInTheNextMenu) {
     struct Step {
         std::vector<std::string> path;
-        ContextMenuState after;
+        UserChoices after;
         double length;
     };
     using enum BarStyle;
@@ -205,11 +186,12 @@ TEST_F(ContextMenuCommands, AreRightInTheNextMenu) {
         {{"Quit Ombrel"}, {true, storageGradient, verifiedSnapshot, false}, 94},
     };
     launchAndSettle();
-    EXPECT_EQ(delegate->contextMenu(), contextMenuContent({}));
+    EXPECT_EQ(openMenu(), contextMenuContent({}));
     for (const auto& [path, after, length] : steps) {
         SCOPED_TRACE(testing::PrintToString(path));
         choose(path);
-        EXPECT_EQ(delegate->contextMenu(), contextMenuContent(after));
+        EXPECT_EQ(shell.statusItem().menu, contextMenuContent(after)) << "without being asked for";
+        EXPECT_EQ(openMenu(), contextMenuContent(after));
         EXPECT_EQ(shell.statusItem().length, length);
         EXPECT_EQ(shell.statusItem().view.barStyle, after.barStyle);
         EXPECT_EQ(shell.statusItem().view.segmentSizing, after.segmentSizing);
@@ -218,13 +200,37 @@ TEST_F(ContextMenuCommands, AreRightInTheNextMenu) {
     }
 }
 
-TEST_F(ContextMenuCommands, TheMenuTakesTheStoreAsItIs) {
+TEST_F(ContextMenuCommands, UnknownStoredValuesShowAsTheDefaults) {
     launchAndSettle();
     world.preferences->values = {{"barStyle", "rainbow"}, {"segmentSizing", "Equal"}, {"showUsedPercentage", "yes"}};
-    EXPECT_EQ(delegate->contextMenu(), contextMenuContent({.showsUsedPercentage = false,
-                                                           .barStyle = BarStyle::storageGradient,
-                                                           .segmentSizing = SegmentSizing::verifiedSnapshot,
-                                                           .launchesAtLogin = false}));
+    EXPECT_EQ(openMenu(), contextMenuContent({.showsUsedPercentage = false,
+                                              .barStyle = BarStyle::storageGradient,
+                                              .segmentSizing = SegmentSizing::verifiedSnapshot,
+                                              .launchesAtLogin = false}));
+}
+
+TEST_F(ContextMenuCommands, AHostThatAnnouncesTheMenuGetsTheStoredValuesOfThatMoment) {
+    launchAndSettle();
+    world.preferences->values = {{"showUsedPercentage", true}, {"barStyle", "macOSSegments"}};
+    world.agentFileExists = true;
+    delegate->menuWillOpen();
+    EXPECT_EQ(shell.statusItem().menu,
+              contextMenuContent(
+                  {.showsUsedPercentage = true, .barStyle = BarStyle::macOSSegments, .launchesAtLogin = true}));
+}
+
+TEST_F(ContextMenuCommands, AHostThatDoesNotAnnounceTheMenuGetsTheStoredValuesWithinAMinute) {
+    launchAndSettle();
+    world.preferences->values = {{"barStyle", "vividTheme"}};
+    delegate->timerFired();
+    EXPECT_EQ(shell.statusItem().menu, contextMenuContent({.barStyle = BarStyle::vividTheme}));
+}
+
+TEST_F(ContextMenuCommands, ARefreshReadsNoPreferences) {
+    launchAndSettle();
+    delegate->refreshStorage();
+    world.settle();
+    EXPECT_THAT(log.only({"preferences.", "loginItem."}), IsEmpty());
 }
 
 TEST_F(ContextMenuCommands, ThePercentageInvertsWhatIsStoredAtThatMoment) {
@@ -249,31 +255,31 @@ TEST_F(ContextMenuCommands, UnknownRepresentedObjectsDoNothing) {
     EXPECT_EQ(world.backgroundQueue->waitingCount(), 0);
 }
 
-TEST_F(ContextMenuCommands, LaunchAtLoginFollowsAFileThatWasChangedOutside) {
+TEST_F(ContextMenuCommands, LaunchAtLoginFollowsAFileThatAnotherProgramChanged) {
     world.agentFileExists = true;
     launchAndSettle();
-    EXPECT_TRUE(itemCalled(delegate->contextMenu().items, "Launch at Login").checked);
+    EXPECT_TRUE(called<MenuItemContent>(openMenu(), "Launch at Login").checked.value());
     world.agentFileExists = false;
-    EXPECT_FALSE(itemCalled(delegate->contextMenu().items, "Launch at Login").checked);
+    EXPECT_FALSE(called<MenuItemContent>(openMenu(), "Launch at Login").checked.value());
     choose({"Launch at Login"});
     EXPECT_EQ(log.count("loginItem.setEnabled true"), 1);
     EXPECT_TRUE(world.agentFileExists);
 }
 
-TEST_F(ContextMenuCommands, LaunchAtLoginDecidesWhenItIsChosenAndNotWhenTheMenuOpened) {
+TEST_F(ContextMenuCommands, LaunchAtLoginReadsTheFileWhenItIsChosen) {
     launchAndSettle();
-    const auto menu = delegate->contextMenu();
+    const auto item = itemAt(openMenu(), {"Launch at Login"});
     world.agentFileExists = true;
-    delegate->performMenuItem(itemCalled(menu.items, "Launch at Login"));
+    delegate->performMenuItem(item);
     EXPECT_FALSE(world.agentFileExists);
 }
 
-TEST_F(ContextMenuCommands, ABadTurnOfLaunchAtLoginIsSaidInThePopover) {
+TEST_F(ContextMenuCommands, AFailureOfLaunchAtLoginIsShownInThePopover) {
     launchAndSettle();
     world.loginItemError = Error{ErrorKind::noSpace, "No space left on device"};
     choose({"Launch at Login"});
     EXPECT_EQ(shell.popover().errorLabel.text, "Could not change Login Items: No space left on device");
-    EXPECT_FALSE(itemCalled(delegate->contextMenu().items, "Launch at Login").checked);
+    EXPECT_FALSE(called<MenuItemContent>(openMenu(), "Launch at Login").checked.value());
 }
 
 } // namespace

@@ -11,7 +11,7 @@
 
 namespace vantry {
 
-/// A home of its own, with the autostart folder in it wherever the system has one.
+/// A temporary home folder, with an autostart folder on systems that have one.
 class LaunchAtLoginFixture : public testing::Test {
 protected:
     [[nodiscard]] LaunchAtLoginController::Environment
@@ -20,7 +20,7 @@ protected:
                 .runningApplication = application,
                 .installedApplications = {home_ / "local/ombrel", home_ / "usr/ombrel"}};
     }
-    /// An executable file of that name in the home folder.
+    /// Creates an executable file in the home folder.
     [[nodiscard]] std::string install(const std::string& name) const {
         const auto file = home_ / name;
         std::filesystem::create_directories(file.parent_path());
@@ -48,7 +48,7 @@ protected:
                 names.insert(entry.path().filename().native());
         return names;
     }
-    /// What the system says about switching the login item, as an ordinary user, since root may do everything.
+    /// Switches the login item as an ordinary user, because root passes every permission check.
     [[nodiscard]] std::string errorForOrdinaryUser(bool enabled) const {
         return inChildProcess([&]() -> std::string {
             if (!becomeUser(unknownUser()))

@@ -5,7 +5,7 @@ namespace vantry {
 
 namespace {
 
-// Texts with figures and times follow the user's locale and time zone; here everybody's are the same.
+// Figures and times follow the user's locale and time zone, so the tests set both.
 class PlainEnvironment : public testing::Environment {
 public:
     void SetUp() override {

@@ -80,7 +80,7 @@ TEST_F(LaterStarts, AreAllAnsweredInTheirOrder) {
     EXPECT_EQ(world.mainQueue->fireReadable(), 0) << "nothing is left over";
 }
 
-TEST_F(LaterStarts, FindAnInstanceThatHasRunForDays) {
+TEST_F(LaterStarts, ReachAnInstanceThatHasRunForDays) {
     listen();
     const auto lock = folder / (std::string(name) + ".lock");
     const auto socket = folder / (std::string(name) + ".socket");
@@ -96,7 +96,7 @@ TEST_F(LaterStarts, FindAnInstanceThatHasRunForDays) {
     }
 }
 
-TEST_F(LaterStarts, AreHeardAndForgottenWhenTheDelegateIsGone) {
+TEST_F(LaterStarts, AreReceivedAndDroppedWhenTheDelegateIsGone) {
     launchAndSettle();
     listen();
     const std::weak_ptr<AppDelegate> last = delegate;
@@ -110,7 +110,7 @@ TEST_F(LaterStarts, AreHeardAndForgottenWhenTheDelegateIsGone) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
-TEST_F(LaterStarts, AreNotHeardAnyMoreWhenTheEventsEnd) {
+TEST_F(LaterStarts, AreNotReceivedAfterTheEventsEnd) {
     launchAndSettle();
     listen();
     events.reset();
@@ -119,7 +119,7 @@ TEST_F(LaterStarts, AreNotHeardAnyMoreWhenTheEventsEnd) {
     EXPECT_TRUE(next && *next) << "the place is free again";
 }
 
-TEST_F(LaterStarts, AreNoMatterWithoutAnInstance) {
+TEST_F(LaterStarts, AreNotNeededWithoutAnInstance) {
     launchAndSettle();
     const ProcessEvents none(*world.mainQueue, shell, delegate, nullptr, -1);
     EXPECT_EQ(log.count("mainQueue.whenReadable"), 0);
@@ -159,7 +159,7 @@ TEST_F(Termination, NeedsNoDelegate) {
     EXPECT_EQ(log.count("shell.terminate"), 1);
 }
 
-TEST_F(Termination, IsNotWatchedAnyMoreWhenTheEventsEnd) {
+TEST_F(Termination, IsNotWatchedAfterTheEventsEnd) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     const UniqueFd readEnd(ends[0]);

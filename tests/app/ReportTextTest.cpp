@@ -4,6 +4,12 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace vantry {
 
@@ -37,7 +43,13 @@ CleanupScanReport report(std::vector<CleanupCandidate> candidates = {}) {
     return made;
 }
 
-std::string textOf(const CleanupScanReport& scanned) { return reportText(scanned, "/home/ada", false); }
+constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+
+std::string withoutLineBreaks(const std::string& text) { return std::regex_replace(text, std::regex("\\s+"), " "); }
+
+std::string textOf(const CleanupScanReport& scanned) {
+    return reportText(scanned, "/home/ada", false, HostSystem::macOS);
+}
 
 TEST(ReportText, BeginsWithTheVolumeAndEndsWithWhatItTook) {
     const auto text = textOf(report());
@@ -57,11 +69,11 @@ TEST(ReportText, ListsCandidatesByAreaWithSizeConfidencePathAndReason) {
     EXPECT_THAT(text, HasSubstr("\n2 items to review, 5 MB; 1 of them low risk, 2 MB\n"));
     EXPECT_THAT(text, HasSubstr("\nTemporary App Files\n"
                                 "      2 MB  Low Risk      old.log\n"
-                                "                          ~/Library/Logs/old.log\n"
-                                "                          Because.\n"
+                                "            ~/Library/Logs/old.log\n"
+                                "            Because.\n"
                                 "\nApps & App Data\n"
                                 "      3 MB  Review First  x\n"
-                                "                          /Applications/x\n"));
+                                "            /Applications/x\n"));
     EXPECT_THAT(text, Not(HasSubstr("Coding Tools")));
 }
 
@@ -71,7 +83,6 @@ TEST(ReportText, CountsOneItemAndNoneOfLowRisk) {
 }
 
 TEST(ReportText, ATotalThatWouldOverflowIsTheLargest) {
-    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
     EXPECT_THAT(textOf(report(
                     {candidate("/x", CleanupCategory::orphan, largest), candidate("/y", CleanupCategory::orphan, 1)})),
                 HasSubstr("2 items to review, 9.22 EB;"));
@@ -83,7 +94,7 @@ TEST(ReportText, ShowsNoControlCharactersAndNoBrokenText) {
     EXPECT_EQ(text.find('\x1b'), std::string::npos);
 }
 
-TEST(ReportText, ShowsNothingThatHidesWhatANameIs) {
+TEST(ReportText, EscapesCharactersThatDisguiseAName) {
     const std::pair<const char*, const char*> cases[] = {{"\xc2\x9b"
                                                           "31m",
                                                           "\\xc2\\x9b31m"},
@@ -106,9 +117,10 @@ TEST(ReportText, ShowsNothingThatHidesWhatANameIs) {
                     HasSubstr(std::string(" ~/") + shown + "\n"));
 }
 
-TEST(ReportText, OnlyWhatLiesBelowTheHomeFolderIsShortened) {
+TEST(ReportText, OnlyPathsBelowTheHomeFolderAreShortened) {
     EXPECT_THAT(textOf(report({candidate("/home/adam/x", CleanupCategory::log, 1)})), HasSubstr(" /home/adam/x\n"));
-    EXPECT_THAT(reportText(report({candidate("/x", CleanupCategory::log, 1)}), "", false), HasSubstr(" /x\n"));
+    EXPECT_THAT(reportText(report({candidate("/x", CleanupCategory::log, 1)}), "", false, HostSystem::macOS),
+                HasSubstr(" /x\n"));
 }
 
 TEST(ReportText, TellsStateAndUsageOfEveryCategoryAndWhyOneWasNotCheckedCompletely) {
@@ -127,20 +139,101 @@ TEST(ReportText, TellsStateAndUsageOfEveryCategoryAndWhyOneWasNotCheckedComplete
         scanned.metrics[CleanupCategory::log].occupied = CleanupByteAmount::unavailable();
         const auto text = textOf(scanned);
         EXPECT_THAT(text, HasSubstr(std::string(title(state))));
-        EXPECT_THAT(text, HasSubstr("at least 5 MB  2 items, 3 MB\n"));
+        EXPECT_THAT(text, HasSubstr("at least 5 MB\n                            2 items to review, 3 MB\n"));
         EXPECT_THAT(text, HasSubstr("size unknown\n"));
-        EXPECT_THAT(text, HasSubstr(std::string("Not checked completely\n  Temporary App Files: ") + why + "\n"));
+        EXPECT_THAT(withoutLineBreaks(text),
+                    HasSubstr(std::string("Not checked completely Temporary App Files: ") + why));
     }
     EXPECT_THAT(textOf(report()), Not(HasSubstr("Not checked completely")));
 }
 
+TEST(ReportText, FitsATerminalExceptForNamesAndPaths) {
+    auto scanned = report();
+    for (const auto& row : allCleanupCategories) {
+        auto found = candidate("/x", row.value, largest);
+        found.reason = "An old file that nobody needs, with a reason of which the last words do not fit on one line.";
+        scanned.candidates.push_back(std::move(found));
+        scanned.states[row.value] = CleanupScanState::limited;
+        scanned.metrics[row.value] = {CleanupByteAmount::atLeast(999'999'999'999), 999'999'999'999, 99'999};
+    }
+    for (const auto system : {HostSystem::macOS, HostSystem::linuxDesktop}) {
+        std::istringstream lines(reportText(scanned, "/home/ada", false, system));
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_LE(line.size(), 80U) << line;
+    }
+}
+
+TEST(ReportText, ContinuationLinesAreIndented) {
+    auto scanned = report({candidate("/x", CleanupCategory::log, 1)});
+    scanned.candidates.front().reason = "Twelve and sixty-eight columns: this sentence ends here, and goes on below.";
+    EXPECT_THAT(textOf(scanned),
+                HasSubstr("\n            Twelve and sixty-eight columns: this sentence ends here, and goes on\n"
+                          "              below.\n"));
+}
+
+TEST(ReportText, OnLinuxLeavesOutCategoriesWithoutAPlace) {
+    auto scanned = report();
+    scanned.states[CleanupCategory::developerArchive] = CleanupScanState::notPresent;
+    EXPECT_THAT(textOf(scanned), HasSubstr("Xcode Archives            Not on This Mac\n"));
+    const auto onLinux = reportText(scanned, "/home/ada", false, HostSystem::linuxDesktop);
+    EXPECT_THAT(onLinux, Not(HasSubstr("Xcode Archives")));
+    EXPECT_THAT(onLinux, HasSubstr("Temporary App Files"));
+}
+
 TEST(ReportText, ColoursAreTheOnlyDifferenceOnATerminal) {
     const auto scanned = report({candidate("/x", CleanupCategory::log, 1)});
-    auto colored = reportText(scanned, "/home/ada", true);
+    auto colored = reportText(scanned, "/home/ada", true, HostSystem::macOS);
     EXPECT_THAT(colored, HasSubstr("\x1b[32mLow Risk"));
     for (std::size_t at = 0; (at = colored.find('\x1b')) != std::string::npos;)
         colored.erase(at, colored.find('m', at) - at + 1);
     EXPECT_EQ(colored, textOf(scanned));
+}
+
+TEST(ReportJson, EachIdentifierIsAsciiAndStandsForOneThing) {
+    const auto expectUnique = [](const std::vector<std::string_view>& identifiers) {
+        const std::set<std::string_view> different(identifiers.begin(), identifiers.end());
+        EXPECT_EQ(different.size(), identifiers.size());
+        for (const auto identifier : identifiers)
+            EXPECT_TRUE(std::regex_match(identifier.begin(), identifier.end(), std::regex("[a-z][A-Za-z]+")))
+                << identifier;
+    };
+    std::vector<std::string_view> categories;
+    for (const auto& row : allCleanupCategories)
+        categories.push_back(identifier(row.value));
+    expectUnique(categories);
+    EXPECT_THAT(categories,
+                testing::ElementsAre("cache", "log", "crashReport", "installer", "archive", "interruptedDownload",
+                                     "largeDownload", "macOSInstaller", "orphan", "developerBuild", "developerCache",
+                                     "developerArchive", "deviceBackup", "deviceSoftware"));
+    std::vector<std::string_view> areas;
+    for (const auto& row : allCleanupAreas)
+        areas.push_back(identifier(row.value));
+    expectUnique(areas);
+    EXPECT_THAT(areas, testing::ElementsAre("quickWins", "downloads", "apps", "developer", "devices", "system"));
+    using State = CleanupScanState;
+    std::vector<std::string_view> states;
+    for (const auto state : {State::checked, State::limited, State::notPresent, State::relocated,
+                             State::permissionNeeded, State::unavailable})
+        states.push_back(identifier(state));
+    expectUnique(states);
+    EXPECT_THAT(states, testing::ElementsAre("checked", "limited", "notPresent", "relocated", "permissionNeeded",
+                                             "unavailable"));
+    using Disposition = CleanupRemovalDisposition;
+    std::vector<std::string_view> dispositions;
+    for (const auto disposition :
+         {Disposition::directTrash, Disposition::reviewOnly, Disposition::protectedFromRemoval})
+        dispositions.push_back(identifier(disposition));
+    expectUnique(dispositions);
+    EXPECT_THAT(dispositions, testing::ElementsAre("directTrash", "reviewOnly", "protected"));
+}
+
+TEST(ReportJson, MentionsTheMacOnEverySystemAndHasTheReserveWhereItIsKnown) {
+    auto scanned = report();
+    scanned.states[CleanupCategory::cache] = CleanupScanState::notPresent;
+    EXPECT_EQ(Json::parse(reportJson(scanned))["categories"]["Temporary App Files"]["state"], "Not on This Mac");
+    EXPECT_FALSE(Json::parse(reportJson(scanned))["storage"].contains("reservedBytes"));
+    scanned.storageSnapshot->reservedBytes = 7;
+    EXPECT_EQ(Json::parse(reportJson(scanned))["storage"]["reservedBytes"], 7);
 }
 
 TEST(ReportJson, IsOneLineWithEveryField) {
@@ -159,15 +252,20 @@ TEST(ReportJson, IsOneLineWithEveryField) {
     EXPECT_EQ(object["candidates"], Json::array({{{"path", "/home/ada/old.log"},
                                                   {"title", "old.log"},
                                                   {"category", "Old Log Files"},
+                                                  {"categoryId", "log"},
                                                   {"area", "Temporary App Files"},
+                                                  {"areaId", "quickWins"},
                                                   {"reason", "Because."},
                                                   {"sizeBytes", 2'000'000},
                                                   {"sizeIsLowerBound", false},
                                                   {"confidence", "Low Risk"},
                                                   {"disposition", "Low Risk"},
+                                                  {"dispositionId", "directTrash"},
                                                   {"modifiedAt", "2023-11-14T22:13:20Z"}}}));
     EXPECT_EQ(object["categories"].size(), allCleanupCategories.size());
-    EXPECT_EQ(object["categories"]["Old Log Files"], Json({{"state", "Checked"},
+    EXPECT_EQ(object["categories"]["Old Log Files"], Json({{"categoryId", "log"},
+                                                           {"state", "Checked"},
+                                                           {"stateId", "checked"},
                                                            {"occupied", {{"kind", "atLeast"}, {"bytes", 7}}},
                                                            {"reviewableBytes", 2'000'000},
                                                            {"reviewableItemCount", 1}}));
@@ -193,7 +291,7 @@ TEST(ReportJson, WithoutAVolumeOrADateHasNullThere) {
     EXPECT_TRUE(object["candidates"][0]["modifiedAt"].is_null());
 }
 
-TEST(ReportJson, APathThatIsNoUtf8IsPercentEncoded) {
+TEST(ReportJson, APathThatIsNotUtf8IsPercentEncoded) {
     const auto object =
         Json::parse(reportJson(report({candidate("/home/ada/a b\xff%é.log", CleanupCategory::log, 1)})));
     EXPECT_FALSE(object["candidates"][0].contains("path"));

@@ -6,7 +6,7 @@
 
 namespace vantry {
 
-/// Puts the handlers of the termination signals back as they were, so that a test that catches them leaves no trace.
+/// Restores the handlers of the termination signals after a test that catches them.
 class RestoredSignals {
 public:
     RestoredSignals() {

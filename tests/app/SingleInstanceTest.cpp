@@ -30,7 +30,7 @@ protected:
         return folder.path() / (std::string(testName) + ".socket");
     }
 
-    /// Binds a socket to the instance's address, and leaves the file behind as a killed process does.
+    /// Binds a socket to the instance's address and leaves its file behind, like a killed process.
     void leaveSocketBehind() const {
         const UniqueFd socket(::socket(AF_UNIX, SOCK_DGRAM, 0));
         const sockaddr_un address = addressOfSocket();
@@ -71,7 +71,7 @@ TEST_F(TheOneInstance, NeitherWaitsOnItsSocketNorGivesItToChildren) {
     EXPECT_EQ(fcntl((*instance)->descriptor(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
-TEST_F(TheOneInstance, MayBeAnotherWhenTheFirstHasEnded) {
+TEST_F(TheOneInstance, CanBeClaimedAgainAfterTheFirstEnded) {
     for (int i = 0; i < 3; ++i) {
         const auto instance = claim();
         EXPECT_TRUE(instance && *instance);
@@ -86,7 +86,7 @@ TEST_F(TheOneInstance, IsOnePerName) {
     EXPECT_TRUE(other && *other);
 }
 
-TEST_F(TheOneInstance, HearsWhatIsAskedInThatOrder) {
+TEST_F(TheOneInstance, ReceivesRequestsInOrder) {
     const auto instance = claim();
     ASSERT_TRUE(instance && *instance);
     EXPECT_EQ((*instance)->receive(), std::nullopt);
@@ -99,14 +99,14 @@ TEST_F(TheOneInstance, HearsWhatIsAskedInThatOrder) {
     EXPECT_EQ((*instance)->receive(), std::nullopt);
 }
 
-TEST_F(TheOneInstance, StillHearsAfterAnotherStartHasTriedToClaim) {
+TEST_F(TheOneInstance, StillReceivesRequestsAfterAnotherStartTriedToClaim) {
     const auto instance = claim();
     ASSERT_TRUE(claim());
     ASSERT_TRUE(ask(InstanceRequest::showCleanup));
     EXPECT_EQ((*instance)->receive(), InstanceRequest::showCleanup);
 }
 
-TEST_F(TheOneInstance, PassesOverWhatIsNoRequest) {
+TEST_F(TheOneInstance, SkipsUnknownMessages) {
     const auto instance = claim();
     ASSERT_TRUE(instance && *instance);
     const std::vector<std::string> garbage{"",
@@ -158,7 +158,7 @@ TEST_F(TheOneInstance, DoesNotFollowALinkInThePlaceOfItsLock) {
     EXPECT_EQ(readFile(target), "untouched");
 }
 
-TEST_F(TheOneInstance, IsAnErrorWhereItCannotBeTold) {
+TEST_F(TheOneInstance, IsAnErrorWhenItsFilesCannotBeCreated) {
     struct Case {
         std::string what;
         std::filesystem::path folder;
@@ -182,7 +182,7 @@ TEST_F(TheOneInstance, IsAnErrorWhereItCannotBeTold) {
     }
 }
 
-TEST_F(TheOneInstance, FreesItsLockWhenItCouldNotBecomeOne) {
+TEST_F(TheOneInstance, ReleasesItsLockWhenClaimingFails) {
     std::filesystem::create_directory(socketFile());
     EXPECT_FALSE(claim()) << "a folder in the socket's place";
     std::filesystem::remove(socketFile());
@@ -190,7 +190,7 @@ TEST_F(TheOneInstance, FreesItsLockWhenItCouldNotBecomeOne) {
     EXPECT_TRUE(instance && *instance);
 }
 
-TEST_F(TheOneInstance, IsNotAskedWhereItsAddressCannotBe) {
+TEST_F(TheOneInstance, AskingFailsForAnImpossibleAddress) {
     const auto file = folder.path() / "file";
     writeFile(file, "no folder");
     const auto start = std::chrono::steady_clock::now();
@@ -203,7 +203,7 @@ TEST_F(TheOneInstance, IsNotAskedWhereItsAddressCannotBe) {
     EXPECT_EQ(inAFile.error().kind, ErrorKind::notFound);
 }
 
-// An instance that is just starting may come yet, so asking takes its two seconds, for both at the same time.
+// An instance may still be starting, so asking takes two seconds; both requests wait at the same time.
 TEST_F(TheOneInstance, AskingNobodyFailsAfterTwoSeconds) {
     leaveSocketBehind();
     const auto start = std::chrono::steady_clock::now();
@@ -222,7 +222,7 @@ TEST_F(TheOneInstance, AskingNobodyFailsAfterTwoSeconds) {
     }
 }
 
-TEST(InstanceName, TellsHomesAndSessionsApart) {
+TEST(InstanceName, DiffersBetweenHomesAndSessions) {
     const std::vector<std::string> names{
         instanceName("/home/ada", ":0"), instanceName("/home/ada", ":1"), instanceName("/home/ada", ""),
         instanceName("/home/bob", ":0"), instanceName("/home", "ada:0"),  instanceName("/home/ada:", "0"),

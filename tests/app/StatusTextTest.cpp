@@ -49,6 +49,16 @@ TEST(StatusJson, IsOneLineWithTheseFieldsInThisOrder) {
         "\n");
 }
 
+TEST(StatusJson, HasTheReservedBytesWhereTheyAreKnown) {
+    auto given = snapshot;
+    EXPECT_FALSE(parsed(given).contains("reservedBytes"));
+    given.reservedBytes = 0;
+    EXPECT_EQ(parsed(given)["reservedBytes"], 0);
+    given.reservedBytes = 5'000;
+    EXPECT_EQ(parsed(given)["reservedBytes"], 5'000);
+    EXPECT_EQ(parsed(given)["totalBytes"], 500'000'000'000);
+}
+
 TEST(StatusJson, GivesBytesExactly) {
     constexpr auto largest = std::numeric_limits<std::int64_t>::max();
     const auto object = parsed({"Large", largest, 1, statusTime});

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 
 const SystemTime refreshTime{std::chrono::seconds(1'700'000'000)};
 
-/// Writes down what the controls report.
+/// Records what the controls report.
 class ReportedCalls : public StoragePopoverDelegate {
 public:
     void storagePopoverRequestedRefresh() override { calls.emplace_back("refresh"); }
@@ -36,7 +36,7 @@ private:
 };
 
 TEST(StoragePopover, BeginsWithTheseTexts) {
-    const StoragePopoverViewController controller;
+    const StoragePopoverViewController controller(HostSystem::macOS);
     const PopoverContent& content = controller.content();
     EXPECT_EQ(content.size, (Size{380, 452}));
     EXPECT_EQ(content.titleLabel, (LabelContent{"Macintosh HD", SystemColor::label, false}));
@@ -57,7 +57,7 @@ TEST(StoragePopover, BeginsWithTheseTexts) {
 }
 
 TEST(StoragePopover, BeginsWithTheseControls) {
-    const StoragePopoverViewController controller;
+    const StoragePopoverViewController controller(HostSystem::macOS);
     const PopoverContent& content = controller.content();
     EXPECT_EQ(
         content.cleanupButton,
@@ -79,7 +79,7 @@ TEST(StoragePopover, BeginsWithTheseControls) {
 }
 
 TEST(StoragePopover, BeginsWithAnEmptyBarAndItsSwatches) {
-    const StoragePopoverViewController controller;
+    const StoragePopoverViewController controller(HostSystem::macOS);
     VantryView bar;
     bar.barHeight = 14;
     bar.horizontalInset = 0;
@@ -112,7 +112,7 @@ TEST(StoragePopover, ShowsTheFiguresOfASnapshot) {
     for (const auto& [total, available, summary, used, availableText] : cases) {
         SCOPED_TRACE(summary);
         const StorageSnapshot snapshot{"Work \"1\"", total, available, refreshTime};
-        StoragePopoverViewController controller;
+        StoragePopoverViewController controller(HostSystem::macOS);
         PopoverContent expected = controller.content();
         expected.barView.snapshot = snapshot;
         expected.titleLabel.text = "Work \"1\"";
@@ -129,14 +129,14 @@ TEST(StoragePopover, ShowsTheFiguresOfASnapshot) {
 }
 
 TEST(StoragePopover, UsesGigabytesAndTerabytesOnly) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     controller.update(StorageSnapshot{"Small", 900'000'000, 400'000'000, refreshTime});
     EXPECT_EQ(controller.content().summaryLabel.text, "0.5 GB of 0.9 GB used");
     EXPECT_EQ(controller.content().availableValueLabel.text, "0.4 GB");
 }
 
 TEST(StoragePopover, SaysWhenTheFiguresWereReadAndNotWhenTheyAreShown) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     for (const auto age : {std::chrono::hours(0), std::chrono::hours(7), std::chrono::hours(24 * 365)}) {
         controller.update(StorageSnapshot{"Data", 10, 5, refreshTime - age});
         EXPECT_EQ(controller.content().updateLabel.text, "Updated " + shortTimeText(refreshTime - age));
@@ -144,7 +144,7 @@ TEST(StoragePopover, SaysWhenTheFiguresWereReadAndNotWhenTheyAreShown) {
 }
 
 TEST(StoragePopover, WithoutASnapshotItWaitsButKeepsTitleAndError) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     controller.update(StorageSnapshot{"Data", 1000, 500, refreshTime});
     controller.showError("Disk on fire");
     PopoverContent expected = controller.content();
@@ -160,7 +160,7 @@ TEST(StoragePopover, WithoutASnapshotItWaitsButKeepsTitleAndError) {
 }
 
 TEST(StoragePopover, ASnapshotClearsTheError) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     controller.showError("Disk on fire");
     controller.update(StorageSnapshot{"Data", 1000, 500, refreshTime});
     EXPECT_EQ(controller.content().errorLabel, (LabelContent{"", SystemColor::red, true}));
@@ -177,7 +177,7 @@ TEST(StoragePopover, HidesTheErrorExactlyWhenThereIsNoMessage) {
         {"", {"", SystemColor::red, false}},
         {std::nullopt, {"", SystemColor::red, true}},
     };
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     for (const auto& [message, label] : cases) {
         PopoverContent expected = controller.content();
         expected.errorLabel = label;
@@ -187,7 +187,7 @@ TEST(StoragePopover, HidesTheErrorExactlyWhenThereIsNoMessage) {
 }
 
 TEST(StoragePopover, ChecksItsBoxesAndNothingElse) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     for (const bool enabled : {true, false, true}) {
         PopoverContent expected = controller.content();
         expected.launchAtLoginButton = {"Launch at Login", "Starts Ombrel silently in the menu bar when you log in.",
@@ -223,7 +223,7 @@ TEST(StoragePopover, ExplainsStyleAndSizing) {
         {currentTheme, equal, wallpaper},    {currentTheme, verifiedSnapshot, wallpaper},
     };
     for (const bool styleFirst : {true, false}) {
-        StoragePopoverViewController controller;
+        StoragePopoverViewController controller(HostSystem::macOS);
         for (const auto& [style, sizing, text] : cases) {
             SCOPED_TRACE(text);
             if (styleFirst)
@@ -239,14 +239,14 @@ TEST(StoragePopover, ExplainsStyleAndSizing) {
 }
 
 TEST(StoragePopover, TheFirstUpdateReplacesTheInitialExplanation) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     controller.updateDetailText();
     EXPECT_EQ(controller.content().detailLabel.text,
               "The color strip shows total used space with the current Ombrel palette.");
 }
 
 TEST(StoragePopover, ShowsAStyle) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     for (std::size_t index = 0; index < allBarStyles.size(); ++index) {
         const BarStyle style = allBarStyles[index].value;
         const bool segments = style == BarStyle::macOSSegments;
@@ -264,7 +264,7 @@ TEST(StoragePopover, ShowsAStyle) {
 }
 
 TEST(StoragePopover, ShowsASizing) {
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     for (std::size_t index = 0; index < allSegmentSizings.size(); ++index) {
         const SegmentSizing sizing = allSegmentSizings[index].value;
         SCOPED_TRACE(rawValue(sizing));
@@ -280,7 +280,7 @@ TEST(StoragePopover, ShowsASizing) {
 
 TEST(StoragePopover, GivesThemeColorsToBarAndUsedSwatchOnly) {
     const std::vector<Rgba> colors{{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}};
-    StoragePopoverViewController controller;
+    StoragePopoverViewController controller(HostSystem::macOS);
     PopoverContent expected = controller.content();
     expected.barView.themeColors = colors;
     expected.usedSwatchView.themeColors = colors;
@@ -325,18 +325,18 @@ TEST(StoragePopover, EachControlReportsOnceAndChangesNothingByItself) {
     for (const auto& [name, act, reported] : controlCases()) {
         SCOPED_TRACE(name);
         const auto delegate = std::make_shared<ReportedCalls>();
-        StoragePopoverViewController controller;
+        StoragePopoverViewController controller(HostSystem::macOS);
         controller.delegate = delegate;
         act(controller);
         EXPECT_EQ(delegate->calls, reported);
-        EXPECT_EQ(controller.content(), StoragePopoverViewController().content());
+        EXPECT_EQ(controller.content(), StoragePopoverViewController(HostSystem::macOS).content());
     }
 }
 
 TEST(StoragePopover, ControlsDoNothingWhenTheDelegateIsGone) {
     for (const auto& [name, act, reported] : controlCases()) {
         SCOPED_TRACE(name);
-        StoragePopoverViewController controller;
+        StoragePopoverViewController controller(HostSystem::macOS);
         act(controller);
         auto delegate = std::make_shared<ReportedCalls>();
         const std::weak_ptr<ReportedCalls> last = delegate;
@@ -344,8 +344,27 @@ TEST(StoragePopover, ControlsDoNothingWhenTheDelegateIsGone) {
         delegate.reset();
         ASSERT_TRUE(last.expired()) << "the controller holds its delegate weakly";
         act(controller);
-        EXPECT_EQ(controller.content(), StoragePopoverViewController().content());
+        EXPECT_EQ(controller.content(), StoragePopoverViewController(HostSystem::macOS).content());
     }
+}
+
+TEST(StoragePopoverViewController, OnLinuxItMentionsThePanelAndExplainsTheFigures) {
+    const PopoverContent onMac = StoragePopoverViewController(HostSystem::macOS).content();
+    EXPECT_EQ(onMac.usedTooltip + onMac.availableTooltip, "");
+    StoragePopoverViewController controller(HostSystem::linuxDesktop);
+    controller.updateLoginItemStatus(true);
+    controller.updateBarStyleStatus(BarStyle::macOSSegments);
+    controller.updateSegmentSizingStatus(SegmentSizing::equal);
+    const PopoverContent& content = controller.content();
+    EXPECT_EQ(content.titleLabel.text, "File System");
+    EXPECT_EQ(content.detailLabel.text,
+              "Each category color gets equal width. Total used and available space stay live.");
+    EXPECT_EQ(content.showPercentageButton.title, "Show % Used in Panel");
+    EXPECT_EQ(content.launchAtLoginButton.tooltip, "Starts Ombrel silently in the panel when you log in.");
+    EXPECT_EQ(content.segmentSizingPopUp.tooltip,
+              "Use equal-width colors or category proportions that were once measured.");
+    EXPECT_NE(content.usedTooltip, "");
+    EXPECT_NE(content.availableTooltip, "");
 }
 
 } // namespace

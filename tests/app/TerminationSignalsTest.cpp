@@ -17,7 +17,7 @@ protected:
     RestoredSignals restored;
 };
 
-/// How many bytes wait in a pipe that does not block.
+/// The number of bytes waiting in a non-blocking pipe.
 ssize_t waitingBytes(int fd) {
     std::array<char, 16> buffer{};
     return read(fd, buffer.data(), buffer.size());
@@ -44,7 +44,7 @@ TEST_F(TerminationSignals, TheDescriptorIsNotInherited) {
     EXPECT_EQ(fcntl(*fd, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
 }
 
-TEST_F(TerminationSignals, TheSameOnceMoreEndsTheProcess) {
+TEST_F(TerminationSignals, TheSameSignalAgainEndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a sanitizer may have started a thread
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         EXPECT_EXIT(
@@ -58,7 +58,7 @@ TEST_F(TerminationSignals, TheSameOnceMoreEndsTheProcess) {
             << signal;
 }
 
-TEST_F(TerminationSignals, AnotherOneAfterTheFirstIsStillCaught) {
+TEST_F(TerminationSignals, AnotherSignalAfterTheFirstIsStillCaught) {
     const auto fd = catchTerminationSignals();
     ASSERT_TRUE(fd) << fd.error().message;
     const UniqueFd owned(*fd);

@@ -48,7 +48,7 @@ TEST(Base64, WritesAndReadsTheExamplesOfItsStandard) {
     }
 }
 
-TEST(Base64, BringsBackBytesOfEveryValueAndLength) {
+TEST(Base64, RestoresBytesOfEveryValueAndLength) {
     const std::string bytes = everyByte();
     for (std::size_t length = 0; length <= bytes.size(); ++length) {
         const std::string piece = bytes.substr(bytes.size() - length);
@@ -87,7 +87,7 @@ TEST(Base64, ReadsExactlyOneTextForEachPairOfBytes) {
     EXPECT_EQ(read, 256);
 }
 
-TEST(Base64, ReadsNoCharacterBeyondItsDigits) {
+TEST(Base64, RefusesOtherCharacters) {
     for (const char character : everyByte()) {
         const std::string text = {'A', character, 'A', 'A'};
         EXPECT_EQ(bytesOfBase64(text).has_value(), digits.find(character) != std::string_view::npos)

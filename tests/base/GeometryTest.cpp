@@ -4,7 +4,7 @@
 
 namespace vantry {
 
-TEST(Rect, EndsWhereItsLengthsSay) {
+TEST(Rect, EndsAtItsOriginPlusItsSize) {
     const Rect rect{3, 5, 20, 7};
     EXPECT_EQ(rect.maxX(), 23);
     EXPECT_EQ(rect.maxY(), 12);

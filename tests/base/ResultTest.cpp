@@ -37,7 +37,7 @@ TEST(ErrorFromErrno, GivesTheKindThatACallerBranchesOn) {
         EXPECT_EQ(errorFromErrno(errorNumber).kind, kind) << errorNumber;
 }
 
-TEST(ErrorFromErrno, SaysWhatFailedAndWhatTheSystemSays) {
+TEST(ErrorFromErrno, NamesWhatFailedAndTheReason) {
     const std::string said = std::strerror(ENOENT);
     ASSERT_FALSE(said.empty());
     EXPECT_EQ(errorFromErrno(ENOENT, "/missing").message, "/missing: " + said);

@@ -7,7 +7,7 @@
 
 namespace vantry {
 
-TEST(SystemTimeFromUnix, CountsNanosecondsAndHoldsWhatLiesOutside) {
+TEST(SystemTimeFromUnix, CountsNanosecondsAndClampsTimesOutOfRange) {
     constexpr auto least = std::numeric_limits<std::int64_t>::min();
     constexpr auto largest = std::numeric_limits<std::int64_t>::max();
     const struct {

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-TEST(Utf8, WellFormedTextIsTaken) {
+TEST(Utf8, WellFormedTextIsAccepted) {
     for (const auto text :
          {""sv, "plain"sv, "with\0nul"sv, "é"sv, "…’"sv, "\xf0\x9f\x8d\x8e"sv, "\xed\x9f\xbf"sv, "\xee\x80\x80"sv,
           "\xf4\x8f\xbf\xbf"sv, "\x7f"sv, "\xc2\x80"sv, "\xe0\xa0\x80"sv, "\xf0\x90\x80\x80"sv})
@@ -27,7 +27,7 @@ TEST(Utf8, OverlongFormsSurrogatesAndTooLargeCodePointsAreRefused) {
         EXPECT_FALSE(isUtf8(text)) << testing::PrintToString(text);
 }
 
-TEST(Utf8, WhatIsMalformedIsReplacedByteByByteAndTheRestKept) {
+TEST(Utf8, MalformedBytesAreReplacedOneByOne) {
     EXPECT_EQ(withReplacementCharacters(""), "");
     EXPECT_EQ(withReplacementCharacters("caché …"), "caché …");
     EXPECT_EQ(withReplacementCharacters("a\xff"
@@ -41,7 +41,7 @@ TEST(Utf8, WhatIsMalformedIsReplacedByteByByteAndTheRestKept) {
               "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbdz");
 }
 
-TEST(Utf8, CharactersAreCountedAsPeopleDoAndNotByTheirBytes) {
+TEST(Utf8, CharactersAreCountedNotBytes) {
     EXPECT_EQ(characterCount(""), 0U);
     EXPECT_EQ(characterCount("abc"), 3U);
     EXPECT_EQ(characterCount("é€\xf0\x9f\x98\x80"), 3U);

@@ -3,7 +3,8 @@
 import sys
 import unittest
 
-from desktop import SOURCES, Desktop
+from application import SOURCES
+from desktop import Desktop
 from screen import RIGHT, middle
 from waiting import wait_until
 

@@ -2,6 +2,7 @@
 
 import configparser
 import os
+import re
 import subprocess
 import time
 from datetime import datetime
@@ -84,8 +85,12 @@ class CleanupCase(DesktopCase):
 
         window = wait_for(found, "the window")
         if ready:
-            self.wait_for_text(window, " can be selected")
+            self.wait_until_scanned(window)
         return window
+
+    def wait_until_scanned(self, window):
+        wait_for(lambda: any(re.search(r"\d low-risk files? can be selected", text) for text in self.texts(window)),
+                 "the end of the scan")
 
     def texts(self, window):
         return [each.name for each in window.walk() if each.role in ("label", "heading") and each.has("showing")]
@@ -95,6 +100,10 @@ class CleanupCase(DesktopCase):
 
     def button(self, window, title):
         return window.find("push button", title)
+
+    def mode(self, window, title):
+        return next(each for each in window.walk() if each.name == title and each.role in ("radio button", "push button",
+                                                                                         "toggle button", "page tab"))
 
     def press(self, window, title):
         self.click_on(self.button(window, title))

@@ -116,6 +116,27 @@ class Screen:
         owner = self.display.get_selection_owner(self.display.intern_atom(name))
         return owner.id if owner else 0
 
+    def clipboard(self):
+        """The text that would be pasted; None while nobody has copied one."""
+        selection, text, place = (self.display.intern_atom(name) for name in ("CLIPBOARD", "UTF8_STRING", "OMBREL_TEST"))
+        window = self.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+        window.convert_selection(selection, text, place, X.CurrentTime)
+        self.display.sync()
+
+        def answer():
+            while self.display.pending_events():
+                event = self.display.next_event()
+                if event.type == X.SelectionNotify and event.requestor == window:
+                    return event
+            return None
+
+        try:
+            if wait_until(answer, "what is in the clipboard").property == X.NONE:
+                return None
+            return window.get_full_property(place, X.AnyPropertyType).value.decode()
+        finally:
+            window.destroy()
+
     def has_window_manager(self):
         return self._property(self.root, "_NET_SUPPORTING_WM_CHECK") is not None
 

@@ -16,9 +16,9 @@ QUESTION = "Move 6 selected items to the Trash?"
 CALLS = {
     "the creation of an info file": ("openat", 20),
     "the sync of an info file": ("fsync", 5),
-    "the move of a file": ("renameat2", 3),
+    "the move of a file": ("renameat2", 5),
     "the sync after a move": ("fsync", 7),
-    "the replacement of the record": ("rename", 2),
+    "the replacement of the record": ("renameat2", 4),
 }
 
 

@@ -9,7 +9,7 @@ import unittest
 from pathlib import Path
 
 from case import DesktopCase
-from desktop import PROGRAM
+from application import PROGRAM
 from waiting import wait_for_equal, wait_until
 
 BOX = "Launch at Login"
@@ -131,9 +131,9 @@ class Login(DesktopCase):
                 box = popover.find("check box", BOX)
                 self.click_on(box)
                 error = wait_until(lambda: next((label.name for label in popover.find_all("label") if label.has("showing")
-                                                 and label.name.startswith("Could not change Login Items: ")), None),
+                                                 and label.name.startswith("Could not change the autostart entry: ")), None),
                                    "the failure")
-                self.assertGreater(len(error), len("Could not change Login Items: "))
+                self.assertGreater(len(error), len("Could not change the autostart entry: "))
                 wait_until(lambda: not box.has("checked"), "the check mark to go")
                 self.assertEqual(self.files(home), (False, False))
                 file.parent.unlink()

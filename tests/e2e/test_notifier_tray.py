@@ -4,6 +4,7 @@ import errno
 import itertools
 
 from case import DesktopCase
+from clicks import CHOICES
 from pictures import coloured_columns, same
 from waiting import holds, wait_for_equal, wait_until
 
@@ -149,13 +150,7 @@ class NotifierTrayItem(DesktopCase):
 
     def test_every_choice_of_the_menu_is_stored_and_shown_at_once(self):
         application, item = self.start_and_wait()
-        choices = [(("Bar Style", "macOS Storage Colors"), "barStyle", "macOSSegments"),
-                   (("Segment Widths", "Equal Colors"), "segmentSizing", "equal"),
-                   (("Segment Widths", "Verified Storage Snapshot"), "segmentSizing", "verifiedSnapshot"),
-                   (("Bar Style", "Vivid Theme"), "barStyle", "vividTheme"),
-                   (("Bar Style", "Current Theme"), "barStyle", "currentTheme"),
-                   (("Bar Style", "Rainbow"), "barStyle", "storageGradient"),
-                   (("Show % Used",), "showUsedPercentage", "true"),
+        choices = [*CHOICES, (("Show % Used",), "showUsedPercentage", "true"),
                    (("Show % Used",), "showUsedPercentage", "false")]
         for titles, key, value in choices:
             with self.subTest(titles=titles, value=value):

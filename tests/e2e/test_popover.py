@@ -4,12 +4,12 @@ import errno
 import re
 
 from case import DesktopCase
-from desktop import Home
+from application import Home
 from pictures import coloured_columns, lightness, same
 from screen import Rect, middle
 from waiting import wait_for_equal, wait_until
 
-CONTROLS = [("push button", "Free Up Space…"), ("check box", "Launch at Login"), ("check box", "Show % Used in Menu Bar"),
+CONTROLS = [("push button", "Free Up Space…"), ("check box", "Launch at Login"), ("check box", "Show % Used in Panel"),
             ("combo box", "Bar Style"), ("combo box", "Segment Widths"), ("push button", "Refresh"),
             ("push button", "Storage Settings…"), ("push button", "Quit")]
 STYLES = [("Rainbow", "storageGradient"), ("macOS Storage Colors", "macOSSegments"), ("Vivid Theme", "vividTheme"),
@@ -19,8 +19,8 @@ DETAILS = {
     "storageGradient": "The color strip shows total used space with the current Ombrel palette.",
     "vividTheme": "Keeps the fixed blue, purple, pink, red, and orange colors from the previous Current Theme.",
     "currentTheme": "Samples the wallpaper actually rendering on the desktop and adds a soft inner glow.",
-    "equal": "Each macOS category color gets equal width. Total used and available space stay live.",
-    "verifiedSnapshot": "Widths use the latest verified Storage Settings category totals; total disk usage stays live.",
+    "equal": "Each category color gets equal width. Total used and available space stay live.",
+    "verifiedSnapshot": "Widths use category totals that were once measured; total disk usage stays live.",
 }
 
 
@@ -84,7 +84,7 @@ class Popover(DesktopCase):
 
     def test_a_click_on_the_percentage_box_is_stored_and_shown_at_once(self):
         application, popover = self.open()
-        box = popover.find("check box", "Show % Used in Menu Bar")
+        box = popover.find("check box", "Show % Used in Panel")
         self.assertFalse(box.has("checked"))
         for stored, width in (("true", 94), ("false", 60), ("true", 94)):
             self.click_on(box)
@@ -95,7 +95,7 @@ class Popover(DesktopCase):
 
     def test_the_percentage_box_can_be_toggled_with_keyboard_and_screen_reader(self):
         application, popover = self.open()
-        box = popover.find("check box", "Show % Used in Menu Bar")
+        box = popover.find("check box", "Show % Used in Panel")
         for _repetition in range(2):
             self.desktop.screen.key("Tab")
         wait_until(lambda: box.has("focused"), "the focus")
@@ -105,23 +105,26 @@ class Popover(DesktopCase):
         wait_for_equal("false", lambda: application.home.preference("showUsedPercentage"), "the stored preference")
         application.wait_for_strip(60)
 
+    def choose_and_see(self, application, popover, pop_up, title, key, raw):
+        """The choice is stored and named, and changes the strip as well as the bar of the popover."""
+        places = (application.strip().rect, popover.find("progress bar").rect)
+        before = [self.desktop.screen.steady_picture(place) for place in places]
+        self.choose_from(pop_up, title)
+        wait_for_equal(raw, lambda: application.home.preference(key), "the stored choice")
+        wait_for_equal(title, lambda: pop_up.name, "the pop-up's text")
+        self.desktop.screen.move_to(5, 700)
+        for picture, place in zip(before, places):
+            wait_until(lambda: not same(picture, self.desktop.screen.picture(place)), "another picture")
+
     def test_every_style_is_stored_and_shown_at_once(self):
         application, popover = self.open()
         pop_up, sizing = popover.find("combo box", label="Bar Style"), popover.find("combo box", label="Segment Widths")
         self.assertEqual([item.name for item in pop_up.find_all("list item")], [title for title, _raw in STYLES])
-        strip, bar = application.strip().rect, popover.find("progress bar").rect
-        before = [self.desktop.screen.steady_picture(place) for place in (strip, bar)]
         for title, raw in (*STYLES[1:], STYLES[0]):
             with self.subTest(title=title):
-                self.choose_from(pop_up, title)
-                wait_for_equal(raw, lambda: application.home.preference("barStyle"), "the stored style")
-                wait_for_equal(title, lambda: pop_up.name, "the pop-up's text")
+                self.choose_and_see(application, popover, pop_up, title, "barStyle", raw)
                 wait_for_equal(raw == "macOSSegments", lambda: sizing.has("enabled"), "the state of the other pop-up")
                 self.assertIn(DETAILS["verifiedSnapshot" if raw == "macOSSegments" else raw], self.texts(popover))
-                self.desktop.screen.move_to(5, 700)
-                for index, place in enumerate((strip, bar)):
-                    wait_until(lambda: not same(before[index], self.desktop.screen.picture(place)), "another picture")
-                    before[index] = self.desktop.screen.steady_picture(place)
         self.assertTrue(application.popover())
 
     def test_every_sizing_is_stored_and_shown_at_once(self):
@@ -131,18 +134,10 @@ class Popover(DesktopCase):
         pop_up = popover.find("combo box", label="Segment Widths")
         self.assertEqual([item.name for item in pop_up.find_all("list item")], [title for title, _raw in SIZINGS])
         self.assertEqual((pop_up.name, pop_up.has("enabled")), ("Verified Storage Snapshot", True))
-        strip, bar = application.strip().rect, popover.find("progress bar").rect
-        before = [self.desktop.screen.steady_picture(place) for place in (strip, bar)]
         for title, raw in SIZINGS:
             with self.subTest(title=title):
-                self.choose_from(pop_up, title)
-                wait_for_equal(raw, lambda: application.home.preference("segmentSizing"), "the stored sizing")
-                wait_for_equal(title, lambda: pop_up.name, "the pop-up's text")
+                self.choose_and_see(application, popover, pop_up, title, "segmentSizing", raw)
                 self.assertIn(DETAILS[raw], self.texts(popover))
-                self.desktop.screen.move_to(5, 700)
-                for index, place in enumerate((strip, bar)):
-                    wait_until(lambda: not same(before[index], self.desktop.screen.picture(place)), "another picture")
-                    before[index] = self.desktop.screen.steady_picture(place)
 
     def test_a_pop_up_can_be_operated_with_the_keyboard(self):
         application, popover = self.open()
@@ -181,7 +176,7 @@ class Popover(DesktopCase):
         application, popover = self.open()
         application.home.set_preferences(showUsedPercentage=True, barStyle="macOSSegments", segmentSizing="equal")
         popover = self.close_and_open(application)
-        self.assertTrue(popover.find("check box", "Show % Used in Menu Bar").has("checked"))
+        self.assertTrue(popover.find("check box", "Show % Used in Panel").has("checked"))
         self.assertEqual(popover.find("combo box", label="Bar Style").name, "macOS Storage Colors")
         sizing = popover.find("combo box", label="Segment Widths")
         self.assertEqual((sizing.name, sizing.has("enabled")), ("Equal Colors", True))
@@ -250,7 +245,7 @@ class Popover(DesktopCase):
         application, popover = self.open(home=home)
         self.click_on(popover.find("check box", "Launch at Login"))
         error = wait_until(lambda: next((label for label in popover.find_all("label")
-                                         if label.name.startswith("Could not change Login Items: ")), None), "the error")
+                                         if label.name.startswith("Could not change the autostart entry: ")), None), "the error")
         self.assertIn(str(home.agent_file.parent), error.name)
         wait_for_equal(error.name, lambda: error.description, "what is said of the elided error")
         self.assertEqual(application.popover().rect.height, 452)

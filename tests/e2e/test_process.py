@@ -10,7 +10,7 @@ import subprocess
 from pathlib import Path
 
 from case import DesktopCase
-from desktop import FAKE_VOLUME, PROGRAM
+from application import FAKE_VOLUME, PROGRAM
 from pictures import coloured_columns
 from waiting import holds, wait_for_equal, wait_until
 
@@ -203,6 +203,12 @@ class CommandLine(DesktopCase):
             result = self.ombrel(option)
             self.assertEqual((result.returncode, result.stdout), (1, ""))
             self.assertRegex(result.stderr, r"^ombrel: .+\n$")
+
+    def test_a_worker_whose_job_is_wrong_ends_before_anything_else(self):
+        for arguments in (["--directory-metrics-worker"], ["--shallow-children-worker", "--help"],
+                          ["--directory-metrics-worker", "--status"], ["--directory-metrics-worker", "--show-cleanup"]):
+            ended = subprocess.run([PROGRAM, *arguments], capture_output=True, timeout=10)
+            self.assertEqual((ended.returncode, ended.stdout, ended.stderr), (0, b"", b""))
 
     def test_help_and_version(self):
         self.assertRegex(self.ombrel("--help").stdout, r"^Usage: ombrel")

@@ -12,7 +12,7 @@ import time
 import unittest
 from pathlib import Path
 
-from desktop import PROGRAM
+from application import PROGRAM
 
 MAKE_HOME = Path(__file__).resolve().parents[2] / "tools/make-home"
 

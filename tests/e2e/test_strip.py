@@ -5,16 +5,15 @@ import itertools
 import time
 
 from case import DesktopCase
+from clicks import Clicks
 from pictures import coloured_columns, ink, lightness, same
 from screen import RIGHT, Rect, middle
 from waiting import holds, wait_for_equal, wait_until
 
 HALF_FULL = "Disk: 500 GB used, 500 GB available"
-MENU = ["Refresh", "Open Storage Settings…", "Free Up Space…", "Show % Used", "Bar Style", "Segment Widths",
-        "Launch at Login", "", "Quit Ombrel"]
 
 
-class Strip(DesktopCase):
+class Strip(Clicks, DesktopCase):
     def start_and_wait(self, home=None, **options):
         """The application with its first figures on the screen."""
         application = self.start(home=home, **options)
@@ -25,9 +24,6 @@ class Strip(DesktopCase):
     def button(self, application):
         (button,) = application.accessible().children
         return button
-
-    def picture(self, strip):
-        return self.desktop.screen.steady_picture(strip.rect)
 
     def test_stands_at_the_top_right_edge_and_is_one_button_for_a_screen_reader(self):
         application, strip = self.start_and_wait()
@@ -155,55 +151,6 @@ class Strip(DesktopCase):
         application, strip = self.start_and_wait()
         wait_until(lambda: lightness(self.desktop.screen.picture(strip.rect).getpixel((3, 3))) < 0.4, "a dark strip")
 
-    def test_shows_its_tooltip_under_the_pointer(self):
-        application, strip = self.start_and_wait()
-        x, y = middle(strip.rect)
-        for column in (x, x + 1):
-            self.desktop.screen.move_to(column, y)
-        tooltip = wait_until(lambda: application.windows("TOOLTIP"), "the tooltip", seconds=5)[0]
-        self.assertGreater(tooltip.rect.width, 150)
-
-    def test_left_clicks_open_and_close_the_popover(self):
-        application, strip = self.start_and_wait()
-        for _repetition in range(2):
-            self.desktop.screen.click(*middle(strip.rect))
-            application.wait_for_popover()
-            self.desktop.screen.click(*middle(strip.rect))
-            application.wait_until_popover_closed()
-            holds(lambda: not application.popover(), "the closed popover")
-
-    def test_a_slow_click_closes_the_popover_too(self):
-        application, strip = self.start_and_wait()
-        self.open_popover(application, strip.rect)
-        self.desktop.screen.click(*middle(strip.rect), seconds=0.6)
-        application.wait_until_popover_closed()
-        holds(lambda: not application.popover(), "the closed popover")
-
-    def test_escape_and_a_click_outside_close_the_popover(self):
-        application, strip = self.start_and_wait()
-        for close in (lambda: self.desktop.screen.key("Escape"), lambda: self.desktop.screen.click(100, 600)):
-            self.open_popover(application, strip.rect)
-            close()
-            application.wait_until_popover_closed()
-            holds(lambda: not application.popover(), "the closed popover")
-
-    def test_every_opening_is_told_to_a_screen_reader(self):
-        application, strip = self.start_and_wait()
-        for _repetition in range(2):
-            self.open_and_read_popover(application, strip.rect)
-            self.desktop.screen.key("Escape")
-            application.wait_until_popover_closed()
-
-    def test_a_right_click_opens_the_menu_and_not_the_popover(self):
-        application, strip = self.start_and_wait()
-        menu = self.open_menu(application, strip.rect)
-        self.assertIsNone(application.popover())
-        self.assertEqual([entry.name for entry in menu.children], MENU)
-        (window,) = application.menus()
-        self.assertLessEqual(window.rect.x + window.rect.width, 1000)
-        self.desktop.screen.key("Escape")
-        wait_until(lambda: not application.menus(), "the menu to close")
-
     def test_the_menu_shows_what_is_stored_when_it_opens(self):
         application, strip = self.start_and_wait()
 
@@ -222,24 +169,8 @@ class Strip(DesktopCase):
         application.home.set_preferences(barStyle="of another version")
         self.assertEqual(states(), (["Rainbow", "Verified Storage Snapshot"], False))
 
-    def test_every_choice_of_the_menu_is_stored_and_shown_at_once(self):
-        application, strip = self.start_and_wait()
-        choices = [(("Bar Style", "macOS Storage Colors"), "barStyle", "macOSSegments"),
-                   (("Segment Widths", "Equal Colors"), "segmentSizing", "equal"),
-                   (("Segment Widths", "Verified Storage Snapshot"), "segmentSizing", "verifiedSnapshot"),
-                   (("Bar Style", "Vivid Theme"), "barStyle", "vividTheme"),
-                   (("Bar Style", "Current Theme"), "barStyle", "currentTheme"),
-                   (("Bar Style", "Rainbow"), "barStyle", "storageGradient")]
-        before = self.picture(strip)
-        for titles, key, value in choices:
-            with self.subTest(titles=titles):
-                self.choose_from_menu(self.open_menu(application, strip.rect), *titles)
-                wait_for_equal(value, lambda key=key: application.home.preference(key), key)
-                wait_until(lambda: not application.menus(), "the menu to close")
-                self.desktop.screen.move_to(5, 700)
-                wait_until(lambda: not same(before, self.desktop.screen.picture(strip.rect)), "another picture")
-                before = self.picture(strip)
-
+    def test_the_figure_is_chosen_from_the_menu_and_makes_the_strip_wider_at_once(self):
+        application, _strip = self.start_and_wait()
         for value, width in (("true", 94), ("false", 60)):
             self.choose_from_menu(self.open_menu(application, application.strip().rect), "Show % Used")
             wait_for_equal(value, lambda: application.home.preference("showUsedPercentage"), "the stored preference")
@@ -250,11 +181,6 @@ class Strip(DesktopCase):
         self.desktop.volume.set_used(0.25)
         self.choose_from_menu(self.open_menu(application, strip.rect), "Refresh")
         wait_for_equal("Disk: 250 GB used, 750 GB available", lambda: self.button(application).name, "the figures")
-
-    def test_the_menu_quits(self):
-        application, strip = self.start_and_wait()
-        self.choose_from_menu(self.open_menu(application, strip.rect), "Quit Ombrel")
-        self.assertEqual(application.wait_for_end(), 0)
 
     def test_the_middle_button_does_nothing(self):
         application, strip = self.start_and_wait()

@@ -1,9 +1,10 @@
 #include "tests/fuzz/Targets.h"
 
-#include "cleanup/scan/WorkerArguments.h"
-#include "cleanup/scan/WorkerPayload.h"
+#include "base/Utf8.h"
+#include "cleanup/measuring/PropertyListPayload.h"
+#include "cleanup/measuring/WorkerArguments.h"
+#include "cleanup/measuring/WorkerPayload.h"
 #include "platform/LsofOutput.h"
-#include "tests/fuzz/PropertyListFuzz.h"
 
 #include <algorithm>
 #include <iterator>
@@ -71,6 +72,22 @@ void readChildrenMetrics(std::string_view bytes) {
                 "measures of children are read as they are written");
 }
 
+void readPropertyListPayload(std::string_view bytes) {
+    const std::vector<std::string> keys{"CFBundleIdentifier", "Target Identifier", "GUID", "\xc3\xa9"};
+    const auto payload = decodedPropertyList(bytes, keys);
+    if (!payload)
+        return;
+    if (payload->texts)
+        for (const auto& [key, text] : *payload->texts) {
+            requireThat(std::ranges::find(keys, key) != keys.end(), "a key is one that was asked for");
+            requireThat(isUtf8(text) && text.find('\0') == std::string::npos, "a text is UTF-8 without a zero");
+        }
+    std::string line = encoded(*payload);
+    requireThat(std::ranges::count(line, '\n') == 1 && line.ends_with('\n'), "one line is written");
+    line.pop_back();
+    requireThat(decodedPropertyList(line, keys) == payload, "a line is read as it is written");
+}
+
 void readLsofOutput(std::string_view bytes) {
     std::size_t length = 0;
     for (const auto& path : pathsInLsofOutput(bytes)) {
@@ -115,7 +132,7 @@ void readArguments(std::string_view bytes) {
 std::vector<FuzzTarget> fuzzTargets() {
     std::vector<FuzzTarget> targets = {
         {"metrics", readMetrics}, {"children", readChildren},   {"children-metrics", readChildrenMetrics},
-        {"lsof", readLsofOutput}, {"arguments", readArguments}, {"property-list", readPropertyList}};
+        {"lsof", readLsofOutput}, {"arguments", readArguments}, {"property-list", readPropertyListPayload}};
     std::ranges::copy(systemFuzzTargets(), std::back_inserter(targets));
     return targets;
 }

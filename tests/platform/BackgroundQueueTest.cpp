@@ -74,7 +74,7 @@ TEST(BackgroundQueue, RunsSeveralBlocksAtOnce) {
         EXPECT_TRUE(answer.get());
 }
 
-TEST(BackgroundQueue, IsGoneAtOnceWhileABlockGoesOn) {
+TEST(BackgroundQueue, IsDestroyedAtOnceWhileABlockRuns) {
     const auto gate = std::make_shared<Gate>();
     const auto begun = std::make_shared<Gate>();
     const auto promise = std::make_shared<std::promise<bool>>();
@@ -92,14 +92,14 @@ TEST(BackgroundQueue, IsGoneAtOnceWhileABlockGoesOn) {
     EXPECT_TRUE(ended.get());
 }
 
-TEST(BackgroundQueue, ABlockThatHadNotBegunWhenTheQueueWentStillRuns) {
+TEST(BackgroundQueue, AWaitingBlockStillRunsAfterTheQueueIsDestroyed) {
     const auto promise = std::make_shared<std::promise<void>>();
     auto ran = promise->get_future();
     makeBackgroundQueue()->submit(QualityOfService::userInitiated, [promise] { promise->set_value(); });
     EXPECT_EQ(ran.wait_for(patience), std::future_status::ready);
 }
 
-TEST(BackgroundQueue, LetsGoOfABlockThatHasRun) {
+TEST(BackgroundQueue, DestroysABlockAfterItHasRun) {
     const auto queue = makeBackgroundQueue();
     auto freed = std::make_shared<std::promise<void>>();
     auto gone = freed->get_future();

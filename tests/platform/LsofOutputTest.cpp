@@ -8,12 +8,12 @@ namespace vantry {
 
 using Paths = std::vector<std::filesystem::path>;
 
-TEST(LsofOutput, HasAPathInEachLineThatBeginsWithN) {
+TEST(LsofOutput, HasThePathsOfTheLinesThatBeginWithN) {
     EXPECT_EQ(pathsInLsofOutput("p123\nfcwd\nn/\nf3\nn/Users/a/film one.mov\nf4\nn/dev/null\n"),
               (Paths{"/", "/Users/a/film one.mov", "/dev/null"}));
 }
 
-TEST(LsofOutput, IsTakenAsItStandsThere) {
+TEST(LsofOutput, IsNotDecoded) {
     const struct {
         std::string output;
         Paths paths;

@@ -25,27 +25,23 @@ constexpr Row<SegmentSizing> sizings[] = {
     {SegmentSizing::verifiedSnapshot, "verifiedSnapshot", "Verified Storage Snapshot"},
 };
 
-template <class Listed, class Expected>
-void expectListed(const Listed& listed, const Expected& expected) {
+// Every case is listed in order, and is stored by its raw value.
+template <class Listed, class Expected, class FromRawValue>
+void expectListed(const Listed& listed, const Expected& expected, FromRawValue fromRawValue) {
     ASSERT_EQ(std::size(listed), std::size(expected));
     for (std::size_t i = 0; i < std::size(listed); ++i) {
         EXPECT_EQ(listed[i].value, expected[i].value);
         EXPECT_EQ(static_cast<std::size_t>(expected[i].value), i) << "the order of the cases";
         EXPECT_EQ(listed[i].rawValue, expected[i].rawValue);
         EXPECT_EQ(listed[i].displayName, expected[i].displayName);
+        EXPECT_EQ(rawValue(expected[i].value), expected[i].rawValue);
+        EXPECT_EQ(fromRawValue(expected[i].rawValue), expected[i].value);
     }
 }
 
 } // namespace
 
-TEST(BarStyle, EveryStyleIsListedInOrder) { expectListed(allBarStyles, styles); }
-
-TEST(BarStyle, IsStoredByItsRawValue) {
-    for (const auto& row : styles) {
-        EXPECT_EQ(rawValue(row.value), row.rawValue);
-        EXPECT_EQ(barStyleFromRawValue(row.rawValue), row.value);
-    }
-}
+TEST(BarStyle, EveryStyleIsListedInOrderWithItsRawValue) { expectListed(allBarStyles, styles, barStyleFromRawValue); }
 
 TEST(BarStyle, OnlyAnExactRawValueIsAStyle) {
     for (const char* text :
@@ -54,13 +50,8 @@ TEST(BarStyle, OnlyAnExactRawValueIsAStyle) {
         EXPECT_EQ(barStyleFromRawValue(text), std::nullopt) << text;
 }
 
-TEST(SegmentSizing, EverySizingIsListedInOrder) { expectListed(allSegmentSizings, sizings); }
-
-TEST(SegmentSizing, IsStoredByItsRawValue) {
-    for (const auto& row : sizings) {
-        EXPECT_EQ(rawValue(row.value), row.rawValue);
-        EXPECT_EQ(segmentSizingFromRawValue(row.rawValue), row.value);
-    }
+TEST(SegmentSizing, EverySizingIsListedInOrderWithItsRawValue) {
+    expectListed(allSegmentSizings, sizings, segmentSizingFromRawValue);
 }
 
 TEST(SegmentSizing, OnlyAnExactRawValueIsASizing) {

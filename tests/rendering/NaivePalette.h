@@ -11,8 +11,8 @@
 
 namespace vantry::naive {
 
-/// The palette of a picture once more, step by step, with no regard to time and with nothing from the product: what the
-/// quick one is held against.
+/// The palette of a picture in a second, slow and simple implementation that uses nothing of the product, for
+/// comparison.
 class Palette {
 public:
     explicit Palette(std::vector<PicturePixel> pixels) : pixels_(std::move(pixels)) {}

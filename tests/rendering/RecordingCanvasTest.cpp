@@ -6,8 +6,8 @@
 
 namespace vantry {
 
-// The other tests believe what this canvas says.
-TEST(RecordingCanvas, RemembersEveryCallAsItWasMade) {
+// The other tests rely on this canvas.
+TEST(RecordingCanvas, RecordsEveryCall) {
     const std::vector<GradientStop> stops = {{Rgba{1, 0, 0}, 0.0}, {DynamicColor{SystemColor::blue}, 1.0}};
     RecordingCanvas canvas;
     canvas.save();
@@ -75,7 +75,7 @@ TEST(RecordingCanvas, ADrawingDiffersFromEveryOther) {
     EXPECT_TRUE(sameDrawing({}, {}));
 }
 
-TEST(RecordingCanvas, MeasuresCharactersAndNotBytes) {
+TEST(RecordingCanvas, MeasuresCharactersNotBytes) {
     const RecordingCanvas canvas;
     EXPECT_EQ(canvas.textWidth("47%", {10}), 18);
     EXPECT_EQ(canvas.textWidth("—%", {10}), 12);

@@ -46,7 +46,7 @@ TEST(SolidSwatchView, DiffersByEachOfItsProperties) {
     EXPECT_TRUE(swatch == SolidSwatchView(Kind::used));
 }
 
-TEST(SolidSwatchView, TheUsedOneIsPaintedAsTheBarIs) {
+TEST(SolidSwatchView, TheUsedOneIsPaintedLikeTheBar) {
     const std::vector<Rgba> theme = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     const Rect oval{1, 1, 10, 10};
     for (const auto& style : allBarStyles)
@@ -67,7 +67,7 @@ TEST(SolidSwatchView, TheUsedOneIsPaintedAsTheBarIs) {
         }
 }
 
-TEST(SolidSwatchView, TheAvailableOneHasTheColourOfTheTrackWhateverTheStyle) {
+TEST(SolidSwatchView, TheAvailableOneHasTheColourOfTheTrackInEveryStyle) {
     const Ellipse oval{{1, 1, 10, 10}};
     for (const auto& style : allBarStyles) {
         SolidSwatchView swatch(Kind::available);

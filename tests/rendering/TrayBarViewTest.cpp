@@ -14,7 +14,7 @@ namespace vantry {
 
 namespace {
 
-// Of a tray's panel nothing is known, so these are the same for both appearances.
+// The colour of the panel is unknown, so these are the same for both appearances.
 constexpr Rgba outline{0, 0, 0, 0.55};
 constexpr Rgba track{0.82, 0.824, 0.835, 0.92};
 constexpr Rgba endMark{1, 1, 1, 0.9};
@@ -147,7 +147,7 @@ TEST(TrayBarView, WithAFigureTheCapsuleLiesBelowIt) {
     }
 }
 
-TEST(TrayBarView, TheFigureIsAsLargeAsItFitsAndLosesItsSignFirst) {
+TEST(TrayBarView, TheFigureIsAsLargeAsFitsAndLosesItsSignFirst) {
     const struct {
         std::optional<StorageSnapshot> snapshot;
         int side;
@@ -187,14 +187,14 @@ TEST(TrayBarView, TheFigureIsAsLargeAsItFitsAndLosesItsSignFirst) {
     }
 }
 
-TEST(TrayBarView, AFigureThatDoesNotFitLeavesItsRoomToTheCapsule) {
+TEST(TrayBarView, WithoutRoomForAFigureTheCapsuleIsCentred) {
     const auto withLabel = drawnBy(viewOf(usedPercent(100), true), 16);
     EXPECT_TRUE(sameDrawing(withLabel.calls, drawnBy(viewOf(usedPercent(100), false), 16).calls));
     EXPECT_FALSE(sameDrawing(drawnBy(viewOf(usedPercent(47), true), 16).calls,
                              drawnBy(viewOf(usedPercent(47), false), 16).calls));
 }
 
-TEST(TrayBarView, TheFigureHasAHaloThatHoldsOnAnyPanel) {
+TEST(TrayBarView, TheFigureHasAHaloForAnyPanel) {
     const struct {
         std::optional<Appearance> appearance;
         Rgba ink;

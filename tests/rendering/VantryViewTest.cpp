@@ -96,7 +96,7 @@ TEST(VantryView, DiffersByEachOfItsProperties) {
     EXPECT_TRUE(view == VantryView());
 }
 
-TEST(VantryView, TheBarTakesWhatInsetsAndLabelLeave) {
+TEST(VantryView, TheBarFillsTheWidthWithoutInsetsAndLabel) {
     const struct {
         double inset;
         double barHeight;
@@ -353,7 +353,7 @@ TEST(VantryView, TellsAScreenReaderHowMuchIsUsed) {
     EXPECT_EQ(viewOf(std::nullopt).accessibility(), (AccessibilityContent{true, role, "Storage", "Loading"}));
 }
 
-TEST(VantryView, TellsAScreenReaderNothingWhenItsOwnerDoes) {
+TEST(VantryView, TellsAScreenReaderNothingWhenItsOwnerDoesSo) {
     for (const auto& shown : {std::optional<StorageSnapshot>(), std::optional(snapshot(100, 53))}) {
         VantryView view = viewOf(shown);
         view.exposesAccessibility = false;

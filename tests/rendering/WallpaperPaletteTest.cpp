@@ -56,7 +56,7 @@ TEST(WallpaperPalette, VibranceGrowsWithSaturationAndBrightness) {
     EXPECT_DOUBLE_EQ(vibrance({0.25, 0.125, 0.125}), 0.18 + 3.4 * 0.25 + 0.65 * 0.5 * 0.5);
 }
 
-TEST(WallpaperPalette, HueSaturationAndBrightnessLeadThereAndBack) {
+TEST(WallpaperPalette, HueSaturationAndBrightnessConvertBothWays) {
     const struct {
         RGB color;
         double hue, saturation, brightness;
@@ -88,7 +88,7 @@ TEST(WallpaperPalette, HueSaturationAndBrightnessLeadThereAndBack) {
     }
 }
 
-TEST(WallpaperPalette, APixelThatIsNotMoreThanHalfOpaqueDoesNotCount) {
+TEST(WallpaperPalette, APixelThatIsAtMostHalfOpaqueDoesNotCount) {
     EXPECT_TRUE(colorBins(filled({200, 0, 0, 127})).empty());
     EXPECT_TRUE(colorBins(filled({200, 0, 0, 0})).empty());
     ASSERT_EQ(colorBins(filled({200, 0, 0, 128})).size(), 1U);
@@ -183,7 +183,7 @@ TEST(WallpaperPalette, DominantColoursDifferFromAllThatWereChosen) {
     EXPECT_EQ(chosen.size(), 3U);
 }
 
-TEST(WallpaperPalette, FillingUpTakesWhatDiffersAndDrawsTheEyeMost) {
+TEST(WallpaperPalette, FillingUpAddsTheMostDifferentAndVividColours) {
     const double near = std::sqrt(0.0099);
     const double far = std::sqrt(0.0101);
     std::vector<RGB> chosen{{0.2, 0.2, 0.2}};
@@ -271,7 +271,7 @@ TEST(WallpaperPalette, OfAGreyPictureIsGreyAndGetsBrighter) {
     }
 }
 
-TEST(WallpaperPalette, IsWhatASecondImplementationSaysItIs) {
+TEST(WallpaperPalette, AgreesWithASecondImplementation) {
     std::mt19937 random(20'260'601);
     const auto below = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
     const auto byte = [&] { return static_cast<std::uint8_t>(below(256)); };

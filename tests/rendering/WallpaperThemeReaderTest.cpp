@@ -79,7 +79,7 @@ TEST(WallpaperThemeReader, TheFallbackPaletteIsTheSevenVividColours) {
         EXPECT_EQ(WallpaperThemeReader::fallbackPalette[i], expected[i]) << i;
 }
 
-TEST(WallpaperThemeReader, TakesAWindowThatCoversMostOfTheScreenForAWallpaper) {
+TEST(WallpaperThemeReader, AWindowThatCoversMostOfTheScreenIsAWallpaper) {
     const struct {
         Rect bounds;
         bool covers;
@@ -95,7 +95,7 @@ TEST(WallpaperThemeReader, TakesAWindowThatCoversMostOfTheScreenForAWallpaper) {
     }
 }
 
-TEST(WallpaperThemeReader, TakesNoWindowOfTheSystemForAWallpaper) {
+TEST(WallpaperThemeReader, AWindowOfTheSystemIsNotAWallpaper) {
     std::vector<WindowInfo> windows;
     for (const char* owner : {"Dock", "Finder", "Notification Center", "Wallpaper", "Window Server", "WindowManager"})
         windows.push_back(window(owner, 1, frame, 5));
@@ -146,7 +146,7 @@ TEST_F(CurrentWallpaper, IsNeverWhatTheFileManagerHoldsOpen) {
     EXPECT_EQ(found(), "/system/default.heic");
 }
 
-TEST_F(CurrentWallpaper, ComesFromOneSourceAfterTheOther) {
+TEST_F(CurrentWallpaper, ComesFromTheFirstSourceThatKnowsIt) {
     moving = root / "film.mov";
     chosen = root / "other.png";
     EXPECT_EQ(found(), root / "film.mov");
@@ -158,7 +158,7 @@ TEST_F(CurrentWallpaper, ComesFromOneSourceAfterTheOther) {
     EXPECT_EQ(asked.back(), "picture of Built-in");
 }
 
-TEST_F(CurrentWallpaper, IsFoundWithoutAListOfWindowsToo) {
+TEST_F(CurrentWallpaper, IsFoundWithoutAListOfWindows) {
     sources.windows = nullptr;
     chosen = root / "other.png";
     EXPECT_EQ(found(), root / "other.png");

@@ -42,7 +42,7 @@ TEST(StorageReadFailure, DescribesItsCause) {
               "/: Permission denied");
 }
 
-TEST(StrictReader, TakesOverWhatTheSystemSaid) {
+TEST(StrictReader, ReturnsTheFiguresOfTheSystem) {
     const auto read = StorageReader::strictSnapshot(said(100, 40, absent), moment);
     ASSERT_TRUE(read);
     EXPECT_EQ(*read, (StorageSnapshot{"Disk", 100, 40, moment}));
@@ -111,7 +111,7 @@ TEST(StrictReader, AnUnnamedVolumeIsCalledMacintoshHD) {
     EXPECT_EQ(StorageReader::strictSnapshot(said(100, 40, absent, "Größe 🖴"), moment)->volumeName, "Größe 🖴");
 }
 
-TEST(StrictReader, HandsTheErrorOfTheSystemOnUnchanged) {
+TEST(StrictReader, ReturnsTheErrorOfTheSystemUnchanged) {
     const Error error{ErrorKind::timedOut, "/: Connection timed out"};
     const auto read = StorageReader::strictSnapshot(std::unexpected(error), moment);
     ASSERT_FALSE(read);
@@ -119,7 +119,7 @@ TEST(StrictReader, HandsTheErrorOfTheSystemOnUnchanged) {
     EXPECT_EQ(read.error().localizedDescription(), "/: Connection timed out");
 }
 
-TEST(BasicReader, TakesOverWhatTheSystemSaid) {
+TEST(BasicReader, ReturnsTheFiguresOfTheSystem) {
     EXPECT_EQ(StorageReader::basicSnapshot(said(100, 40, absent), moment), (StorageSnapshot{"Disk", 100, 40, moment}));
 }
 
@@ -165,7 +165,8 @@ TEST(BasicReader, AnUnnamedVolumeIsCalledMacStorage) {
 TEST(StorageReader, BothReadersSeeTheVolumeOfTheRootFolder) {
     struct statvfs facts = {};
     ASSERT_EQ(statvfs("/", &facts), 0);
-    const auto total = static_cast<double>(facts.f_blocks) * static_cast<double>(facts.f_frsize);
+    const auto total =
+        static_cast<double>(facts.f_blocks - facts.f_bfree + facts.f_bavail) * static_cast<double>(facts.f_frsize);
     const auto available = static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize);
 
     const auto before = std::chrono::system_clock::now();
@@ -176,7 +177,10 @@ TEST(StorageReader, BothReadersSeeTheVolumeOfTheRootFolder) {
     ASSERT_TRUE(strict) << strict.error().localizedDescription();
     ASSERT_TRUE(basic);
     for (const StorageSnapshot& read : {*strict, *basic}) {
-        EXPECT_NEAR(static_cast<double>(read.totalBytes), total, 1);
+        EXPECT_NEAR(static_cast<double>(read.totalBytes), total, total * 0.05);
+        EXPECT_NEAR(static_cast<double>(read.reservedBytes.value()),
+                    static_cast<double>(facts.f_bfree - facts.f_bavail) * static_cast<double>(facts.f_frsize),
+                    total * 0.05);
         EXPECT_GE(static_cast<double>(read.availableBytes), available - total * 0.05);
         EXPECT_LE(read.availableBytes, read.totalBytes);
         EXPECT_FALSE(read.volumeName.empty());

@@ -24,7 +24,7 @@ TEST(StorageSnapshot, ItsFieldsAreGivenInTheirOrder) {
     EXPECT_EQ(made.updatedAt, moment);
 }
 
-TEST(StorageSnapshot, UsedIsWhatIsNotAvailable) {
+TEST(StorageSnapshot, UsedIsTotalMinusAvailable) {
     const struct {
         std::int64_t total;
         std::int64_t available;
@@ -64,7 +64,7 @@ TEST(StorageSnapshot, TheFractionIsZeroWithoutATotal) {
         EXPECT_EQ(snapshot(total, leastBytes).usedFraction(), 0.0) << total;
 }
 
-TEST(StorageSnapshot, TheFractionIsHeldAtOneWhenMoreIsUsedThanThereIs) {
+TEST(StorageSnapshot, TheFractionIsAtMostOne) {
     const struct {
         std::int64_t total;
         std::int64_t available;

@@ -8,7 +8,7 @@
 
 namespace vantry {
 
-/// A background queue whose blocks run on the test's thread when the test says so, in the order in which they came.
+/// A background queue. The test runs its blocks on its own thread, in order.
 class FakeBackgroundQueue : public BackgroundQueue {
 public:
     explicit FakeBackgroundQueue(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}

@@ -10,7 +10,7 @@
 
 namespace vantry {
 
-/// A disk that says what the test wants it to say. Outlives what was made with its `services()`.
+/// A disk whose answers the test decides. Outlives what was made with its `services()`.
 struct FakeCleanupServices {
     explicit FakeCleanupServices(std::shared_ptr<FakeCallLog> itsLog) : log(std::move(itsLog)) {}
     FakeCleanupServices(const FakeCleanupServices&) = delete;
@@ -26,7 +26,9 @@ struct FakeCleanupServices {
     std::map<std::string, Error> coordinationErrors;            ///< by path
     std::map<std::string, TrashMove> moves;                     ///< by path: what becomes of a move; else it succeeds
     std::function<void(const CleanupCandidate&)> beforeMove;    ///< what happens while a file is in hand; may be empty
+    decltype(CleanupServices::measureGuide) measureGuide;       ///< empty: there is no guide to measure
     bool historyCanBeWritten = true;
+    HostSystem system = HostSystem::macOS;
     SystemTime now{std::chrono::seconds(1'769'847'300)};
     std::map<std::string, std::vector<CleanupCandidate>> records; ///< what each was last written for, by its file name
 
@@ -37,7 +39,9 @@ struct FakeCleanupServices {
 
     [[nodiscard]] CleanupServices services() {
         return {.home = home,
+                .downloads = home / "Downloads",
                 .applications = applications,
+                .system = system,
                 .scan =
                     [this](std::span<const std::string> running) {
                         std::string call = "cleanup.scan";
@@ -46,39 +50,41 @@ struct FakeCleanupServices {
                         log->add(call);
                         return report;
                     },
+                .measureGuide = measureGuide,
                 .stopScanning = [this] { log->add("cleanup.stopScanning"); },
-                .validationFailure = [this](const CleanupCandidate& candidate) -> std::optional<std::string> {
-                    log->add("cleanup.validate " + candidate.url.native());
-                    const auto failure = failures.find(candidate.url.native());
-                    return failure == failures.end() ? std::nullopt : std::optional(failure->second);
-                },
-                .coordinateMoving =
-                    [this](const std::filesystem::path& file, const auto& accessor) {
-                        log->add("cleanup.coordinate " + file.native());
-                        const auto refused = resultOf(coordinationErrors, file);
-                        const auto moved = coordinatedTo.find(file.native());
-                        if (refused)
-                            accessor(moved == coordinatedTo.end() ? file : moved->second);
-                        return refused;
-                    },
-                .moveToTrash =
-                    [this](const CleanupCandidate& candidate) {
-                        log->add("cleanup.moveToTrash " + candidate.url.native());
-                        if (beforeMove)
-                            beforeMove(candidate);
-                        const auto move = moves.find(candidate.url.native());
-                        return move == moves.end() ? TrashMove{.outcome = TrashMove::Outcome::moved} : move->second;
-                    },
-                .saveHistory =
-                    [this](std::span<const CleanupCandidate> candidates, const CleanupRecord& record,
-                           RecordVersion version) {
-                        log->add("cleanup.saveHistory " + std::to_string(candidates.size()) +
-                                 (version == RecordVersion::last ? " last" : ""));
-                        if (historyCanBeWritten)
-                            records[record.fileName].assign(candidates.begin(), candidates.end());
-                        return historyCanBeWritten;
-                    },
-                .now = [this] { return now; },
+                .move = {.validationFailure = [this](const CleanupCandidate& candidate) -> std::optional<std::string> {
+                             log->add("cleanup.validate " + candidate.url.native());
+                             const auto failure = failures.find(candidate.url.native());
+                             return failure == failures.end() ? std::nullopt : std::optional(failure->second);
+                         },
+                         .coordinateMoving =
+                             [this](const std::filesystem::path& file, const auto& accessor) {
+                                 log->add("cleanup.coordinate " + file.native());
+                                 const auto refused = resultOf(coordinationErrors, file);
+                                 const auto moved = coordinatedTo.find(file.native());
+                                 if (refused)
+                                     accessor(moved == coordinatedTo.end() ? file : moved->second);
+                                 return refused;
+                             },
+                         .moveValidated =
+                             [this](const CleanupCandidate& candidate) {
+                                 log->add("cleanup.move " + candidate.url.native());
+                                 if (beforeMove)
+                                     beforeMove(candidate);
+                                 const auto move = moves.find(candidate.url.native());
+                                 return move == moves.end() ? TrashMove{.outcome = TrashMove::Outcome::moved}
+                                                            : move->second;
+                             },
+                         .saveHistory =
+                             [this](std::span<const CleanupCandidate> candidates, const CleanupRecord& record,
+                                    RecordVersion version) {
+                                 log->add("cleanup.saveHistory " + std::to_string(candidates.size()) +
+                                          (version == RecordVersion::last ? " last" : ""));
+                                 if (historyCanBeWritten)
+                                     records[record.fileName].assign(candidates.begin(), candidates.end());
+                                 return historyCanBeWritten;
+                             },
+                         .now = [this] { return now; }},
                 .longestEnding = std::chrono::milliseconds(0)}; // a move runs on the thread that would wait for it
     }
 

@@ -10,7 +10,7 @@
 
 namespace vantry {
 
-/// An event loop that stands still until the test turns it. Main thread only.
+/// An event loop that only runs when the test says so. Main thread only.
 class FakeMainQueue : public MainQueue {
 public:
     explicit FakeMainQueue(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
@@ -63,7 +63,7 @@ public:
         return readable.size();
     }
 
-    /// The last timer's block, as an event holds it that is on its way when the timer is stopped.
+    /// The block of the last timer, as held by an event that is pending when the timer is stopped.
     [[nodiscard]] std::function<void()> lastTimerBlock() const { return timers_.back()->block; }
     /// The same for the descriptor watched last.
     [[nodiscard]] std::function<void()> lastReadableBlock() const { return watched_.back().second->block; }

@@ -13,8 +13,8 @@
 
 namespace vantry {
 
-/// The whole world around the application. It stands still: the clock shows `time`, and nothing that was submitted or
-/// posted runs before the test says so. Outlives what was made with its `appServices()`.
+/// All services around the application. The clock shows `time`, and nothing that was submitted or posted runs before
+/// the test says so. Outlives what was made with its `appServices()`.
 struct FakeServices {
     FakeServices() { workspace->screenList = {{.name = "Built-in"}}; }
     FakeServices(const FakeServices&) = delete;
@@ -46,7 +46,8 @@ struct FakeServices {
     std::vector<std::string> arguments;
 
     [[nodiscard]] AppServices appServices() {
-        return {.mainQueue = mainQueue,
+        return {.system = cleanup.system,
+                .mainQueue = mainQueue,
                 .backgroundQueue = backgroundQueue,
                 .preferences = preferences,
                 .workspace = workspace,

@@ -11,8 +11,8 @@
 
 namespace vantry {
 
-/// A front end that keeps what it was given to show. The popover opens and closes as it is told.
-class FakeShell : public Shell {
+/// A front end that keeps everything it is given to show. The popover opens and closes when asked to.
+class FakeShell : public Shell, public CleanupWindowShell {
 public:
     explicit FakeShell(std::shared_ptr<FakeCallLog> log) : log_(std::move(log)) {}
 
@@ -43,6 +43,7 @@ public:
         menu = content;
     }
 
+    [[nodiscard]] CleanupWindowShell& cleanupWindowShell() override { return *this; }
     void showCleanupWindow() override {
         log_->add("shell.showCleanupWindow");
         cleanupWindowShown = true;

@@ -24,6 +24,7 @@ public:
     void openItem(const std::filesystem::path& path) override { log_->add("workspace.openItem " + path.native()); }
     [[nodiscard]] bool canOpenItem(const std::filesystem::path& path) const override { return canOpen(path.native()); }
     void revealItem(const std::filesystem::path& path) override { log_->add("workspace.revealItem " + path.native()); }
+    void copyText(const std::string& text) override { log_->add("workspace.copyText " + text); }
     [[nodiscard]] std::vector<std::string> runningBundleIdentifiers() const override {
         log_->add("workspace.runningBundleIdentifiers");
         return runningIdentifiers;

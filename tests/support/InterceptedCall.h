@@ -7,6 +7,7 @@
 #include <functional>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <optional>
 #include <sys/prctl.h>
 #include <ucontext.h>
 #include <unistd.h>
@@ -16,11 +17,13 @@ namespace vantry {
 
 /// What is done before each call of one kind.
 struct InterceptedCall {
-    static inline std::function<void(int)> before; ///< is told the how manyeth call it is, from 1
+    static inline std::function<void(int)> before; ///< is passed the number of the call, from 1
     static inline long number = 0;
     static inline int count = 0;
     static inline std::int64_t firstArgument = 0; ///< of the call that is about to be made
-    static inline int refusal = 0; ///< set by `before`: the errno that the call is answered with, instead of being made
+    static inline std::int64_t secondArgument = 0;
+    /// Set by `before`: the errno that the call is answered with, 0 for success, instead of being made.
+    static inline std::optional<int> answer;
     /// A sixth argument that no caller gives: the call is let through.
     static constexpr std::uint32_t pass = 0x5ca1ab1e;
 
@@ -29,9 +32,10 @@ struct InterceptedCall {
 #if defined(__x86_64__)
         auto& all = machine.gregs;
         firstArgument = static_cast<std::int64_t>(all[REG_RDI]);
+        secondArgument = static_cast<std::int64_t>(all[REG_RSI]);
         before(++count);
-        if (const int refused = std::exchange(refusal, 0); refused != 0) {
-            all[REG_RAX] = -refused;
+        if (const auto given = std::exchange(answer, {})) {
+            all[REG_RAX] = -*given;
             return;
         }
         const long result = syscall(number, all[REG_RDI], all[REG_RSI], all[REG_RDX], all[REG_R10], all[REG_R8], pass);
@@ -39,9 +43,10 @@ struct InterceptedCall {
 #elif defined(__aarch64__)
         auto& all = machine.regs;
         firstArgument = static_cast<std::int64_t>(all[0]);
+        secondArgument = static_cast<std::int64_t>(all[1]);
         before(++count);
-        if (const int refused = std::exchange(refusal, 0); refused != 0) {
-            all[0] = static_cast<std::uint64_t>(-refused);
+        if (const auto given = std::exchange(answer, {})) {
+            all[0] = static_cast<std::uint64_t>(-*given);
             return;
         }
         const long result = syscall(number, all[0], all[1], all[2], all[3], all[4], pass);
@@ -56,7 +61,7 @@ struct InterceptedCall {
 /// five arguments, and then the call is made. False where that is not possible. For a child process, as there is no way
 /// back; `before` must not make that call itself.
 [[nodiscard]] inline bool interceptCall(long number, std::function<void(int)> before) {
-#if (!defined(__x86_64__) && !defined(__aarch64__)) || defined(OMBREL_THREAD_SANITIZER) // which holds signals back
+#if (!defined(__x86_64__) && !defined(__aarch64__)) || defined(OMBREL_THREAD_SANITIZER) // which delays signals
     static_cast<void>(number);
     static_cast<void>(before);
     return false;

@@ -6,9 +6,9 @@
 
 namespace vantry {
 
-/// How many descriptors this process has open. On Linux.
+/// How many descriptors this process has open.
 [[nodiscard]] inline std::ptrdiff_t openDescriptorCount() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}) - 1; // the iterator's own
+    return std::distance(std::filesystem::directory_iterator("/dev/fd"), {}) - 1; // the iterator's own
 }
 
 } // namespace vantry

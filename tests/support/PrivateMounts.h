@@ -7,7 +7,7 @@
 
 namespace vantry {
 
-/// From here on what this process mounts is mounted for it alone, and gone with it. An ordinary user gets the right to
+/// From here on the mounts of this process are private to it and end with it. An ordinary user gets the right to
 /// mount, in a user namespace in which everybody keeps their number. False where there is no such right. For a child
 /// process, as there is no way back.
 [[nodiscard]] inline bool keepMountsPrivate() {

@@ -4,8 +4,8 @@
 
 namespace vantry {
 
-/// What this process asked of `poll`. Tells how long code was willing to wait without a look at the clock, so that a
-/// busy machine changes nothing. Needs RecordedPolls.cpp, which stands in for the system's function.
+/// The calls of `poll` that this process made. They show how long the code was willing to wait, whatever the clock
+/// says, so a busy machine does not matter. Needs RecordedPolls.cpp, which stands in for the system's function.
 struct RecordedPolls {
     static void forget();
     static int count();

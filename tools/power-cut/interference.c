@@ -1,7 +1,8 @@
 // Preloaded into the mover inside the virtual machine. What it does, the environment says:
 //   SKIP=DIGITS    the calls of fsync with these numbers are only pretended
 //   FAIL=DIGITS    they fail with EIO
-//   SWAP=1         after a rename, the folder that was left and the one that was entered are synced in the other order
+//   SWAP=NUMBER    after the rename with this number, the folder that was left and the one that was entered are synced in
+//                  the other order
 //   PRESS=fsync    after each call that changes something, another file (PRESS_FILE) is synced, so that the file system
 //   PRESS=syncfs   commits at that moment; or the whole file system is
 #define _GNU_SOURCE
@@ -15,6 +16,7 @@
 #include <unistd.h>
 
 static int left = -1, entered = -1; // the folders of the last rename
+static int renames;
 
 static int listed(const char *name, int number) {
     const char *digits = getenv(name);
@@ -52,6 +54,7 @@ int openat(int folder, const char *name, int flags, ...) {
 ssize_t write(int fd, const void *bytes, size_t count) { return press(syscall(SYS_write, fd, bytes, count)); }
 
 int renameat2(int from, const char *name, int to, const char *newName, unsigned flags) {
+    ++renames;
     left = from;
     entered = to;
     return (int)press(syscall(SYS_renameat2, from, name, to, newName, flags));
@@ -66,7 +69,7 @@ int fsync(int fd) {
     }
     if (listed("SKIP", number))
         return 0;
-    if (getenv("SWAP") && left >= 0)
+    if (left >= 0 && listed("SWAP", renames))
         fd = fd == left ? entered : left;
     return (int)syscall(SYS_fsync, fd);
 }

@@ -26,6 +26,38 @@ TEST_F(LaunchAtLoginOnLinux, DisablingRemovesTheAgentAndTheAutostartEntry) {
     EXPECT_FALSE(std::filesystem::exists(autostart()));
 }
 
+TEST_F(LaunchAtLoginOnLinux, TheAgentIsWrittenAsMacOSWouldWithItsKeysInThisOrder) {
+    enableOrFail();
+    EXPECT_EQ(readFile(agent()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                 "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                                 "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                                 "<plist version=\"1.0\">\n"
+                                 "<dict>\n"
+                                 "\t<key>Label</key>\n"
+                                 "\t<string>app.ombrel.Ombrel</string>\n"
+                                 "\t<key>ProgramArguments</key>\n"
+                                 "\t<array>\n"
+                                 "\t\t<string>/usr/bin/open</string>\n"
+                                 "\t\t<string>-g</string>\n"
+                                 "\t\t<string>/opt/ombrel/ombrel</string>\n"
+                                 "\t</array>\n"
+                                 "\t<key>RunAtLoad</key>\n"
+                                 "\t<true/>\n"
+                                 "\t<key>LimitLoadToSessionType</key>\n"
+                                 "\t<string>Aqua</string>\n"
+                                 "\t<key>ProcessType</key>\n"
+                                 "\t<string>Interactive</string>\n"
+                                 "</dict>\n"
+                                 "</plist>\n");
+}
+
+TEST_F(LaunchAtLoginOnLinux, ALineBreakInThePathIsAnErrorAndChangesNothing) {
+    enableOrFail();
+    const std::string before = readFile(agent());
+    EXPECT_FALSE(Controller::setEnabled(environment("/line\nbreak/ombrel"), true));
+    EXPECT_EQ(readFile(agent()), before);
+}
+
 TEST_F(LaunchAtLoginOnLinux, AnInstalledCopyIsPreferredToARunningOneThatIsNotInstalled) {
     const auto usr = install("usr/ombrel");
     enableOrFail();
@@ -37,7 +69,7 @@ TEST_F(LaunchAtLoginOnLinux, AnInstalledCopyIsPreferredToARunningOneThatIsNotIns
     expectBothStart(usr);
 }
 
-TEST_F(LaunchAtLoginOnLinux, WhatCannotBeRunIsNoInstalledCopy) {
+TEST_F(LaunchAtLoginOnLinux, AFileThatIsNotExecutableIsNoInstalledCopy) {
     std::filesystem::create_directories(home_ / "local/ombrel");
     std::filesystem::create_directories(home_ / "usr");
     writeFile(home_ / "usr/ombrel", "not executable");
@@ -45,7 +77,7 @@ TEST_F(LaunchAtLoginOnLinux, WhatCannotBeRunIsNoInstalledCopy) {
     expectBothStart("/opt/ombrel/ombrel");
 }
 
-TEST_F(LaunchAtLoginOnLinux, ACopyThatIsNotInstalledLeavesTheEntryToAnInstalledOne) {
+TEST_F(LaunchAtLoginOnLinux, ACopyThatIsNotInstalledKeepsTheEntryOfAnInstalledOne) {
     const auto local = install("local/ombrel");
     const auto usr = install("usr/ombrel");
     ASSERT_TRUE(Controller::setEnabled(environment(usr), true));
@@ -59,7 +91,7 @@ TEST_F(LaunchAtLoginOnLinux, ACopyThatIsNotInstalledLeavesTheEntryToAnInstalledO
     expectBothStart("/opt/ombrel/ombrel");
 }
 
-TEST_F(LaunchAtLoginOnLinux, RefreshingKeepsWhatTheUserAddedToARightEntry) {
+TEST_F(LaunchAtLoginOnLinux, RefreshingKeepsTheUsersChangesToACorrectEntry) {
     enableOrFail();
     addToEntry("X-GNOME-Autostart-Delay=20");
     const auto entry = readFile(autostart());
@@ -69,7 +101,7 @@ TEST_F(LaunchAtLoginOnLinux, RefreshingKeepsWhatTheUserAddedToARightEntry) {
     expectBothStart("/opt/ombrel/ombrel");
 }
 
-TEST_F(LaunchAtLoginOnLinux, AnEntryThatTheUserSwitchedOffOrRemovedIsOffAndStaysAsItIs) {
+TEST_F(LaunchAtLoginOnLinux, AnEntryThatTheUserDisabledOrRemovedIsOffAndStaysUnchanged) {
     for (const char* line : {"Hidden=true", "X-GNOME-Autostart-enabled=false", ""}) {
         enableOrFail();
         writeFile(agent(), "outdated");
@@ -95,13 +127,13 @@ TEST_F(LaunchAtLoginOnLinux, RefreshingWritesAnExistingAgentForTheCurrentLocatio
     EXPECT_NE(readFile(autostart()).find("Exec=\"/new/place/ombrel\"\n"), std::string::npos);
 }
 
-TEST_F(LaunchAtLoginOnLinux, AnUnusualApplicationPathIsWrittenAsItIs) {
+TEST_F(LaunchAtLoginOnLinux, AnUnusualApplicationPathIsWrittenUnchanged) {
     ASSERT_TRUE(Controller::setEnabled(environment("/R&D <new> \"é\" 100%/ombrel"), true));
     EXPECT_NE(readFile(agent()).find("/R&amp;D &lt;new&gt; \"é\" 100%/ombrel"), std::string::npos);
     EXPECT_NE(readFile(autostart()).find(R"(Exec="/R&D <new> \\"é\\" 100%%/ombrel")"), std::string::npos);
 }
 
-TEST_F(LaunchAtLoginOnLinux, BothFilesAreTheOnlyTruth) {
+TEST_F(LaunchAtLoginOnLinux, OnlyTheTwoFilesCount) {
     enableOrFail();
     std::filesystem::remove(agent());
     EXPECT_FALSE(Controller::isEnabled(environment()));
@@ -122,7 +154,7 @@ TEST_F(LaunchAtLoginOnLinux, AFolderInThePlaceOfTheFileIsNoAgentAndStays) {
     EXPECT_TRUE(std::filesystem::exists(agent() / "inside"));
 }
 
-TEST_F(LaunchAtLoginOnLinux, WhenTheAutostartEntryCannotBeWrittenTheAgentIsPutBackToItsBytesOrItsAbsence) {
+TEST_F(LaunchAtLoginOnLinux, WhenTheAutostartEntryCannotBeWrittenTheAgentIsRestoredOrRemoved) {
     writeFile(home_ / ".config", "a file in place of the folder");
     const auto refused = Controller::setEnabled(environment(), true);
     ASSERT_FALSE(refused);
@@ -143,7 +175,7 @@ TEST_F(LaunchAtLoginOnLinux, AReadOnlyFolderIsAnErrorWithTheSystemsTextAndNothin
     EXPECT_FALSE(std::filesystem::exists(autostart()));
 }
 
-// It could not be put back if the autostart entry failed.
+// It could not be restored if writing the autostart entry failed.
 TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeReadIsNotReplaced) {
     std::filesystem::create_directories(agents());
     writeFile(agent(), "unreadable");
@@ -183,7 +215,7 @@ TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
     EXPECT_EQ(readFile(autostart()), entry);
 }
 
-TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatItDidNotHave) {
+TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoNewAutostartEntry) {
     std::filesystem::create_directories(agents());
     writeFile(agent(), "without an entry");
     std::filesystem::create_directories(autostart().parent_path());
@@ -195,7 +227,7 @@ TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoAutostartEntryThatI
     EXPECT_FALSE(std::filesystem::exists(autostart()));
 }
 
-TEST_F(LaunchAtLoginOnLinux, AFullDiskIsAnErrorThatLeavesTheOldFileAndNothingBeside) {
+TEST_F(LaunchAtLoginOnLinux, AFullDiskIsAnErrorThatKeepsTheOldFileAndLeavesNoOther) {
     std::filesystem::create_directories(agents());
     const auto answer = inChildProcess([&]() -> std::string {
         if (!keepMountsPrivate() || mount("none", agents().c_str(), "tmpfs", 0, "size=16k") != 0)

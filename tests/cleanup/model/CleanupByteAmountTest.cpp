@@ -1,4 +1,4 @@
-#include "cleanup/model/CleanupByteAmount.h"
+#include "cleanup/model/CleanupScanReport.h"
 
 #include <gtest/gtest.h>
 

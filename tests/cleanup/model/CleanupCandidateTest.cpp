@@ -36,8 +36,10 @@ CleanupCandidate madeUpCandidate() {
 
 } // namespace
 
-TEST(CleanupCandidate, HoldsWhatItWasMadeOf) {
+TEST(CleanupCandidate, HoldsWhatItWasMadeOfAndTakesTheFingerprintOfItsFile) {
     const TemporaryFolder folder;
+    writeFile(folder / "old.log", "text");
+    const SystemTime before = std::chrono::system_clock::now();
     const CleanupCandidate candidate(folder / "old.log", "Old log", Category::crashReport, "Not changed for 40 days",
                                      123'456'789'012, Confidence::review);
     EXPECT_EQ(candidate.url, folder / "old.log");
@@ -46,22 +48,11 @@ TEST(CleanupCandidate, HoldsWhatItWasMadeOf) {
     EXPECT_EQ(candidate.reason, "Not changed for 40 days");
     EXPECT_EQ(candidate.size, 123'456'789'012);
     EXPECT_EQ(candidate.confidence, Confidence::review);
-}
-
-TEST(CleanupCandidate, TakesTheFingerprintOfItsFile) {
-    const TemporaryFolder folder;
-    writeFile(folder / "old.log", "text");
-    const CleanupCandidate candidate = candidateFor(folder / "old.log");
     const FileFingerprint fingerprint = readFileFingerprint(folder / "old.log");
     ASSERT_TRUE(fingerprint.contentModificationDate && fingerprint.volumeIdentifier);
     EXPECT_EQ(candidate.scannedModificationDate, fingerprint.contentModificationDate);
     EXPECT_EQ(candidate.scannedResourceIdentifier, fingerprint.resourceIdentifier);
     EXPECT_EQ(candidate.scannedVolumeIdentifier, fingerprint.volumeIdentifier);
-}
-
-TEST(CleanupCandidate, IsScannedAtTheMomentItIsMade) {
-    const SystemTime before = std::chrono::system_clock::now();
-    const CleanupCandidate candidate = candidateFor("/");
     EXPECT_GE(candidate.scannedAt, before);
     EXPECT_LE(candidate.scannedAt, std::chrono::system_clock::now());
 }
@@ -100,13 +91,10 @@ TEST(CleanupCandidate, TwoForOneFileShareTheirIdAndAreDifferent) {
     EXPECT_NE(one, other);
 }
 
-TEST(CleanupCandidate, ItsIdIsTheStandardizedPath) {
+TEST(CleanupCandidate, ItsIdIsTheStandardizedPathAndThatOfALinkItself) {
     EXPECT_EQ(candidateFor("/home//me/./Downloads/../Library/Logs/old.log").id(), "/home/me/Library/Logs/old.log");
     EXPECT_EQ(candidateFor("/Applications/Install macOS.app/").id(), "/Applications/Install macOS.app");
     EXPECT_EQ(candidateFor("/a/\xff").id(), "/a/\xff");
-}
-
-TEST(CleanupCandidate, ItsIdIsThatOfALinkItself) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
     std::filesystem::create_symlink(folder / "file", folder / "link");

@@ -29,15 +29,9 @@ CleanupScanReport report() {
 
 } // namespace
 
-TEST(CleanupCategoryMetric, HoldsItsFieldsInOrder) {
-    const CleanupCategoryMetric metric{CleanupByteAmount::atLeast(7), 3, 2};
-    EXPECT_EQ(metric.occupied, CleanupByteAmount::atLeast(7));
-    EXPECT_EQ(metric.reviewableBytes, 3);
-    EXPECT_EQ(metric.reviewableItemCount, 2);
-}
-
 TEST(CleanupCategoryMetric, EveryFieldCountsForEqualityAndHash) {
     const CleanupCategoryMetric metric{CleanupByteAmount::exact(7), 3, 2};
+    EXPECT_EQ(CleanupCategoryMetric(), (CleanupCategoryMetric{CleanupByteAmount::unavailable(), 0, 0}));
     const std::hash<CleanupCategoryMetric> hash;
     EXPECT_EQ(hash(metric), hash(CleanupCategoryMetric{CleanupByteAmount::exact(7), 3, 2}));
     for (const CleanupCategoryMetric& other :
@@ -47,10 +41,6 @@ TEST(CleanupCategoryMetric, EveryFieldCountsForEqualityAndHash) {
         EXPECT_NE(other, metric);
         EXPECT_NE(hash(other), hash(metric));
     }
-}
-
-TEST(CleanupCategoryMetric, KnowsNothingBeforeItIsMeasured) {
-    EXPECT_EQ(CleanupCategoryMetric(), (CleanupCategoryMetric{CleanupByteAmount::unavailable(), 0, 0}));
 }
 
 TEST(CleanupScanReport, ACopyIsEqualAndHasTheSameHash) {

@@ -5,12 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace vantry {
 
 namespace {
 
-/// Every character is as wide as every other.
+/// All characters are equally wide.
 double characters(const std::string& text) {
     return static_cast<double>(
         std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; }));
@@ -25,7 +26,7 @@ std::string repeated(std::string_view part, std::size_t count) {
 
 const std::string sentence = "Scan again before moving anything. No items were changed.";
 
-/// What becomes of lines in an alert whose lines have room for 20 characters.
+/// Fits `lines` into an alert that is 20 characters wide.
 std::string fitted(const std::string& lines) {
     const std::string text = fittedInformativeText({"", lines + "\n\n" + sentence, {"OK"}}, 20, characters);
     EXPECT_TRUE(text.ends_with("\n\n" + sentence)) << text;
@@ -33,8 +34,10 @@ std::string fitted(const std::string& lines) {
 }
 
 TEST(AlertText, LinesThatFitAreLeftAsTheyAre) {
-    for (const std::string lines : {"", "old.log: it changed", "one two three four five six: it is not here any more",
-                                    "exactly-20-characte: a\nold.log: b", "a  b\n\nc"})
+    for (const std::string& lines :
+         std::vector<std::string>{"", "old.log: it changed", "one two three four five six: it is not here any more",
+                                  "exactly-20-characte: a\nold.log: b", "a  b\n\nc", "a " + std::string(20, 'x'),
+                                  repeated("old.log: b\n", 11) + "new.log: b"})
         EXPECT_EQ(fitted(lines), lines);
 }
 
@@ -70,6 +73,21 @@ TEST(AlertText, APathIsElidedInItsLongPartsOnly) {
               "a: it is at /home/somebody/xxxxxxxxxx…xxxxxxxx/a");
 }
 
+TEST(AlertText, ALineBreaksAfterASlashOnlyBeforeALetter) {
+    for (const char next : std::string_view("amzAMZ")) {
+        const std::string path = std::string(12, 'x') + '/' + next + std::string(12, 'x');
+        EXPECT_EQ(fitted(path), path);
+    }
+    for (const char next : std::string_view("@[`{_1.-")) {
+        const std::string path = std::string(12, 'x') + '/' + next + std::string(12, 'x');
+        EXPECT_NE(fitted(path), path) << next;
+    }
+}
+
+TEST(AlertText, WhereNothingFitsTheEllipsisAloneIsShown) {
+    EXPECT_EQ(fittedInformativeText({"", "aaa\n\n" + sentence, {"OK"}}, 0, characters), "…\n\n" + sentence);
+}
+
 TEST(AlertText, NoWordIsTooLongWhereTheMiddleOfALineWasTaken) {
     const std::string line = fitted(repeated("a", 19) + " " + repeated("b", 300) + " " + repeated("c", 19));
     for (std::size_t begin = 0; begin < line.size();) {
@@ -88,6 +106,7 @@ TEST(AlertText, CharactersStayWhole) {
             EXPECT_EQ(count <= 20, name.find("…") == std::string::npos);
             EXPECT_GE(characters(name), std::min<double>(static_cast<double>(count), 19));
         }
+    EXPECT_EQ(fitted(repeated("é", 30)), repeated("é", 10) + "…" + repeated("é", 9));
 }
 
 TEST(AlertText, ATextWithoutFilesIsLeftAsItIs) {

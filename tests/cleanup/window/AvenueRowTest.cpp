@@ -1,10 +1,9 @@
 #include "cleanup/window/AvenueRow.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/Candidates.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace vantry {
 
@@ -13,8 +12,6 @@ namespace {
 using enum CleanupCategory;
 using enum CleanupScanState;
 using Amount = CleanupByteAmount;
-
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
 
 CleanupAvenue avenueOf(std::set<CleanupCategory> categories, CleanupAvenue::Mode mode = CleanupAvenue::Mode::scanned) {
     return {.area = CleanupArea::quickWins,
@@ -26,32 +23,16 @@ CleanupAvenue avenueOf(std::set<CleanupCategory> categories, CleanupAvenue::Mode
             .action = std::nullopt};
 }
 
-TEST(CombinedOccupiedAmount, AddsWhatIsKnown) {
-    struct Case {
-        Amount first;
-        Amount second;
-        Amount combined;
-    };
-    const auto unknown = Amount::unavailable();
-    for (const auto& [first, second, combined] :
-         {Case{Amount::exact(5), Amount::exact(7), Amount::exact(12)},
-          Case{Amount::exact(0), Amount::exact(0), Amount::exact(0)},
-          Case{Amount::exact(5), Amount::atLeast(7), Amount::atLeast(12)},
-          Case{Amount::exact(5), unknown, Amount::atLeast(5)}, Case{Amount::atLeast(5), unknown, Amount::atLeast(5)},
-          Case{unknown, unknown, unknown}, Case{Amount::exact(largest), Amount::exact(1), Amount::atLeast(largest)},
-          Case{Amount::atLeast(largest), Amount::exact(largest), Amount::atLeast(largest)},
-          Case{Amount::exact(largest), Amount::exact(0), Amount::exact(largest)}})
-        EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, {.occupied = first}}, {orphan, {.occupied = second}}}),
-                  combined);
+// How amounts are added is tested in UsageMeasurementTest.cpp.
+TEST(CombinedOccupiedAmount, AddsTheCategoriesAndTreatsThoseThatWereNotMeasuredAsUnknown) {
+    const CleanupCategoryMetric five{.occupied = Amount::exact(5)};
+    const CleanupCategoryMetric seven{.occupied = Amount::atLeast(7)};
+    EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, five}, {orphan, seven}}), Amount::atLeast(12));
+    EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, five}}), Amount::atLeast(5));
+    EXPECT_EQ(combinedOccupiedAmount({log}, {{orphan, five}}), Amount::unavailable());
 }
 
-TEST(CombinedOccupiedAmount, WhatWasNotMeasuredIsUnknown) {
-    EXPECT_EQ(combinedOccupiedAmount({log}, {}), Amount::unavailable());
-    EXPECT_EQ(combinedOccupiedAmount({log, orphan}, {{log, {.occupied = Amount::exact(5)}}}), Amount::atLeast(5));
-    EXPECT_EQ(combinedOccupiedAmount({log}, {{orphan, {.occupied = Amount::exact(5)}}}), Amount::unavailable());
-}
-
-TEST(UsageText, SaysHowMuchIsKnown) {
+TEST(UsageText, ShowsHowMuchIsKnown) {
     const auto unknown = Amount::unavailable();
     struct Case {
         Amount logs;
@@ -82,7 +63,7 @@ TEST(UsageText, SaysHowMuchIsKnown) {
     }
 }
 
-TEST(AvenueStatus, FollowsTheModeOfWhatIsNotScanned) {
+TEST(AvenueStatus, OfAnAvenueThatIsNotScannedFollowsItsMode) {
     struct Case {
         CleanupAvenue::Mode mode;
         AvenueStatus status;
@@ -94,12 +75,12 @@ TEST(AvenueStatus, FollowsTheModeOfWhatIsNotScanned) {
           Case{keptPrivate, {"Not Scanned for Privacy", "Size not measured here", SystemColor::secondaryLabel}},
           Case{includedAbove, {"Included Above", "Counted with Temporary app files", SystemColor::secondaryLabel}},
           Case{scanned, {"Checked Automatically", "Size not measured here", SystemColor::green}}}) {
-        EXPECT_EQ(avenueStatus(avenueOf({}, mode), reportOf({})), status);
-        EXPECT_EQ(avenueStatus(avenueOf({}, mode), {}), status) << "also before the first scan";
+        EXPECT_EQ(avenueStatus(avenueOf({}, mode), reportOf({}), HostSystem::macOS), status);
+        EXPECT_EQ(avenueStatus(avenueOf({}, mode), {}, HostSystem::macOS), status) << "also before the first scan";
     }
 }
 
-// Every pair of states, by the rule that wins.
+// Every pair of states, with the rule that applies to it.
 TEST(AvenueStatus, TheFirstRuleThatAppliesToACategoryWins) {
     const std::vector states{checked, limited, notPresent, relocated, permissionNeeded, unavailable};
     for (const auto first : states)
@@ -121,7 +102,7 @@ TEST(AvenueStatus, TheFirstRuleThatAppliesToACategoryWins) {
                 expected = {"Not on This Mac", "5 KB used here", SystemColor::blue};
             else if (either(limited))
                 expected = {"Scan Incomplete", "5 KB used here · scan stopped early", SystemColor::orange};
-            EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report), expected);
+            EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report, HostSystem::macOS), expected);
         }
 }
 
@@ -141,17 +122,17 @@ TEST(AvenueStatus, CountsTheFilesOfItsCategories) {
           Case{{logAt("/a")}, permissionNeeded, {"Folder Access Needed", "Size unavailable", SystemColor::red}}}) {
         auto report = reportOf(candidates);
         report.states[log] = state;
-        EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report), status);
+        EXPECT_EQ(avenueStatus(avenueOf({log, crashReport}), report, HostSystem::macOS), status);
     }
 }
 
-TEST(AvenueStatus, PromisesNothingBeforeTheFirstScanHasEnded) {
-    EXPECT_EQ(avenueStatus(avenueOf({log}), {}),
+TEST(AvenueStatus, SaysNotMeasuredYetBeforeTheFirstScanHasEnded) {
+    EXPECT_EQ(avenueStatus(avenueOf({log}), {}, HostSystem::macOS),
               (AvenueStatus{"Checked Automatically", "Not measured yet", SystemColor::green}));
 }
 
 TEST(AvenueRow, ShowsTheAvenue) {
-    EXPECT_EQ(avenueRow(avenueOf({}, CleanupAvenue::Mode::macOSManaged), {}),
+    EXPECT_EQ(avenueRow(avenueOf({}, CleanupAvenue::Mode::macOSManaged), {}, HostSystem::macOS),
               (AvenueRowContent{.symbolName = "symbol",
                                 .title = "Title",
                                 .detail = "Detail",

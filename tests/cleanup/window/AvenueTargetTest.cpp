@@ -1,4 +1,4 @@
-#include "cleanup/window/AvenueTarget.h"
+#include "cleanup/window/AvenueRow.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ TEST(AvenueTarget, EveryActionOpensItsPlace) {
     };
     using enum CleanupAvenue::Action;
     const std::vector<Case> cases{
-        {downloads, {Kind::homeFolder, "/home/ada/Downloads", ""}},
+        {downloads, {Kind::homeFolder, "/home/ada/Loads", ""}},
         {applications, {Kind::systemFolder, "/Applications", ""}},
         {home, {Kind::homeFolder, "/home/ada", ""}},
         {storageSettings, {Kind::settingsPane, "", "x-apple.systempreferences:com.apple.settings.Storage"}},
@@ -28,12 +28,12 @@ TEST(AvenueTarget, EveryActionOpensItsPlace) {
     };
     ASSERT_EQ(cases.size(), allCleanupAvenueActions.size());
     for (const auto& [action, target] : cases)
-        EXPECT_EQ(avenueTarget(action, "/home/ada", "/Applications"), target) << rawValue(action);
+        EXPECT_EQ(avenueTarget(action, "/home/ada", "/home/ada/Loads", "/Applications"), target) << rawValue(action);
 }
 
-TEST(AvenueTarget, AButtonThatCanOpenNothingSaysWhy) {
+TEST(AvenueTarget, AButtonWithoutATargetSaysWhy) {
     const auto action = CleanupAvenue::Action::developer;
-    const auto button = [&](Kind kind, bool canOpen) { return avenueButton(action, kind, canOpen); };
+    const auto button = [&](Kind kind, bool canOpen) { return avenueButton(action, kind, canOpen, HostSystem::macOS); };
     const auto content = [&](const char* tooltip, bool enabled) {
         return AvenueButtonContent{
             .title = "Open Developer Folder", .tooltip = tooltip, .action = action, .enabled = enabled};

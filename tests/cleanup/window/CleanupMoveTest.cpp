@@ -7,16 +7,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class CleanupMove : public CleanupWindowFixture {
-protected:
-    void openWithThreeLogs() {
-        openWith({logAt("/l/a", 1'000'000), logAt("/l/b", 2'000'000), logAt("/l/c", 4'000'000),
-                  candidateAt("/c/cache", CleanupCategory::cache)});
-        summary = shown().statusLabel;
-    }
-    std::string summary;
-};
-
 TEST_F(CleanupMove, TakesItsStepsInOrder) {
     openWithThreeLogs();
     tick("/l/a");
@@ -59,11 +49,10 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
     log.clear();
 
     backgroundQueue->runNext();
-    EXPECT_THAT(log.calls(), ElementsAre("cleanup.coordinate /l/a", "cleanup.moveToTrash /l/a", "cleanup.saveHistory 1",
-                                         "cleanup.coordinate /l/c", "cleanup.moveToTrash /l/c", "cleanup.saveHistory 2",
+    EXPECT_THAT(log.calls(), ElementsAre("cleanup.coordinate /l/a", "cleanup.move /l/a", "cleanup.saveHistory 1",
+                                         "cleanup.coordinate /l/c", "cleanup.move /l/c", "cleanup.saveHistory 2",
                                          "cleanup.saveHistory 2 last", "mainQueue.post"));
-    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
-    EXPECT_EQ(disk.recorded()[1].url, "/l/c");
+    EXPECT_THAT(recorded(), ElementsAre("/l/a", "/l/c"));
     log.clear();
 
     mainQueue->runNext();
@@ -78,9 +67,7 @@ TEST_F(CleanupMove, TakesItsStepsInOrder) {
 
 TEST_F(CleanupMove, TheOutcomeStaysTheSummaryUntilTheNextScan) {
     openWithThreeLogs();
-    askToMove({"/l/a"});
-    answer(AlertAnswer::first);
-    settle();
+    move({"/l/a"});
     const std::string moved = "Moved 1 item to the Trash · a privacy-safe local record was saved";
     EXPECT_EQ(shown().statusLabel, moved);
     controller->modeChanged(CleanupWindowMode::storageGuide);
@@ -91,16 +78,6 @@ TEST_F(CleanupMove, TheOutcomeStaysTheSummaryUntilTheNextScan) {
     controller->scanPressed();
     settle();
     EXPECT_EQ(shown().statusLabel, summary);
-}
-
-TEST_F(CleanupMove, ARecordThatCannotBeWrittenIsNotMentioned) {
-    openWithThreeLogs();
-    disk.historyCanBeWritten = false;
-    askToMove({"/l/a", "/l/b"});
-    answer(AlertAnswer::first);
-    settle();
-    EXPECT_EQ(shown().statusLabel, "Moved 2 items to the Trash");
-    EXPECT_THAT(rows(), ElementsAre("c", "cache"));
 }
 
 TEST_F(CleanupMove, NothingHappensWithoutASelection) {
@@ -145,11 +122,10 @@ TEST_F(CleanupMove, AProtectedFileInTheSelectionIsBlockedBeforeAnythingElse) {
     controller->trashPressed();
     settle();
     EXPECT_EQ(shell.alert->message, "Move 1 selected item to the Trash?") << "what is left may be moved";
-}
+    answer(AlertAnswer::last);
 
-TEST_F(CleanupMove, NothingButAProtectedFileInTheSelectionIsBlockedToo) {
-    openWith({logAt("/l/a"), candidateAt("/l/a", CleanupCategory::deviceBackup)});
-    tick("/l/a");
+    tick("/l/b", false);
+    tick("/l/a"); // the only one
     controller->trashPressed();
     EXPECT_EQ(shell.alert->message, "Protected files cannot be selected");
     answer(AlertAnswer::first);
@@ -172,7 +148,7 @@ TEST_F(CleanupMove, FilesThatChangedSinceTheScanAreListedAndNothingMoves) {
     EXPECT_EQ(log.count("cleanup.validate"), 6);
     answer(AlertAnswer::last);
     settle();
-    EXPECT_EQ(log.count("cleanup.moveToTrash"), 0);
+    EXPECT_EQ(log.count("cleanup.move"), 0);
     EXPECT_EQ(enabledButtons(), "scan select trash ") << "the selection stays";
     EXPECT_EQ(shown().selectionLabel, "6 selected · 6 KB will move to Trash");
 }
@@ -194,48 +170,47 @@ TEST_F(CleanupMove, FilesThatChangeAfterTheConfirmationAreListedAndNothingMoves)
     EXPECT_EQ(shown().statusLabel, summary);
 }
 
-TEST_F(CleanupMove, OneFailureAmongThreeLeavesOneBehind) {
-    openWithThreeLogs();
-    disk.moves["/l/b"] = {.reason = "it was modified after the scan"};
-    askToMove({"/l/a", "/l/b", "/l/c"});
-    answer(AlertAnswer::first);
-    settle();
-    EXPECT_EQ(shown().statusLabel, "Moved 2 items to the Trash; 1 could not be moved");
-    EXPECT_THAT(rows(), ElementsAre("b selected", "cache"));
-    EXPECT_EQ(enabledButtons(), "scan select trash ");
-    ASSERT_EQ(disk.recorded().size(), 2) << "the record is written for those that moved";
-    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
-    EXPECT_EQ(disk.recorded()[1].url, "/l/c");
-}
-
-TEST_F(CleanupMove, AFileThatIsMovedAwayDuringCoordinationIsLeftAlone) {
-    openWithThreeLogs();
-    disk.coordinatedTo["/l/a"] = "/l/elsewhere";
-    askToMove({"/l/a", "/l/b"});
-    answer(AlertAnswer::first);
-    settle();
-    EXPECT_THAT(log.only({"cleanup.moveToTrash"}), ElementsAre("cleanup.moveToTrash /l/b"));
-    EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash; 1 could not be moved");
-}
-
-TEST_F(CleanupMove, WhenNothingCouldBeMovedThereIsNoRecord) {
-    openWithThreeLogs();
-    disk.coordinationErrors["/l/a"] = Error{ErrorKind::system, "The file is in use."};
-    askToMove({"/l/a"});
-    answer(AlertAnswer::first);
-    settle();
-    EXPECT_EQ(shown().statusLabel, "Moved 0 items to the Trash; 1 could not be moved");
-    EXPECT_EQ(log.count("cleanup.saveHistory"), 0);
-    EXPECT_THAT(rows(), ElementsAre("a selected", "b", "c", "cache"));
+TEST_F(CleanupMove, TheOutcomeTellsWhatWasMovedAndRecorded) {
+    struct Case {
+        const char* name;
+        std::function<void(FakeCleanupServices&)> arrange;
+        std::vector<std::filesystem::path> selected;
+        const char* status;
+        std::vector<std::string> rows, recorded;
+    };
+    const Case cases[] = {
+        {"the record cannot be written",
+         [](auto& fake) { fake.historyCanBeWritten = false; },
+         {"/l/a", "/l/b"},
+         "Moved 2 items to the Trash",
+         {"c", "cache"},
+         {}},
+        {"one of three fails, and the record is written for the others",
+         [](auto& fake) { fake.moves["/l/b"] = {.reason = "it was modified after the scan"}; },
+         {"/l/a", "/l/b", "/l/c"},
+         "Moved 2 items to the Trash; 1 could not be moved",
+         {"b selected", "cache"},
+         {"/l/a", "/l/c"}},
+    };
+    for (const auto& [name, arrange, selected, status, left, record] : cases) {
+        SCOPED_TRACE(name);
+        openWithThreeLogs();
+        disk.historyCanBeWritten = true;
+        disk.moves.clear();
+        disk.records.clear();
+        arrange(disk);
+        log.clear();
+        move(selected);
+        EXPECT_EQ(shown().statusLabel, status);
+        EXPECT_EQ(rows(), left);
+        EXPECT_EQ(recorded(), record);
+        EXPECT_EQ(enabledButtons(), left[0].ends_with(" selected") ? "scan select trash " : "scan select ");
+    }
 }
 
 TEST_F(CleanupMove, WithEverythingMovedNothingIsSelected) {
     openWith({logAt("/l/a"), logAt("/l/b")});
-    controller->selectSuggestedPressed();
-    controller->trashPressed();
-    settle();
-    answer(AlertAnswer::first);
-    settle();
+    move({"/l/a", "/l/b"});
     EXPECT_EQ(shown().selectionLabel, nothingSelected);
     EXPECT_EQ(shown().selectedCard.value, "0 B");
     EXPECT_EQ(enabledButtons(), "scan ");
@@ -243,146 +218,29 @@ TEST_F(CleanupMove, WithEverythingMovedNothingIsSelected) {
     EXPECT_EQ(shown().foundCard.value, "0 B");
 }
 
-/// Where a move can be when something else is tried.
-struct Step {
-    const char* name;
-    int blocks; ///< how many blocks of both queues have run since the button was pressed
-    bool confirmed;
-    bool asks;
-};
+TEST_F(CleanupMove, AMovedPathIsNoLongerSelectedEvenIfItWasFoundTwice) {
+    openWith({logAt("/l/a"), candidateAt("/l/a", CleanupCategory::crashReport), logAt("/l/b")});
+    disk.beforeMove = [this](const CleanupCandidate& candidate) {
+        if (candidate.category == CleanupCategory::crashReport)
+            disk.moves["/l/a"] = {.reason = "it is not to be found in its place"};
+    };
+    move({"/l/a"});
+    EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash; 1 could not be moved");
+    EXPECT_THAT(rows(), ElementsAre("a", "b"));
+    EXPECT_EQ(shown().selectionLabel, nothingSelected);
+}
 
-class CleanupMoveSteps : public CleanupMove, public testing::WithParamInterface<Step> {
-protected:
-    void goThere() {
-        openWithThreeLogs();
-        tick("/l/a");
-        controller->trashPressed();
-        const auto run = [this](int blocks) {
-            for (int block = 0; block < blocks; ++block)
-                ASSERT_TRUE(backgroundQueue->runNext() || mainQueue->runNext());
-        };
-        if (GetParam().confirmed) {
-            run(2);
-            answer(AlertAnswer::first);
-        }
-        run(GetParam().blocks);
-        ASSERT_EQ(shell.alert.has_value(), GetParam().asks);
-        log.clear();
-    }
-};
-
-class CleanupMoveStepsBeforeTheMove : public CleanupMoveSteps {};
-
-TEST_P(CleanupMoveSteps, NoScanAndNoSecondMoveCanStart) {
-    goThere();
-    const auto waiting = backgroundQueue->waitingCount() + mainQueue->postedCount();
-    controller->modeChanged(CleanupWindowMode::storageGuide);
-    controller->modeChanged(CleanupWindowMode::filesFound);
-    EXPECT_FALSE(shown().trashButton.enabled || shown().scanButton.enabled || shown().selectSuggestedButton.enabled);
-    log.clear();
-    controller->scan();
-    controller->scanPressed();
+TEST_F(CleanupMove, ACheckThatEndsInAHiddenWindowAsksNothing) {
+    openWithThreeLogs();
+    tick("/l/a");
     controller->trashPressed();
-    EXPECT_THAT(log.calls(), IsEmpty());
-    controller->showAndScan();
-    EXPECT_THAT(log.calls(), ElementsAre("shell.showCleanupWindow"));
-    EXPECT_EQ(backgroundQueue->waitingCount() + mainQueue->postedCount(), waiting);
-}
-
-TEST_P(CleanupMoveSteps, TheSelectionCannotChange) {
-    goThere();
-    EXPECT_FALSE(shown().selectionEnabled);
-    tick("/l/b");
-    tick("/l/a", false);
-    controller->selectSuggestedPressed();
-    EXPECT_THAT(log.calls(), IsEmpty());
-    EXPECT_EQ(shown().selectionLabel, "1 selected · 1 MB will move to Trash");
-    settle();
-    if (!GetParam().confirmed)
-        answer(AlertAnswer::first);
-    settle();
-    ASSERT_EQ(disk.recorded().size(), 1);
-    EXPECT_EQ(disk.recorded()[0].url, "/l/a");
-    EXPECT_THAT(rows(), ElementsAre("b", "c", "cache"));
-    EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash · a privacy-safe local record was saved");
-    EXPECT_TRUE(shown().selectionEnabled);
-}
-
-TEST_P(CleanupMoveSteps, NothingIsDoneOnceTheControllerIsGone) {
-    goThere();
-    const std::weak_ptr<CleanupWindowController> last = controller;
-    controller.reset();
-    ASSERT_TRUE(last.expired()) << "nothing keeps it";
-    settle();
-    if (shell.answer)
-        answer(AlertAnswer::first);
-    settle();
-    EXPECT_THAT(log.only({"shell.", "cleanup."}), IsEmpty());
-}
-
-TEST_P(CleanupMoveStepsBeforeTheMove, AWindowThatIsClosedMovesNothing) {
-    goThere();
     shell.cleanupWindowShown = false;
-    controller->windowClosed();
-    if (shell.answer)
-        answer(AlertAnswer::last); // as the front end does when its window is closed
     settle();
-    EXPECT_THAT(log.only({"cleanup.coordinate", "cleanup.moveToTrash", "shell.ask"}), IsEmpty());
+    EXPECT_FALSE(shell.alert);
     EXPECT_EQ(enabledButtons(), "scan select trash ");
-    EXPECT_THAT(rows(), ElementsAre("a selected", "b", "c", "cache"));
 }
 
-// A check that hangs must not hold up the window for ever.
-TEST_P(CleanupMoveStepsBeforeTheMove, ACheckIsGivenUpByEscapeAndByClosingTheWindow) {
-    for (const bool byEscape : {true, false}) {
-        goThere();
-        if (GetParam().asks)
-            return; // the front end answers the sheet
-        if (byEscape)
-            controller->cancelPressed();
-        else
-            controller->windowClosed();
-        EXPECT_EQ(enabledButtons(), "scan select trash ") << "at once";
-        EXPECT_TRUE(shown().selectionEnabled);
-        EXPECT_EQ(shown().statusLabel, summary);
-        tick("/l/b");
-        controller->trashPressed();
-        log.clear();
-        if (GetParam().blocks == 0)
-            backgroundQueue->runNext();
-        mainQueue->runNext();
-        EXPECT_EQ(enabledButtons(), "busy") << "the answer to the first check is not one to the second";
-        settle();
-        EXPECT_THAT(log.only({"shell.ask"}), ElementsAre("shell.ask Move 2 selected items to the Trash?"));
-        answer(AlertAnswer::last);
-        EXPECT_EQ(log.count("cleanup.moveToTrash"), 0);
-    }
-}
-
-const std::vector<Step> stepsBeforeTheMove{{"checking", 0, false, false},
-                                           {"checked", 1, false, false},
-                                           {"asking", 2, false, true},
-                                           {"checkingAgain", 0, true, false},
-                                           {"checkedAgain", 1, true, false}};
-const std::vector<Step> stepsOfTheMove{{"moving", 2, true, false}, {"moved", 3, true, false}};
-const auto nameOf = [](const auto& step) { return step.param.name; };
-
-TEST_P(CleanupMoveSteps, EscapeDoesNothingToASheetOrAMove) {
-    goThere();
-    if (!GetParam().asks && !(GetParam().confirmed && GetParam().blocks >= 2))
-        return;
-    const auto before = shown();
-    controller->cancelPressed();
-    controller->windowClosed();
-    EXPECT_EQ(shown(), before);
-    EXPECT_THAT(log.calls(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(BeforeTheMove, CleanupMoveSteps, testing::ValuesIn(stepsBeforeTheMove), nameOf);
-INSTANTIATE_TEST_SUITE_P(InTheMove, CleanupMoveSteps, testing::ValuesIn(stepsOfTheMove), nameOf);
-INSTANTIATE_TEST_SUITE_P(, CleanupMoveStepsBeforeTheMove, testing::ValuesIn(stepsBeforeTheMove), nameOf);
-
-TEST_F(CleanupMove, AConfirmationOfAWindowThatIsGoneMovesNothing) {
+TEST_F(CleanupMove, AConfirmationInAClosedWindowMovesNothing) {
     openWithThreeLogs();
     askToMove({"/l/a"});
     shell.cleanupWindowShown = false;
@@ -393,16 +251,14 @@ TEST_F(CleanupMove, AConfirmationOfAWindowThatIsGoneMovesNothing) {
     EXPECT_EQ(enabledButtons(), "scan select trash ");
 }
 
-TEST_F(CleanupMove, AFileThatLiesElsewhereIsNamedAndInNeitherCount) {
+TEST_F(CleanupMove, AMisplacedFileIsReportedAndInNeitherCount) {
     openWithThreeLogs();
     disk.moves["/l/a"] = {TrashMove::Outcome::misplaced, "something else was in its place", "/trash/files/a"};
     disk.moves["/l/b"] = {.reason = "it was modified after the scan"};
-    askToMove({"/l/a", "/l/b", "/l/c"});
-    answer(AlertAnswer::first);
-    settle();
+    move({"/l/a", "/l/b", "/l/c"});
+    EXPECT_THAT(log.only({"shell.showCleanupWindow"}), IsEmpty()) << "the window is open";
     EXPECT_EQ(shown().statusLabel, "Moved 1 item to the Trash; 1 could not be moved");
-    ASSERT_EQ(disk.recorded().size(), 1);
-    EXPECT_EQ(disk.recorded()[0].url, "/l/c");
+    EXPECT_THAT(recorded(), ElementsAre("/l/c"));
     EXPECT_THAT(rows(), ElementsAre("b selected", "cache")) << "it is not where it was found";
     ASSERT_TRUE(shell.alert);
     EXPECT_EQ(shell.alert->message, "Some items could not be put back");
@@ -414,13 +270,10 @@ TEST_F(CleanupMove, AFileThatLiesElsewhereIsNamedAndInNeitherCount) {
     EXPECT_EQ(enabledButtons(), "scan select trash ");
 }
 
-TEST_F(CleanupMove, AFileThatLiesElsewhereBringsAClosedWindowBack) {
+TEST_F(CleanupMove, AMisplacedFileReopensAClosedWindow) {
     openWithThreeLogs();
     disk.moves["/l/a"] = {TrashMove::Outcome::misplaced, "something else was in its place", "/trash/files/a"};
-    askToMove({"/l/a"});
-    answer(AlertAnswer::first);
-    backgroundQueue->runNext();
-    mainQueue->runNext();
+    beginToMove("/l/a");
     shell.cleanupWindowShown = false;
     controller->windowClosed();
     settle();
@@ -434,19 +287,14 @@ TEST_F(CleanupMove, TheEndOfTheProcessStopsAMoveAfterTheFileInHand) {
         if (candidate.url == "/l/b")
             controller->applicationWillTerminate();
     };
-    askToMove({"/l/a", "/l/b", "/l/c"});
-    answer(AlertAnswer::first);
-    settle();
-    EXPECT_THAT(log.only({"cleanup.moveToTrash"}), ElementsAre("cleanup.moveToTrash /l/a", "cleanup.moveToTrash /l/b"));
-    EXPECT_EQ(disk.recorded().size(), 2) << "and the record is complete";
+    move({"/l/a", "/l/b", "/l/c"});
+    EXPECT_THAT(log.only({"cleanup.move"}), ElementsAre("cleanup.move /l/a", "cleanup.move /l/b"));
+    EXPECT_THAT(recorded(), ElementsAre("/l/a", "/l/b")) << "and the record is complete";
 }
 
 TEST_F(CleanupMove, TheEndOfTheProcessKeepsAMoveFromBeginning) {
     openWithThreeLogs();
-    askToMove({"/l/a"});
-    answer(AlertAnswer::first);
-    backgroundQueue->runNext();
-    mainQueue->runNext(); // the move waits in the queue
+    beginToMove("/l/a");
     controller->applicationWillTerminate();
     log.clear();
     backgroundQueue->runNext();
@@ -455,10 +303,7 @@ TEST_F(CleanupMove, TheEndOfTheProcessKeepsAMoveFromBeginning) {
 
 TEST_F(CleanupMove, AMoveThatHangsLeavesTheWindowMoving) {
     openWithThreeLogs();
-    askToMove({"/l/a"});
-    answer(AlertAnswer::first);
-    backgroundQueue->runNext();
-    mainQueue->runNext(); // the move waits in the queue, for ever
+    beginToMove("/l/a");
     shell.cleanupWindowShown = false;
     controller->showAndScan();
     EXPECT_EQ(enabledButtons(), "busy");

@@ -1,20 +1,21 @@
 #include "cleanup/window/CleanupServices.h"
-#include "cleanup/window/CleanupHistory.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "cleanup/move/CleanupHistory.h"
+#include "tests/support/Candidates.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileFacts.h"
 #include "tests/support/InterceptedCall.h"
+#include "tests/support/OpenDescriptors.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <chrono>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <set>
-#include <sys/stat.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <thread>
 
@@ -31,11 +32,8 @@ protected:
         const auto path = logs / name;
         std::filesystem::create_directories(logs);
         writeFile(path, std::string(100'000, 'x'));
-        const timespec times[] = {{.tv_sec = 1'600'000'000, .tv_nsec = 0}, {.tv_sec = 1'600'000'000, .tv_nsec = 0}};
-        EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-        struct stat facts = {};
-        EXPECT_EQ(stat(path.c_str(), &facts), 0);
-        return {path, name, CleanupCategory::log, "old", facts.st_blocks * 512, CleanupConfidence::suggested};
+        setModified(path, SystemTime(std::chrono::seconds(1'600'000'000)));
+        return {path, name, CleanupCategory::log, "old", allocatedBytes(path), CleanupConfidence::suggested};
     }
 
     TemporaryFolder folder{std::filesystem::canonical(std::filesystem::temp_directory_path())};
@@ -44,24 +42,24 @@ protected:
     ScopedEnvironment data{"XDG_DATA_HOME", (folder / "data").c_str()};
 };
 
-TEST_F(RealCleanupServices, ActOnTheUsersHome) {
+TEST_F(RealCleanupServices, UseTheUsersHome) {
     const auto services = systemCleanupServices();
     EXPECT_EQ(services.home, folder.path());
     EXPECT_EQ(services.applications, "/Applications");
 }
 
-TEST_F(RealCleanupServices, ValidateAndRecordWhatIsThere) {
+TEST_F(RealCleanupServices, ValidateAndRecordAFile) {
     const auto services = systemCleanupServices();
     const auto candidate = oldLog("painter.log");
-    EXPECT_EQ(services.validationFailure(candidate), std::nullopt);
+    EXPECT_EQ(services.move.validationFailure(candidate), std::nullopt);
     const std::vector moved{candidate};
-    EXPECT_TRUE(services.saveHistory(moved, CleanupRecord::startedAt(services.now()), RecordVersion::last));
+    EXPECT_TRUE(services.move.saveHistory(moved, CleanupRecord::startedAt(services.move.now()), RecordVersion::last));
     EXPECT_FALSE(std::filesystem::is_empty(cleanupHistoryFolder(folder.path())));
     writeFile(candidate.url, "another text");
-    EXPECT_NE(services.validationFailure(candidate), std::nullopt);
+    EXPECT_NE(services.move.validationFailure(candidate), std::nullopt);
 }
 
-TEST_F(RealCleanupServices, WaitForTheDiskWithTheLastVersionOfARecordOnly) {
+TEST_F(RealCleanupServices, SyncOnlyTheLastVersionOfARecord) {
     const auto syncsOf = [&](RecordVersion version) {
         return inChildProcess([&] {
             static int syncs = 0;
@@ -69,7 +67,7 @@ TEST_F(RealCleanupServices, WaitForTheDiskWithTheLastVersionOfARecordOnly) {
                 return std::string("not intercepted");
             const auto services = systemCleanupServices();
             const std::vector moved{oldLog("painter.log")};
-            const bool saved = services.saveHistory(moved, CleanupRecord::startedAt(services.now()), version);
+            const bool saved = services.move.saveHistory(moved, CleanupRecord::startedAt(services.move.now()), version);
             return saved ? std::to_string(syncs) : std::string("not saved");
         });
     };
@@ -80,33 +78,51 @@ TEST_F(RealCleanupServices, WaitForTheDiskWithTheLastVersionOfARecordOnly) {
     EXPECT_EQ(syncsOf(RecordVersion::last), "2") << "the file, then its folder";
 }
 
-TEST_F(RealCleanupServices, MoveWhatWasValidated) {
+TEST_F(RealCleanupServices, MoveAValidatedFile) {
     const auto services = systemCleanupServices();
     const auto candidate = oldLog("painter.log");
     TrashMove moved;
-    ASSERT_TRUE(services.coordinateMoving(candidate.url, [&](const auto& path) {
+    ASSERT_TRUE(services.move.coordinateMoving(candidate.url, [&](const auto& path) {
         EXPECT_EQ(path, candidate.url);
-        moved = services.moveToTrash(candidate);
+        moved = services.move.moveValidated(candidate);
     }));
     EXPECT_EQ(moved, (TrashMove{.outcome = TrashMove::Outcome::moved})) << moved.reason;
     EXPECT_FALSE(std::filesystem::exists(candidate.url));
     EXPECT_TRUE(std::filesystem::exists(folder / "data/Trash/files/painter.log"));
 }
 
-TEST_F(RealCleanupServices, DoNotMoveWhatHasChanged) {
+TEST_F(RealCleanupServices, DoNotMoveAFileThatHasChanged) {
     const auto services = systemCleanupServices();
     const auto candidate = oldLog("painter.log");
     writeFile(candidate.url, "another text");
-    const auto moved = services.moveToTrash(candidate);
+    const auto moved = services.move.moveValidated(candidate);
     EXPECT_EQ(moved.outcome, TrashMove::Outcome::notMoved);
-    EXPECT_EQ(moved.reason, services.validationFailure(candidate));
+    EXPECT_EQ(moved.reason, services.move.validationFailure(candidate));
     EXPECT_EQ(readFile(candidate.url), "another text");
     EXPECT_FALSE(std::filesystem::exists(folder / "data/Trash"));
 }
 
+// Scans poll a pipe; its other end is closed to end them.
+TEST_F(RealCleanupServices, StopScanning) {
+    const auto services = systemCleanupServices();
+    const auto before = openDescriptorCount();
+    services.stopScanning();
+    EXPECT_EQ(openDescriptorCount(), before - 1);
+}
+
+TEST_F(RealCleanupServices, WithoutDescriptorsThereIsNothingToStop) {
+    const auto answer = inChildProcess([] {
+        const rlimit nothing{0, 0};
+        setrlimit(RLIMIT_NOFILE, &nothing);
+        systemCleanupServices().stopScanning();
+        return std::string("stopped");
+    });
+    EXPECT_EQ(answer, "stopped");
+}
+
 // Each scan has a copy of the function, as the window gives it to the background. No worker starts, since the end has
 // come: it would be this program once more.
-TEST_F(RealCleanupServices, HaveTheUserAskedAboutFoldersInOneScanOnly) {
+TEST_F(RealCleanupServices, AskTheUserAboutFoldersInTheFirstScanOnly) {
     struct Questions {
         std::mutex mutex;
         std::map<std::thread::id, std::set<std::filesystem::path>> asked;
@@ -151,12 +167,12 @@ TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
     for (const auto& [category, metric] : report.metrics)
         EXPECT_EQ(metric, CleanupCategoryMetric()) << rawValue(category);
     EXPECT_TRUE(report.storageSnapshot) << "the volume can be read all the same";
-    EXPECT_EQ(services.validationFailure(candidate), "the home folder could not be verified");
-    const auto moved = services.moveToTrash(candidate);
+    EXPECT_EQ(services.move.validationFailure(candidate), "the home folder could not be verified");
+    const auto moved = services.move.moveValidated(candidate);
     EXPECT_EQ(moved.outcome, TrashMove::Outcome::notMoved);
     EXPECT_EQ(moved.reason, "the home folder could not be verified");
-    EXPECT_FALSE(
-        services.saveHistory(std::vector{candidate}, CleanupRecord::startedAt(services.now()), RecordVersion::last));
+    EXPECT_FALSE(services.move.saveHistory(std::vector{candidate}, CleanupRecord::startedAt(services.move.now()),
+                                           RecordVersion::last));
     EXPECT_TRUE(std::filesystem::exists(candidate.url));
     EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cleanup/window/CleanupWindowController.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/Candidates.h"
 #include "tests/support/FakeBackgroundQueue.h"
 #include "tests/support/FakeCleanupServices.h"
 #include "tests/support/FakeMainQueue.h"
@@ -14,7 +14,8 @@
 
 namespace vantry {
 
-/// The window's controller in a world that stands still. A test arranges `disk`, `workspace` and `shell`.
+/// The window's controller with queues that only run when the test says so. A test arranges `disk`, `workspace` and
+/// `shell`.
 class CleanupWindowFixture : public testing::Test {
 protected:
     /// Opens the window and lets its scan end with `candidates`.
@@ -35,6 +36,12 @@ protected:
         controller->trashPressed();
         settle();
     }
+    /// Does the same, confirms, and lets the move end.
+    void move(const std::vector<std::filesystem::path>& paths) {
+        askToMove(paths);
+        answer(AlertAnswer::first);
+        settle();
+    }
     /// Presses a button of the sheet.
     void answer(AlertAnswer button) {
         const auto answered = std::exchange(shell.answer, nullptr);
@@ -53,6 +60,13 @@ protected:
             if (candidate.url == path)
                 return "candidate-" + candidate.uiID;
         return "candidate-none";
+    }
+    /// The paths that the only record was last written for.
+    [[nodiscard]] std::vector<std::string> recorded() const {
+        std::vector<std::string> paths;
+        for (const auto& candidate : disk.recorded())
+            paths.push_back(candidate.url.native());
+        return paths;
     }
     [[nodiscard]] const CleanupWindowContent& shown() const { return shell.cleanupWindow.value(); }
     /// The titles of the rows, all sections in one.
@@ -79,6 +93,24 @@ protected:
     FakeShell shell{calls};
     std::shared_ptr<CleanupWindowController> controller =
         std::make_shared<CleanupWindowController>(shell, mainQueue, backgroundQueue, workspace, disk.services());
+};
+
+/// The same with three logs and a file that may not be moved.
+class CleanupMove : public CleanupWindowFixture {
+protected:
+    void openWithThreeLogs() {
+        openWith({logAt("/l/a", 1'000'000), logAt("/l/b", 2'000'000), logAt("/l/c", 4'000'000),
+                  candidateAt("/c/cache", CleanupCategory::cache)});
+        summary = shown().statusLabel;
+    }
+    /// Confirms the move of one file, which then waits in the background queue.
+    void beginToMove(const char* path) {
+        askToMove({path});
+        answer(AlertAnswer::first);
+        backgroundQueue->runNext();
+        mainQueue->runNext();
+    }
+    std::string summary;
 };
 
 inline const std::string measuringStatus = "Measuring storage and checking only approved low-risk locations…";

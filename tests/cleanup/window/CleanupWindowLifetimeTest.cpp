@@ -6,8 +6,8 @@ namespace {
 
 using testing::IsEmpty;
 
-// What a controller that is gone leaves in the queues does nothing, and keeps nothing of it. The steps of a move are in
-// CleanupMoveTest.cpp.
+// Blocks that a deleted controller leaves in the queues do nothing and do not keep it alive. The steps of a move are in
+// CleanupMoveStepsTest.cpp.
 class CleanupWindowLifetime : public CleanupWindowFixture {
 protected:
     void destroy() {
@@ -41,7 +41,7 @@ TEST_F(CleanupWindowLifetime, AScanThatHasEndedShowsNothing) {
     EXPECT_THAT(log.calls(), IsEmpty());
 }
 
-TEST_F(CleanupWindowLifetime, AScanEndsWhileItsControllerGoes) {
+TEST_F(CleanupWindowLifetime, AControllerMayGoDuringItsScan) {
     disk.report = reportOf({logAt("/l/a")});
     auto services = disk.services();
     services.scan = [this](std::span<const std::string>) {
@@ -55,9 +55,9 @@ TEST_F(CleanupWindowLifetime, AScanEndsWhileItsControllerGoes) {
     EXPECT_THAT(log.only({"shell."}), IsEmpty());
 }
 
-TEST_F(CleanupWindowLifetime, AMoveGoesOnAndIsRecordedWhenItsControllerGoesMeanwhile) {
+TEST_F(CleanupWindowLifetime, AMoveContinuesAndIsRecordedWhenItsControllerGoes) {
     auto services = disk.services();
-    services.moveToTrash = [this, move = services.moveToTrash](const CleanupCandidate& candidate) {
+    services.move.moveValidated = [this, move = services.move.moveValidated](const CleanupCandidate& candidate) {
         controller.reset();
         return move(candidate);
     };
@@ -67,12 +67,12 @@ TEST_F(CleanupWindowLifetime, AMoveGoesOnAndIsRecordedWhenItsControllerGoesMeanw
     answer(AlertAnswer::first);
     log.clear();
     settle();
-    EXPECT_EQ(log.count("cleanup.moveToTrash"), 2);
+    EXPECT_EQ(log.count("cleanup.move"), 2);
     EXPECT_EQ(disk.recorded().size(), 2);
     EXPECT_THAT(log.only({"shell.renderCleanupWindow", "shell.ask"}).size(), testing::Le(1)) << "the moving state";
 }
 
-TEST_F(CleanupWindowLifetime, ASheetIsAnsweredIntoTheVoid) {
+TEST_F(CleanupWindowLifetime, AnAnswerToASheetDoesNothingOnceTheControllerIsGone) {
     openWith({logAt("/l/a")});
     askToMove({"/l/a"});
     destroy();

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "cleanup/window/CleanupServices.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "tests/cleanup/window/MoveExplorer.h"
+#include "tests/support/Candidates.h"
 
 #include <algorithm>
 #include <functional>
@@ -12,8 +13,8 @@
 
 namespace vantry {
 
-/// A disk with a few files that other programs touch. What it says about a file is true at that moment, and it keeps
-/// account of the move that the user confirmed last. Outlives what was made with its `services()`.
+/// A disk with a few files that other programs change. Its answers are true at the moment of the call, and it records
+/// the move that the user confirmed last. Outlives what was made with its `services()`.
 class ExploredDisk {
 public:
     struct File {
@@ -52,6 +53,25 @@ public:
     int failedChecks = 0;
     Move move;
 
+    [[nodiscard]] const File& file(unsigned which) const { return files[which % files.size()]; }
+
+    /// Applies what another program does. `which` selects the file, for the events that concern one.
+    void happen(MoveExplorer::Event event, unsigned which) {
+        auto& touched = files[which % files.size()];
+        switch (event) {
+        case MoveExplorer::Event::fileChanges: ++touched.modification; break;
+        case MoveExplorer::Event::fileIsReplaced:
+            ++touched.identity;
+            touched.isInPlace = true;
+            break;
+        case MoveExplorer::Event::fileGrows: touched.size += touched.growth; break;
+        case MoveExplorer::Event::infoIsRemoved: infoIsRemoved = true; break;
+        case MoveExplorer::Event::putBackIsRefused: infoIsRemoved = putBackIsRefused = true; break;
+        case MoveExplorer::Event::recordsAreRefused: recordsAreRefused = !recordsAreRefused; break;
+        default: break;
+        }
+    }
+
     /// No file is in hand, and what was moved is recorded.
     [[nodiscard]] bool isAccountedFor() const {
         return move.begun.size() == move.moved.size() + move.left.size() + move.misplaced.size() &&
@@ -59,27 +79,29 @@ public:
     }
 
     [[nodiscard]] CleanupServices services() {
-        return {.home = "/home/ada",
-                .applications = "/Applications",
-                .scan = [this](std::span<const std::string>) { return scan(); },
-                .stopScanning = [] {},
-                .validationFailure =
-                    [this](const CleanupCandidate& candidate) {
-                        pause();
-                        const auto failure = change(candidate);
-                        failedChecks += failure ? 1 : 0;
-                        return failure;
-                    },
-                .coordinateMoving =
-                    [](const std::filesystem::path& path, const auto& accessor) {
-                        accessor(path);
-                        return Result<void>();
-                    },
-                .moveToTrash = [this](const CleanupCandidate& candidate) { return moveToTrash(candidate); },
-                .saveHistory = [this](std::span<const CleanupCandidate> candidates, const CleanupRecord& record,
-                                      RecordVersion) { return save(candidates, record.fileName); },
-                .now = [] { return SystemTime(std::chrono::seconds(1'700'000'000)); },
-                .longestEnding = longestEnding};
+        return {
+            .home = "/home/ada",
+            .applications = "/Applications",
+            .system = HostSystem::macOS,
+            .scan = [this](std::span<const std::string>) { return scan(); },
+            .stopScanning = [] {},
+            .move = {.validationFailure =
+                         [this](const CleanupCandidate& candidate) {
+                             pause();
+                             const auto failure = change(candidate);
+                             failedChecks += failure ? 1 : 0;
+                             return failure;
+                         },
+                     .coordinateMoving =
+                         [](const std::filesystem::path& path, const auto& accessor) {
+                             accessor(path);
+                             return Result<void>();
+                         },
+                     .moveValidated = [this](const CleanupCandidate& candidate) { return moveOne(candidate); },
+                     .saveHistory = [this](std::span<const CleanupCandidate> candidates, const CleanupRecord& record,
+                                           RecordVersion) { return save(candidates, record.fileName); },
+                     .now = [] { return SystemTime(std::chrono::seconds(1'700'000'000)); }},
+            .longestEnding = longestEnding};
     }
 
 private:
@@ -115,7 +137,7 @@ private:
         return std::nullopt;
     }
 
-    TrashMove moveToTrash(const CleanupCandidate& candidate) {
+    TrashMove moveOne(const CleanupCandidate& candidate) {
         expect(mayBegin, "no file begins to move after the end");
         expect(std::ranges::count(move.confirmed, candidate.uiID) == 1, "only confirmed files move");
         expect(std::ranges::count(move.begun, candidate.uiID) == 0, "no file moves twice");
@@ -137,7 +159,7 @@ private:
             move.misplacedPaths.push_back(path);
             return {TrashMove::Outcome::misplaced, "it could not be put back", path};
         }
-        if (withoutInfo && !file.isInPlace) { // nothing has taken its name
+        if (withoutInfo && !file.isInPlace) { // its name is still free
             file.isInPlace = true;
             move.left.push_back(candidate.uiID);
             return {TrashMove::Outcome::notMoved, "its entry in the Trash was removed", {}};

@@ -1,5 +1,5 @@
 #include "cleanup/window/MoveTexts.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/Candidates.h"
 
 #include <gtest/gtest.h>
 
@@ -79,7 +79,7 @@ TEST(MoveTexts, TheConfirmation) {
     EXPECT_EQ(confirmationAlert({2, 0}), alert("Move 2 selected items to the Trash?", "0 B"));
 }
 
-TEST(MoveTexts, WhatBecameOfTheMove) {
+TEST(MoveTexts, TheOutcomeOfAMove) {
     struct Case {
         std::size_t moved;
         std::size_t failed;

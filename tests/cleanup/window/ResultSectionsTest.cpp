@@ -1,5 +1,5 @@
 #include "cleanup/window/ResultSections.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "tests/support/Candidates.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ AvenueButtonContent plainButton(CleanupAvenue::Action action) { return {.title =
 TEST(FilesFoundSections, GroupByAreaInTheOrderOfTheAreas) {
     const std::vector candidates{candidateAt("/backup", CleanupCategory::deviceBackup), logAt("/first"),
                                  candidateAt("/cache", CleanupCategory::cache), logAt("/second")};
-    const auto sections = filesFoundSections(reportOf(candidates), {"/second", "/cache"});
+    const auto sections = filesFoundSections(reportOf(candidates), {"/second", "/cache"}, HostSystem::macOS);
     ASSERT_EQ(sections.size(), 2);
     EXPECT_EQ(sections[0].area, CleanupArea::quickWins);
     EXPECT_EQ(sections[0].symbolName, "sparkles");
@@ -41,27 +41,27 @@ TEST(FilesFoundSections, GroupByAreaInTheOrderOfTheAreas) {
     EXPECT_THAT(titlesOf(sections[1]), ElementsAre("backup"));
 }
 
-TEST(FilesFoundSections, SayWhichSizesAreLowerBounds) {
+TEST(FilesFoundSections, ShowWhichSizesAreLowerBounds) {
     auto report = reportOf({logAt("/whole"), logAt("/cut/../cut")});
     report.incompletePaths = {"/cut"};
-    const auto sections = filesFoundSections(report, {});
+    const auto sections = filesFoundSections(report, {}, HostSystem::macOS);
     ASSERT_EQ(sections.size(), 1);
     EXPECT_EQ(sections[0].candidates[0].sizeDetail, "");
     EXPECT_NE(sections[0].candidates[1].sizeDetail, "");
 }
 
-TEST(FilesFoundSections, EveryCategoryIsInOne) {
+TEST(FilesFoundSections, EveryCategoryHasASection) {
     for (const auto& row : allCleanupCategories) {
         const std::vector candidates{candidateAt("/x", row.value)};
-        const auto sections = filesFoundSections(reportOf(candidates), {});
+        const auto sections = filesFoundSections(reportOf(candidates), {}, HostSystem::macOS);
         ASSERT_EQ(sections.size(), 1) << row.rawValue;
         EXPECT_EQ(sections[0].area, row.area);
     }
-    EXPECT_THAT(filesFoundSections(reportOf({}), {}), IsEmpty());
+    EXPECT_THAT(filesFoundSections(reportOf({}), {}, HostSystem::macOS), IsEmpty());
 }
 
 TEST(StorageGuideSections, ListEveryAvenueOfTheCatalogByArea) {
-    const auto sections = storageGuideSections(reportOf({}), plainButton);
+    const auto sections = storageGuideSections(reportOf({}), HostSystem::macOS, plainButton);
     std::vector<std::string> trailing;
     std::vector<std::string> titles;
     for (const auto& section : sections) {
@@ -79,25 +79,72 @@ TEST(StorageGuideSections, ListEveryAvenueOfTheCatalogByArea) {
     EXPECT_EQ(titles, catalog);
 }
 
+TEST(StorageGuideSections, OnLinuxAvenuesThatAreNotPresentComeLastInTheirArea) {
+    auto report = reportOf({});
+    report.states[CleanupCategory::installer] = CleanupScanState::notPresent;
+    report.states[CleanupCategory::archive] = CleanupScanState::checked;
+    report.states[CleanupCategory::log] = CleanupScanState::notPresent;
+    report.states[CleanupCategory::crashReport] = CleanupScanState::checked;
+    const auto onMac = storageGuideSections(report, HostSystem::macOS, plainButton);
+    EXPECT_THAT(titlesOf(onMac[1]).front(), "Downloaded app installers");
+    const auto onLinux = storageGuideSections(report, HostSystem::linuxDesktop, plainButton);
+    EXPECT_THAT(titlesOf(onLinux[0]),
+                ElementsAre("Temporary app files", "Logs and crash reports", "Caches that have not changed for 30 days",
+                            "Caches of Flatpak apps", "Temporary website files", "Thumbnails",
+                            "Old logs of sessions and tools", "Submitted crash reports"));
+    EXPECT_THAT(titlesOf(onLinux[1]).front(), "Compressed files");
+    EXPECT_THAT(titlesOf(onLinux[1]).back(), "Downloaded app installers");
+    EXPECT_EQ(onLinux[1].avenues.back().status, "Not on This Computer");
+    EXPECT_EQ(onLinux[1].avenues.back().button->action, AvenueButtonAction(CleanupAvenue::Action::downloads));
+    EXPECT_EQ(onLinux[1].trailingText, onMac[1].trailingText);
+}
+
 TEST(StorageGuideSections, AButtonIsWhereTheAvenueHasAnAction) {
-    std::vector<std::string> without;
     std::size_t index = 0;
-    for (const auto& section : storageGuideSections(reportOf({}), plainButton))
+    for (const auto& section : storageGuideSections(reportOf({}), HostSystem::macOS, plainButton))
         for (const auto& row : section.avenues) {
             const auto& avenue = CleanupAvenue::catalog()[index++];
-            EXPECT_EQ(row.button.transform([](const auto& button) { return button.action; }), avenue.action);
-            if (!row.button)
-                without.push_back(row.title);
+            EXPECT_EQ(row.button.transform([](const auto& button) { return button.action; }),
+                      avenue.action.transform([](auto action) { return AvenueButtonAction(action); }));
         }
-    EXPECT_THAT(without, ElementsAre("Temporary app files", "Logs and crash reports", "Temporary website files",
-                                     "App languages and universal binaries"));
+}
+
+TEST(StorageGuideSections, OnLinuxACommandCanBeCopiedAndStandsBelowTheExplanation) {
+    auto report = reportOf({});
+    report.guide["npm"] = {CleanupScanState::checked, CleanupByteAmount::exact(7'000'000), {"/home/ada/.npm/_cacache"}};
+    std::size_t commands = 0;
+    for (const auto& section : storageGuideSections(report, HostSystem::linuxDesktop, plainButton))
+        for (const auto& row : section.avenues) {
+            const auto* copy = row.button ? std::get_if<CopyCommand>(&row.button->action) : nullptr;
+            if (!copy)
+                continue;
+            ++commands;
+            EXPECT_EQ(row.button->title, "Copy Command");
+            EXPECT_EQ(row.button->tooltip, copy->command);
+            EXPECT_TRUE(row.button->enabled);
+            EXPECT_TRUE(row.detail.ends_with("\n" + copy->command)) << row.detail;
+            EXPECT_EQ(row.usage, row.title == "npm" ? "7 MB used here" : "Not measured yet");
+        }
+    EXPECT_EQ(commands, 21);
+
+    report.guide["trash"] = {CleanupScanState::checked, CleanupByteAmount::exact(0), {}, "It is emptied on Mondays."};
+    EXPECT_EQ(storageGuideSections(report, HostSystem::linuxDesktop, plainButton)[5].avenues[0].detail,
+              "Empty it in the file manager. Its files stay recoverable until then. It is emptied on Mondays.");
+
+    report.guide["npm"].state = CleanupScanState::notPresent;
+    const auto sections = storageGuideSections(report, HostSystem::linuxDesktop, plainButton);
+    const auto& absent = sections[3].avenues.back();
+    EXPECT_EQ(absent.title, "npm");
+    EXPECT_EQ(absent.status, "Folder Not Found");
+    EXPECT_FALSE(absent.button.has_value());
+    EXPECT_FALSE(absent.detail.contains("npm cache verify"));
 }
 
 TEST(StorageGuideSections, ShowWhatTheScanFound) {
     auto report = reportOf({logAt("/a"), candidateAt("/b", CleanupCategory::crashReport)});
     report.metrics[CleanupCategory::log].occupied = CleanupByteAmount::exact(7'000'000);
     report.states[CleanupCategory::deviceBackup] = CleanupScanState::relocated;
-    const auto sections = storageGuideSections(report, plainButton);
+    const auto sections = storageGuideSections(report, HostSystem::macOS, plainButton);
     EXPECT_EQ(sections[0].avenues[1].status, "2 files");
     EXPECT_EQ(sections[0].avenues[1].usage, "7 MB used here");
     EXPECT_EQ(sections[0].avenues[2].usage, "Counted with Temporary app files");
@@ -105,10 +152,11 @@ TEST(StorageGuideSections, ShowWhatTheScanFound) {
 }
 
 TEST(EmptyState, DependsOnWhetherAScanRuns) {
-    EXPECT_EQ(emptyState(true), (EmptyStateContent{"magnifyingglass", "Checking storage…",
-                                                   "Only file sizes, dates, and types are checked. Personal file "
-                                                   "contents stay untouched."}));
-    EXPECT_EQ(emptyState(false),
+    EXPECT_EQ(emptyState(true, HostSystem::macOS),
+              (EmptyStateContent{"magnifyingglass", "Checking storage…",
+                                 "Only file sizes, dates, and types are checked. Personal file "
+                                 "contents stay untouched."}));
+    EXPECT_EQ(emptyState(false, HostSystem::macOS),
               (EmptyStateContent{"checkmark.circle", "No cleanup files found",
                                  "The scan found 0 B it can offer here. Open Storage Guide for space managed by apps "
                                  "or macOS."}));

@@ -1,5 +1,5 @@
-#include "cleanup/window/ScanSummaryText.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "cleanup/window/SummaryTexts.h"
+#include "tests/support/Candidates.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -10,84 +10,55 @@ namespace {
 
 using States = std::vector<std::pair<CleanupCategory, CleanupScanState>>;
 
-TEST(ScanSummaryText, TellsStorageFindingsAndWhatIsMissingInOneLine) {
-    const std::vector none = std::vector<CleanupCandidate>();
+TEST(ScanSummaryText, IsOneLineOfStorageFindingsAndGaps) {
+    const std::vector<CleanupCandidate> none;
     const std::vector one{logAt("/l/a", 1'000'000)};
     const std::vector two{logAt("/l/a", 1'000'000), candidateAt("/c/b", CleanupCategory::cache, 2'000'000)};
     const std::vector three{logAt("/l/a", 1'000'000), logAt("/l/b", 1'000'000), logAt("/l/c", 1'000'000)};
+    const std::string mac = "This Mac uses 300 GB of 500 GB";
+    const std::string nothing = " · 0 B of cleanup files found · 0 low-risk files can be selected";
+    const std::string twoFiles = " · 2 files shown use 3 MB · 1 low-risk file can be selected";
+    const std::string early = " · some totals are minimums because a scan stopped early";
     using enum CleanupCategory;
     using enum CleanupScanState;
     struct Case {
-        bool snapshot;
         std::vector<CleanupCandidate> candidates;
         States states;
         std::string line;
     };
-    const std::vector<Case> cases{
-        {true,
-         none,
-         {},
-         "Scan complete · This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · 0 low-risk files can be "
-         "selected"},
-        {true,
-         one,
-         {},
-         "Scan complete · This Mac uses 300 GB of 500 GB · 1 file shown use 1 MB · 1 low-risk file can be selected"},
-        {true,
-         two,
-         {},
-         "Scan complete · This Mac uses 300 GB of 500 GB · 2 files shown use 3 MB · 1 low-risk file can be selected"},
-        {true,
-         three,
+    const Case cases[] = {
+        {none, {}, "Scan complete · " + mac + nothing},
+        {one, {}, "Scan complete · " + mac + " · 1 file shown use 1 MB · 1 low-risk file can be selected"},
+        {two, {}, "Scan complete · " + mac + twoFiles},
+        {three,
          {{cache, notPresent}, {deviceBackup, relocated}},
-         "Scan complete · This Mac uses 300 GB of 500 GB · 3 files shown use 3 MB · 3 low-risk files can be selected"},
-        {false,
-         none,
-         {},
-         "Mac storage total unavailable · 0 B of cleanup files found · 0 low-risk files can be selected"},
-        {true,
-         two,
-         {{cache, permissionNeeded}},
-         "This Mac uses 300 GB of 500 GB · 2 files shown use 3 MB · 1 low-risk file can be selected · 1 avenue needs "
-         "access"},
+         "Scan complete · " + mac + " · 3 files shown use 3 MB · 3 low-risk files can be selected"},
+        {two, {{cache, permissionNeeded}}, mac + twoFiles + " · 1 avenue needs access"},
         // One avenue shows both of these categories.
-        {true,
-         none,
-         {{log, permissionNeeded}, {crashReport, permissionNeeded}},
-         "This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · 0 low-risk files can be selected · 1 avenue "
-         "needs access"},
-        {true,
-         none,
+        {none, {{log, permissionNeeded}, {crashReport, permissionNeeded}}, mac + nothing + " · 1 avenue needs access"},
+        {none,
          {{log, permissionNeeded}, {crashReport, unavailable}, {cache, permissionNeeded}},
-         "This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · 0 low-risk files can be selected · 2 avenues "
-         "needs access"},
-        {true,
-         none,
-         {{orphan, unavailable}},
-         "This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · 0 low-risk files can be selected · 1 avenue "
-         "unavailable"},
-        {true,
-         none,
-         {{cache, limited}},
-         "This Mac uses 300 GB of 500 GB · 0 B of cleanup files found · 0 low-risk files can be selected · some totals "
-         "are minimums because a scan stopped early"},
-        {false,
-         two,
-         {{cache, permissionNeeded}, {orphan, unavailable}, {deviceSoftware, unavailable}, {log, limited}},
-         "Mac storage total unavailable · 2 files shown use 3 MB · 1 low-risk file can be selected · 1 avenue needs "
-         "access · 2 avenues unavailable · some totals are minimums because a scan stopped early"},
+         mac + nothing + " · 2 avenues needs access"},
+        {none, {{orphan, unavailable}}, mac + nothing + " · 1 avenue unavailable"},
+        {none, {{cache, limited}}, mac + nothing + early},
     };
-    for (const auto& [snapshot, candidates, states, line] : cases) {
+    for (const auto& [candidates, states, line] : cases) {
         auto report = reportOf(candidates);
-        if (!snapshot)
-            report.storageSnapshot.reset();
         for (const auto& [category, state] : states)
             report.states[category] = state;
-        EXPECT_EQ(scanSummaryText(report), line);
+        EXPECT_EQ(scanSummaryText(report, HostSystem::macOS), line);
     }
+    auto report = reportOf(none);
+    report.storageSnapshot.reset();
+    EXPECT_EQ(scanSummaryText(report, HostSystem::macOS), "Mac storage total unavailable" + nothing);
+    report.states[cache] = permissionNeeded;
+    report.states[orphan] = report.states[deviceSoftware] = unavailable;
+    report.states[log] = limited;
+    EXPECT_EQ(scanSummaryText(report, HostSystem::macOS),
+              "Mac storage total unavailable" + nothing + " · 1 avenue needs access · 2 avenues unavailable" + early);
 }
 
-TEST(ScanSummaryText, HasNoSeparatorDoubledOrAtAnEnd) {
+TEST(ScanSummaryText, HasNoDoubledSeparatorAndNoneAtTheEnds) {
     for (const bool snapshot : {true, false})
         for (const bool found : {true, false})
             for (const auto state :
@@ -98,7 +69,7 @@ TEST(ScanSummaryText, HasNoSeparatorDoubledOrAtAnEnd) {
                     report.storageSnapshot.reset();
                 for (auto& [category, known] : report.states)
                     known = state;
-                const auto line = scanSummaryText(report);
+                const auto line = scanSummaryText(report, HostSystem::macOS);
                 EXPECT_EQ(line.find("· ·"), std::string::npos) << line;
                 EXPECT_EQ(line.find("  "), std::string::npos) << line;
                 EXPECT_FALSE(line.starts_with(" ") || line.starts_with("·")) << line;
@@ -106,10 +77,10 @@ TEST(ScanSummaryText, HasNoSeparatorDoubledOrAtAnEnd) {
             }
 }
 
-TEST(ScanSummaryText, ATotalThatWouldOverflowStaysAtTheLargestValue) {
+TEST(ScanSummaryText, AnOverflowingTotalStaysAtTheLargestValue) {
     const auto largest = std::numeric_limits<std::int64_t>::max();
-    const auto one = scanSummaryText(reportOf({logAt("/a", largest)}));
-    const auto two = scanSummaryText(reportOf({logAt("/a", largest), logAt("/b", largest)}));
+    const auto one = scanSummaryText(reportOf({logAt("/a", largest)}), HostSystem::macOS);
+    const auto two = scanSummaryText(reportOf({logAt("/a", largest), logAt("/b", largest)}), HostSystem::macOS);
     const auto size = [](const std::string& line) {
         const auto start = line.find("shown use ");
         return line.substr(start, line.find(" · ", start) - start);

@@ -1,5 +1,5 @@
-#include "cleanup/window/SelectionSummary.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "cleanup/window/SummaryTexts.h"
+#include "tests/support/Candidates.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr auto mostBytes = std::numeric_limits<std::int64_t>::max();
 
-TEST(SelectionSummary, CountsWhatIsSelectedAndMayBeMoved) {
+TEST(SelectionSummary, CountsSelectedLowRiskFilesOnly) {
     const std::vector candidates{logAt("/l/a", 1000), logAt("/l/b", 20), candidateAt("/c/z", CleanupCategory::cache, 5),
                                  candidateAt("/d/k", CleanupCategory::deviceBackup, 5),
                                  candidateAt("/d/i", CleanupCategory::installer, 300)};

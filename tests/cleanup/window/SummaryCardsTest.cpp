@@ -1,5 +1,5 @@
-#include "cleanup/window/SummaryCards.h"
-#include "tests/cleanup/window/Candidates.h"
+#include "cleanup/window/SummaryTexts.h"
+#include "tests/support/Candidates.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +10,13 @@ namespace {
 TEST(SummaryCards, TheMacsStorage) {
     const StorageSnapshot snapshot{
         .volumeName = "Data", .totalBytes = 500'000'000'000, .availableBytes = 200'000'000'000, .updatedAt = {}};
-    EXPECT_EQ(macStorageTexts(snapshot), (SummaryCardTexts{"300 GB", "300 GB used of 500 GB total"}));
+    EXPECT_EQ(macStorageTexts(snapshot, HostSystem::macOS),
+              (SummaryCardTexts{"300 GB", "300 GB used of 500 GB total"}));
     const StorageSnapshot emptyVolume{
         .volumeName = "Data", .totalBytes = 1'000'000'000, .availableBytes = 1'000'000'000, .updatedAt = {}};
-    EXPECT_EQ(macStorageTexts(emptyVolume), (SummaryCardTexts{"0 B", "0 B used of 1 GB total"}));
-    EXPECT_EQ(macStorageTexts(std::nullopt), (SummaryCardTexts{"Unavailable", "Mac storage size could not be read"}));
+    EXPECT_EQ(macStorageTexts(emptyVolume, HostSystem::macOS), (SummaryCardTexts{"0 B", "0 B used of 1 GB total"}));
+    EXPECT_EQ(macStorageTexts(std::nullopt, HostSystem::macOS),
+              (SummaryCardTexts{"Unavailable", "Mac storage size could not be read"}));
 }
 
 TEST(SummaryCards, TheFilesFound) {

@@ -37,7 +37,7 @@ private:
 
 } // namespace
 
-TEST_F(AppleChildProcess, ThatHasEndedBeforeItIsWatchedIsSeenToHave) {
+TEST_F(AppleChildProcess, ThatEndsBeforeItIsWatchedIsNoticed) {
     system.beforeWatching = [](pid_t pid) {
         siginfo_t ended = {};
         return waitid(P_PID, static_cast<id_t>(pid), &ended, WEXITED | WNOWAIT);
@@ -56,7 +56,7 @@ TEST_F(AppleChildProcess, ThatCannotBeWatchedIsEnded) {
     EXPECT_EQ(child.error(), errorFromErrno(ENOMEM, "child exit"));
 }
 
-TEST_F(AppleChildProcess, CannotBeStartedWhereItsWatchCannotBeSetUp) {
+TEST_F(AppleChildProcess, IsNotStartedWhenItsWatchCannotBeSetUp) {
     const std::string said = inChildProcess([]() -> std::string {
         if (!refuseCall(SYS_fcntl, EPERM))
             return "not prepared";
@@ -66,7 +66,7 @@ TEST_F(AppleChildProcess, CannotBeStartedWhereItsWatchCannotBeSetUp) {
     EXPECT_EQ(said, errorFromErrno(EPERM, "child exit").message);
 }
 
-TEST_F(AppleChildProcess, MayBeOfTheFileThatRunsHoweverLongItsPath) {
+TEST_F(AppleChildProcess, MayBeTheRunningExecutableHoweverLongItsPath) {
     const auto file = std::filesystem::read_symlink("/proc/self/exe");
     EXPECT_EQ(ownExecutable(), file);
     std::string dots;

@@ -70,6 +70,10 @@ TEST_F(DarwinCalls, ARenamingCanBeKeptFromReplacing) {
     EXPECT_EQ(renameatx_np(AT_FDCWD, file.c_str(), AT_FDCWD, (root / "new").c_str(), RENAME_EXCL), 0);
     EXPECT_EQ(renameatx_np(AT_FDCWD, (root / "new").c_str(), AT_FDCWD, (root / "other").c_str(), 0), 0);
     EXPECT_EQ(readFile(root / "other"), "text");
+    writeFile(root / "another", "other text");
+    EXPECT_EQ(renameatx_np(AT_FDCWD, (root / "another").c_str(), AT_FDCWD, (root / "other").c_str(), RENAME_SWAP), 0);
+    EXPECT_EQ(readFile(root / "another"), "text");
+    EXPECT_EQ(readFile(root / "other"), "other text");
 }
 
 TEST_F(DarwinCalls, AFolderWithoutItsContentsIsFetchedWhenItIsOpened) {

@@ -89,7 +89,7 @@ TEST_F(AppleDirectoryWalk, HidesWhatHasTheHiddenFlag) {
     EXPECT_EQ(walk(tree.path()).regularFiles, 4U);
 }
 
-TEST_F(AppleDirectoryWalk, FetchesNothing) {
+TEST_F(AppleDirectoryWalk, DownloadsNothing) {
     system.setFlags(tree / "folder", SF_DATALESS);
     system.setFlags(tree / "file", SF_DATALESS);
     EXPECT_EQ(setOf(visibleNames(tree.path())), (std::set<std::string>{"file", "folder"}));
@@ -101,7 +101,7 @@ TEST_F(AppleDirectoryWalk, FetchesNothing) {
     EXPECT_EQ(system.fetched, std::vector<std::string>());
 }
 
-TEST_F(AppleDirectoryWalk, FetchesNothingThatLeavesTheDiskMeanwhile) {
+TEST_F(AppleDirectoryWalk, DownloadsNothingThatIsEvictedDuringTheWalk) {
     system.beforeReading = [this](int count) {
         if (count == 2)
             system.setFlags(tree / "folder", SF_DATALESS);
@@ -111,7 +111,7 @@ TEST_F(AppleDirectoryWalk, FetchesNothingThatLeavesTheDiskMeanwhile) {
     EXPECT_EQ(system.fetched, std::vector<std::string>());
 }
 
-TEST_F(AppleDirectoryWalk, LeavesThePolicyOfItsThreadAsItWas) {
+TEST_F(AppleDirectoryWalk, RestoresThePolicyOfItsThread) {
     for (const int policy : {IOPOL_MATERIALIZE_DATALESS_FILES_DEFAULT, IOPOL_MATERIALIZE_DATALESS_FILES_OFF, 2}) {
         setiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD, policy);
         static_cast<void>(walk(tree.path()));
@@ -120,7 +120,7 @@ TEST_F(AppleDirectoryWalk, LeavesThePolicyOfItsThreadAsItWas) {
     }
 }
 
-TEST_F(AppleDirectoryWalk, PassesOverAnEntryOfWhichThereIsOnlyTheName) {
+TEST_F(AppleDirectoryWalk, SkipsAnEntryOfWhichOnlyTheNameIsKnown) {
     const auto whole = walk(tree.path());
     for (const auto& [error, complete] :
          {std::pair(EIO, true), {EACCES, true}, {ENOENT, true}, {EMFILE, false}, {ENFILE, false}, {ENOMEM, false}})
@@ -134,7 +134,7 @@ TEST_F(AppleDirectoryWalk, PassesOverAnEntryOfWhichThereIsOnlyTheName) {
         }
 }
 
-TEST_F(AppleDirectoryWalk, PassesOverAFolderThatCannotBeRead) {
+TEST_F(AppleDirectoryWalk, SkipsAnUnreadableFolder) {
     for (const auto& [error, complete] :
          {std::pair(ERANGE, true), {EIO, true}, {ENOTSUP, true}, {EMFILE, false}, {ENFILE, false}, {ENOMEM, false}}) {
         const auto totals = walkWhereFolderFails(error);
@@ -143,7 +143,7 @@ TEST_F(AppleDirectoryWalk, PassesOverAFolderThatCannotBeRead) {
     }
 }
 
-TEST_F(AppleDirectoryWalk, OfAFolderThatCannotBeReadKnowsNothing) {
+TEST_F(AppleDirectoryWalk, OfAnUnreadableFolderIsEmptyAndIncomplete) {
     for (const int error : {ERANGE, EIO, EMFILE}) {
         system.beforeReading = [=](int) { return error; };
         EXPECT_EQ(walk(tree.path()), TreeTotals()) << std::strerror(error);
@@ -151,14 +151,14 @@ TEST_F(AppleDirectoryWalk, OfAFolderThatCannotBeReadKnowsNothing) {
     }
 }
 
-TEST_F(AppleDirectoryWalk, ReadsAgainAfterAnInterruption) {
+TEST_F(AppleDirectoryWalk, RetriesAfterAnInterruption) {
     const auto whole = walk(tree.path());
     system.beforeReading = [](int count) { return count % 3 != 0 ? EINTR : 0; };
     EXPECT_EQ(walk(tree.path()), whole);
     EXPECT_EQ(setOf(allNames(tree.path())), (std::set<std::string>{"file", "folder"}));
 }
 
-TEST_F(AppleDirectoryWalk, IsNotCompleteWhereTheSystemDoesNotTellWhatAnEntryIs) {
+TEST_F(AppleDirectoryWalk, IsIncompleteWhenTheKindOfAnEntryIsUnknown) {
     system.tellsTypes = false;
     EXPECT_EQ(walk(tree.path()), TreeTotals());
     EXPECT_EQ(setOf(visibleNames(tree.path())), (std::set<std::string>{"file", "folder"}));
@@ -174,7 +174,7 @@ TEST_F(AppleDirectoryWalk, CountsAllForksOrElseTheData) {
     EXPECT_EQ(walk(tree.path()).allocatedBytes, total - 512);
 }
 
-TEST_F(AppleDirectoryWalk, BelievesNoRecordThatIsNotWhole) {
+TEST_F(AppleDirectoryWalk, RejectsIncompleteRecords) {
     using Change = std::function<void(std::vector<char>&)>;
     const std::pair<const char*, Change> changes[] = {
         {"no length", [](auto& record) { setValueAt(record, 0, std::uint32_t{0}); }},
@@ -217,7 +217,7 @@ TEST_F(AppleDirectoryWalk, BelievesNoRecordThatIsNotWhole) {
     }
 }
 
-TEST_F(AppleDirectoryWalk, OfAFolderThatChangesWhileItIsReadFindsWhatStays) {
+TEST_F(AppleDirectoryWalk, FindsTheEntriesThatStayInAFolderThatChanges) {
     constexpr int count = 3000; // several readings
     for (int i = 0; i < count; ++i)
         writeFile(tree / ("folder/removed " + std::to_string(i)), "");
@@ -237,7 +237,7 @@ TEST_F(AppleDirectoryWalk, OfAFolderThatChangesWhileItIsReadFindsWhatStays) {
     EXPECT_TRUE(totals.complete);
 }
 
-TEST_F(AppleDirectoryWalk, ReadsLargePiecesAgainOnceItHasWalkedManyFolders) {
+TEST_F(AppleDirectoryWalk, ReadsLargePiecesAgainAfterManyFolders) {
     constexpr int count = 5000;
     for (const char* name : {"before", "folders", "after"}) // whichever of the files is read last
         fs::create_directory(tree / name);
@@ -251,7 +251,7 @@ TEST_F(AppleDirectoryWalk, ReadsLargePiecesAgainOnceItHasWalkedManyFolders) {
 }
 
 // A place inside a folder cannot be returned to. What was read before is skipped by its number.
-TEST_F(AppleDirectoryWalk, IsNotCompleteWhenAFolderHasChangedBeforeItIsReadOn) {
+TEST_F(AppleDirectoryWalk, IsIncompleteWhenAFolderChangesBeforeItIsReadFurther) {
     constexpr int count = 1500; // folders, of which one reading names some hundred
     for (int i = 0; i < count; ++i) {
         const auto folder = tree / ("folder/" + std::to_string(i));
@@ -282,7 +282,7 @@ TEST_F(AppleDirectoryWalk, IsNotCompleteWhenAFolderHasChangedBeforeItIsReadOn) {
 }
 
 // Far inside, the folders on the way there are closed; another program puts others in their place.
-TEST_F(AppleDirectoryWalk, TakesNoOtherFolderForOneThatItHadToClose) {
+TEST_F(AppleDirectoryWalk, DoesNotMistakeAnotherFolderForAClosedOne) {
     constexpr int depth = 100;
     constexpr int exchanged = 20;
     constexpr auto newest = SystemTime(std::chrono::seconds(7'258'118'400));

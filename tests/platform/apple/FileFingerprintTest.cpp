@@ -10,7 +10,7 @@
 
 namespace vantry {
 
-TEST(AppleFileFingerprint, OfADescriptorIsReadWhereTheItemIs) {
+TEST(AppleFileFingerprint, OfADescriptorIsReadByThePathOfTheItem) {
     namespace fs = std::filesystem;
     const TemporaryFolder folder;
     writeFile(folder / "file", "text");

@@ -29,7 +29,7 @@ protected:
 
 } // namespace
 
-TEST_F(AppleOpenFiles, AreWhatLsofPrintsAlsoWhenItMissesSome) {
+TEST_F(AppleOpenFiles, AreTheOutputOfLsofEvenIfItMissesSome) {
     for (const char* status : {"0", "1"}) {
         setProgram("[ \"$*\" = '-Fn -p 123' ] && printf 'p123\\nf3\\nn/one film.mov\\nf4\\nn/two\\n'; exit " +
                    std::string(status));
@@ -37,7 +37,7 @@ TEST_F(AppleOpenFiles, AreWhatLsofPrintsAlsoWhenItMissesSome) {
     }
 }
 
-TEST_F(AppleOpenFiles, AreNoneWhereLsofFailsOrIsMissing) {
+TEST_F(AppleOpenFiles, AreEmptyWhenLsofFailsOrIsMissing) {
     setProgram("printf 'n/one\\n'; exit 2");
     EXPECT_EQ(openFilesOfProcess(123), Paths());
     system.programs["/usr/sbin/lsof"] = folder / "missing";

@@ -54,7 +54,7 @@ TEST_F(PromptLookup, FollowsLinksAsTheSystemDoes) {
     EXPECT_EQ(promptPath("/../..", FinalLink::isFollowed), fs::path("/"));
 }
 
-TEST_F(PromptLookup, KeepsALinkAtTheEndAndOnlyThere) {
+TEST_F(PromptLookup, KeepsOnlyALinkAtTheEnd) {
     for (const char* name : {"toFolder", "twice", "broken", "loop", "folder/toFile"})
         EXPECT_EQ(kept(name), root / name) << name;
     EXPECT_EQ(kept("toFolder/"), root / "toFolder") << "as a slash changes nothing elsewhere";
@@ -64,7 +64,7 @@ TEST_F(PromptLookup, KeepsALinkAtTheEndAndOnlyThere) {
     EXPECT_EQ(kept("toFolder/."), root / "folder");
 }
 
-TEST_F(PromptLookup, TellsWhyThereIsNothing) {
+TEST_F(PromptLookup, ReturnsTheReasonOfAFailure) {
     EXPECT_EQ(followed("broken"), Place(std::unexpect, ENOENT));
     EXPECT_EQ(followed("loop"), Place(std::unexpect, ELOOP));
     EXPECT_EQ(kept("loop/file"), Place(std::unexpect, ELOOP));
@@ -78,7 +78,7 @@ TEST_F(PromptLookup, TellsWhyThereIsNothing) {
 }
 
 // None of the mounted folders is there: whoever asked for one would be told so.
-TEST_F(PromptLookup, DoesNotAskForWhatWouldHaveToBeWaitedFor) {
+TEST_F(PromptLookup, DoesNotAskFileSystemsThatMayWait) {
     for (const char* type : {"smbfs", "nfs", "autofs", "macfuse", "lifs", "webdav", "unknown"}) {
         system.mounts = {{"apfs", "/"}, {type, root / "share"}};
         for (const char* name : {"share", "share/", "share/file", "toFolder/../share/file", "SHARE/file", "Share",
@@ -93,14 +93,14 @@ TEST_F(PromptLookup, DoesNotAskForWhatWouldHaveToBeWaitedFor) {
     EXPECT_EQ(followed("toShare"), Place(std::unexpect, EAGAIN));
 }
 
-TEST_F(PromptLookup, AsksDisksOfThisMachine) {
+TEST_F(PromptLookup, AsksLocalDisks) {
     for (const char* type : {"apfs", "hfs", "msdos", "exfat", "ntfs", "udf", "cd9660", "devfs", "tmpfs", "ufs"}) {
         system.mounts = {{"apfs", "/"}, {type, root / "folder"}};
         EXPECT_EQ(kept("folder/file"), root / "folder/file") << type;
     }
 }
 
-TEST_F(PromptLookup, KnowsAllMountsHoweverManyThereAre) {
+TEST_F(PromptLookup, HandlesAnyNumberOfMounts) {
     for (const std::size_t count : {62U, 63U, 64U, 65U, 300U}) {
         system.mounts.assign(count, {"apfs", "/"});
         system.mounts.push_back({"smbfs", root / "share"});

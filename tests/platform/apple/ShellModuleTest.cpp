@@ -14,7 +14,7 @@ TEST(AppleShellModule, IsTheExecutable) {
     EXPECT_EQ(reinterpret_cast<int (*)()>(*symbol)(), 7);
 }
 
-TEST(AppleShellModule, HasNoSymbolThatIsMissingOrElsewhere) {
+TEST(AppleShellModule, HasNoMissingSymbolAndNoneOfLibraries) {
     for (const std::string name : {"ombrelMissingSymbol", "gnu_get_libc_version"}) {
         const auto symbol = loadModuleSymbol("libombrel-pictures.so", name);
         ASSERT_FALSE(symbol) << name;

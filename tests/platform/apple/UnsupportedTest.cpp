@@ -1,7 +1,6 @@
 // What macOS does not offer is said, and not passed over.
 
-#include "platform/MemoryLimit.h"
-#include "platform/WriteProtection.h"
+#include "platform/Sandbox.h"
 #include "tests/support/ChildProcess.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +9,7 @@
 
 namespace vantry {
 
-TEST(Unsupported, IsALimitOfMemoryAndProtectionFromWriting) {
+TEST(Unsupported, AreMemoryLimitsAndWriteProtection) {
     const std::string said = inChildProcess([]() -> std::string {
         const auto limited = limitMemory(1 << 30);
         return limited ? "limited" : limited.error().kind == ErrorKind::unsupported ? "unsupported" : "failed";

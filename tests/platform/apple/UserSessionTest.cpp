@@ -24,7 +24,7 @@ protected:
 
 } // namespace
 
-TEST_F(AppleUserSession, HasTheUsersTemporaryFolderAsItsOwn) {
+TEST_F(AppleUserSession, UsesTheTemporaryFolderOfTheUser) {
     const ScopedEnvironment variable("TMPDIR", "/some/folder");
     system.userTemporaryFolder = folder.path();
     EXPECT_EQ(userRuntimeFolder(), folder.path());
@@ -35,7 +35,7 @@ TEST_F(AppleUserSession, HasTheUsersTemporaryFolderAsItsOwn) {
     }
 }
 
-TEST_F(AppleUserSession, HasNoFolderThatIsNotPrivate) {
+TEST_F(AppleUserSession, RefusesAFolderThatIsNotPrivate) {
     fs::create_directory(folder / "open");
     fs::permissions(folder / "open", fs::perms(0710));
     fs::create_directory_symlink(folder.path(), folder / "link");

@@ -36,14 +36,14 @@ std::vector<std::string> script(const std::string& text) { return {"-c", text}; 
 
 } // namespace
 
-TEST_F(AChildProcess, TellsHowItEnded) {
+TEST_F(AChildProcess, ReturnsItsExitStatus) {
     for (const int status : {0, 1, 77, 255})
         EXPECT_EQ(endOf(shell, script("exit " + std::to_string(status))).status, status);
     for (const int signal : {SIGTERM, SIGKILL, SIGABRT})
         EXPECT_EQ(endOf(shell, script("kill -" + std::to_string(signal) + " $$")).status, 256 + signal);
 }
 
-TEST_F(AChildProcess, GetsItsArgumentsAsTheyAre) {
+TEST_F(AChildProcess, GetsItsArgumentsUnchanged) {
     EXPECT_EQ(endOf("/bin/echo", {"a b", "", "$HOME", "caf\xe9", "\"'\n"}),
               (EndedChild{0, "a b  $HOME caf\xe9 \"'\n\n"}));
     EXPECT_EQ(endOf("/bin/echo", {std::string(100'000, 'x')}).output.size(), 100'001U);
@@ -84,7 +84,7 @@ TEST_F(AChildProcess, StartsWithNoSignalBlockedOrIgnored) {
     EXPECT_EQ(statuses[1], 256 + SIGUSR2);
 }
 
-TEST_F(AChildProcess, HasNoEndBeforeItEnds) {
+TEST_F(AChildProcess, HasNoStatusBeforeItEnds) {
     auto child = ChildProcess::start("/bin/sleep", {"60"}, ChildOutput::pipe);
     ASSERT_TRUE(child);
     for (const int fd : {child->output(), child->exitDescriptor()})
@@ -107,7 +107,7 @@ TEST_F(AChildProcess, HasNoEndBeforeItEnds) {
     EXPECT_EQ(child->exitStatus(), 256 + SIGTERM);
 }
 
-TEST_F(AChildProcess, ThatSomebodyElseHasReapedEndedBadly) {
+TEST_F(AChildProcess, ThatSomebodyElseReapedCountsAsFailed) {
     auto child = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
     ASSERT_TRUE(child);
     ASSERT_GT(waitpid(-1, nullptr, 0), 0);
@@ -116,7 +116,7 @@ TEST_F(AChildProcess, ThatSomebodyElseHasReapedEndedBadly) {
     child->sendSignal(SIGKILL);
 }
 
-TEST_F(AChildProcess, HasNoStatusWhereEndsAreIgnored) {
+TEST_F(AChildProcess, HasNoStatusWhenSigchldIsIgnored) {
     const auto handler = std::signal(SIGCHLD, SIG_IGN);
     for (const char* seconds : {"0.2", "0", "0", "0", "0", "0", "0", "0", "0"}) {
         auto child = ChildProcess::start("/bin/sleep", {seconds}, ChildOutput::nullDevice);
@@ -162,7 +162,7 @@ TEST_F(AChildProcess, ThatIsReplacedIsReapedWhenItEnds) {
     waitUntilChildrenAre(0);
 }
 
-TEST_F(AChildProcess, ThatNobodyWatchesLeavesRequestsToEndToOtherThreads) {
+TEST_F(AChildProcess, TheThreadThatReapsItBlocksSignals) {
     const TemporaryFolder root;
     {
         const auto child = ChildProcess::start(
@@ -189,7 +189,7 @@ TEST_F(AChildProcess, ThatNobodyWatchesLeavesRequestsToEndToOtherThreads) {
         EXPECT_NE(std::stoull(blocked.back(), nullptr, 16) >> (signal - 1) & 1U, 0U) << signal;
 }
 
-TEST_F(AChildProcess, GetsItsStreamsAlsoWhereThereAreNone) {
+TEST_F(AChildProcess, GetsItsStreamsEvenIfTheParentHasNone) {
     const std::string said = inChildProcess([]() -> std::string {
         // Each of the three missing, alone and with others: the pipe then gets their numbers.
         std::string wrong;
@@ -210,7 +210,7 @@ TEST_F(AChildProcess, GetsItsStreamsAlsoWhereThereAreNone) {
     EXPECT_EQ(said, "all right");
 }
 
-TEST_F(AChildProcess, CannotBeMadeOfWhatIsNoProgram) {
+TEST_F(AChildProcess, IsNotStartedFromAnythingButAProgram) {
     const TemporaryFolder root;
     writeFile(root / "text", "some text");
     writeFile(root / "broken", "#!/nowhere/interpreter\n");
@@ -239,7 +239,7 @@ TEST_F(AChildProcess, CannotBeMadeOfWhatIsNoProgram) {
         }
 }
 
-TEST_F(AChildProcess, CannotBeStartedWithMoreArgumentsThanTheSystemTakes) {
+TEST_F(AChildProcess, IsNotStartedWithTooManyArguments) {
     const auto child = ChildProcess::start("/bin/true", {std::string(4 << 20, 'x')}, ChildOutput::pipe);
     ASSERT_FALSE(child);
     EXPECT_EQ(child.error(), errorFromErrno(E2BIG, "/bin/true"));

@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 } // namespace
 
-TEST(FileFingerprint, OfAMissingPathHasNothing) {
+TEST(FileFingerprint, OfAMissingPathIsEmpty) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
     for (const fs::path& path : {folder / "missing", folder / "missing/deeper", folder / "file/below", fs::path(),
@@ -34,9 +34,9 @@ TEST(FileFingerprint, OfAMissingPathHasNothing) {
         EXPECT_EQ(readFileFingerprint(path), FileFingerprint()) << path;
 }
 
-TEST(FileFingerprint, OfABadDescriptorHasNothing) { EXPECT_EQ(readFileFingerprint(-1), FileFingerprint()); }
+TEST(FileFingerprint, OfABadDescriptorIsEmpty) { EXPECT_EQ(readFileFingerprint(-1), FileFingerprint()); }
 
-TEST(FileFingerprint, OfAFileHasEverything) {
+TEST(FileFingerprint, OfAFileIsComplete) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "text");
     setModified(folder / "file", {1'600'000'000, 0});
@@ -52,7 +52,7 @@ TEST(FileFingerprint, OfAnUnchangedFileIsTheSame) {
     EXPECT_EQ(readFileFingerprint(folder / "file"), readFileFingerprint(folder / "file"));
 }
 
-TEST(FileFingerprint, NoTwoFilesHaveOneResourceIdentifier) {
+TEST(FileFingerprint, FilesHaveDifferentResourceIdentifiers) {
     const TemporaryFolder folder;
     writeFile(folder / "one", "");
     writeFile(folder / "other", "");
@@ -60,7 +60,7 @@ TEST(FileFingerprint, NoTwoFilesHaveOneResourceIdentifier) {
               readFileFingerprint(folder / "other").resourceIdentifier);
 }
 
-TEST(FileFingerprint, ADateThatIsTooFarAwayIsHeldAtTheEnd) {
+TEST(FileFingerprint, ADateOutOfRangeIsClamped) {
     std::unique_ptr<TemporaryFolder> folder;
     {
         const ScopedEnvironment inMemory("TMPDIR", "/dev/shm"); // tmpfs holds any date
@@ -107,7 +107,7 @@ TEST(FileFingerprint, RenamingPermissionsAndLinksChangeNothing) {
     EXPECT_EQ(readFileFingerprint(folder / "second name"), before);
 }
 
-TEST(FileFingerprint, AReplacementWithTheSameNameSizeAndDateIsAnotherFile) {
+TEST(FileFingerprint, DiffersForAReplacementWithTheSameNameSizeAndDate) {
     const TemporaryFolder folder;
     for (const char* name : {"file", "copy"}) {
         writeFile(folder / name, "text");
@@ -195,7 +195,7 @@ TEST(FileFingerprint, NeedsNoPermissionOnTheFile) {
     EXPECT_EQ(answer, "right");
 }
 
-TEST(FileFingerprint, WhatIsOnOneVolumeHasOneVolumeIdentifier) {
+TEST(FileFingerprint, FilesOnOneVolumeShareItsIdentifier) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "deeper");
     writeFile(folder / "deeper/file", "text");
@@ -205,7 +205,7 @@ TEST(FileFingerprint, WhatIsOnOneVolumeHasOneVolumeIdentifier) {
     EXPECT_NE(readFileFingerprint("/proc/self").volumeIdentifier, volume);
 }
 
-TEST(FileFingerprint, WhatIsMountedInAFolderIsAnotherVolume) {
+TEST(FileFingerprint, AMountInAFolderIsAnotherVolume) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "point");
     const std::string answer = inChildProcess([&]() -> std::string {

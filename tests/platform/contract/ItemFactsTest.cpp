@@ -11,7 +11,7 @@ namespace {
 
 using Kind = ItemFacts::Kind;
 
-TEST_F(Items, AreFoundWithWhatIdentifiesThemOnlyWhereTheyAreWanted) {
+TEST_F(Items, HaveAFingerprintOnlyIfWanted) {
     const auto path = file("file", 8192);
     const timespec wholeSecond[2] = {{1'600'000'000, 0}, {1'600'000'000, 0}};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), wholeSecond, 0), 0);
@@ -36,7 +36,7 @@ TEST_F(Items, AreFoundWithWhatIdentifiesThemOnlyWhereTheyAreWanted) {
     EXPECT_EQ(missing.error().kind, ErrorKind::notFound);
 }
 
-TEST_F(Items, AreOfTheKindThatStandsAtThePathLinksNotFollowed) {
+TEST_F(Items, HaveTheirKindAndLinksAreNotFollowed) {
     const auto target = file("file");
     std::filesystem::create_symlink(target, folder / "link");
     std::filesystem::create_symlink(folder / "nowhere", folder / "dangling");
@@ -58,14 +58,14 @@ TEST_F(Items, ThatAreMissingOrCannotBeReachedHaveNoFacts) {
     EXPECT_FALSE(readItemFacts(""));
 }
 
-TEST_F(Items, InAFolderThatMayNotBeEnteredAreNotCalledMissing) {
+TEST_F(Items, InAFolderWithoutPermissionAreNotReportedAsMissing) {
     chmod(folder.path().c_str(), 0755);
     const auto closed = directory("closed", 0600);
     EXPECT_EQ(asNobody([&] { return readItemFacts(closed / "item").error().kind; }),
               static_cast<int>(geteuid() == 0 ? ErrorKind::permissionDenied : ErrorKind::notFound));
 }
 
-TEST_F(Items, TellTheirDateToTheNanosecond) {
+TEST_F(Items, HaveTheirDateToTheNanosecond) {
     const auto path = file("file");
     struct Case {
         std::int64_t seconds;
@@ -78,7 +78,7 @@ TEST_F(Items, TellTheirDateToTheNanosecond) {
     }
 }
 
-TEST_F(Items, OccupyWhatIsAllocatedAndNotTheirLength) {
+TEST_F(Items, HaveTheirAllocatedSizeNotTheirLength) {
     EXPECT_EQ(readItemFacts(file("empty"))->allocatedBytes, 0);
     EXPECT_EQ(readItemFacts(file("reserved", 81920))->allocatedBytes, 81920);
     const auto sparse = file("sparse");
@@ -86,7 +86,7 @@ TEST_F(Items, OccupyWhatIsAllocatedAndNotTheirLength) {
     EXPECT_EQ(readItemFacts(sparse)->allocatedBytes, 0);
 }
 
-TEST_F(Items, AreFoldersAlsoThroughLinks) {
+TEST_F(Items, ThroughALinkAreFolders) {
     std::filesystem::create_symlink(folder.path(), folder / "link");
     std::filesystem::create_symlink("link", folder / "link to link");
     std::filesystem::create_symlink(file("file"), folder / "link to file");
@@ -98,7 +98,7 @@ TEST_F(Items, AreFoldersAlsoThroughLinks) {
         EXPECT_EQ(folderAccess(folder / name), FolderAccess::none) << name;
 }
 
-TEST_F(Items, AreReadableFoldersWhenPermissionsLetThem) {
+TEST_F(Items, AreReadableFoldersIfPermissionsAllow) {
     const TemporaryFolder inMemory(folderForManyFiles());
     for (const auto& parent : {folder.path(), inMemory.path()}) {
         chmod(parent.c_str(), 0755);
@@ -113,7 +113,7 @@ TEST_F(Items, AreReadableFoldersWhenPermissionsLetThem) {
     }
 }
 
-TEST_F(Items, AreShownByTheirNameAsText) {
+TEST_F(Items, AreShownByTheirName) {
     EXPECT_EQ(displayName("/a/b c.app"), "b c.app");
     EXPECT_EQ(displayName("/a/b/"), "b");
     EXPECT_EQ(displayName("/a/\xff.log"), "\xef\xbf\xbd.log");

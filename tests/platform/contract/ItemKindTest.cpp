@@ -1,4 +1,4 @@
-#include "platform/ItemKind.h"
+#include "platform/ItemFacts.h"
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -10,7 +10,7 @@
 
 namespace vantry {
 
-TEST(QuickItemKind, IsThatOfTheItemItself) {
+TEST(QuickItemKind, DoesNotFollowALink) {
     const TemporaryFolder root;
     writeFile(root / "file", "");
     std::filesystem::create_directory_symlink(root.path(), root / "link");

@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 using Folder = std::shared_ptr<const PinnedFolder>;
 
 void makeUnixSocket(const fs::path& path) {
-    const UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     ASSERT_LT(path.native().size(), sizeof address.sun_path);
@@ -44,7 +44,7 @@ TEST_F(PinnedFolderTest, FollowsNoLinkOnTheWayOrAtTheEnd) {
     EXPECT_EQ(folderAnswers(root / "answers"), "right");
 }
 
-TEST_F(PinnedFolderTest, TakesNoPathThatIsNotWhole) {
+TEST_F(PinnedFolderTest, RefusesRelativePaths) {
     EXPECT_EQ(failure("relative"), PinFailure::unavailable);
     EXPECT_EQ(failure(""), PinFailure::unavailable);
     EXPECT_EQ(failure(folder.native() + std::string("\0more", 5)), PinFailure::unavailable);
@@ -69,7 +69,7 @@ TEST_F(PinnedFolderTest, AFolderThatWasMovedIsNotInPlace) {
     EXPECT_FALSE(pinned->isInPlace()) << "a link on the way to it";
 }
 
-TEST_F(PinnedFolderTest, TellsWhatTheFolderIs) {
+TEST_F(PinnedFolderTest, ReturnsTheFactsOfTheFolder) {
     const auto facts = pinnedFolder()->facts();
     ASSERT_TRUE(facts);
     EXPECT_EQ(facts->isDirectory, true);
@@ -95,13 +95,13 @@ TEST_F(PinnedFileTest, RefusesWhatIsNeitherFileNorFolder) {
     EXPECT_EQ(fileFailure(std::string(256, 'n')), PinFailure::unavailable);
 }
 
-TEST_F(PinnedFileTest, TakesOnlyANameDirectlyInTheFolder) {
+TEST_F(PinnedFileTest, AcceptsOnlyNamesInTheFolder) {
     for (const std::string name : {"", ".", "..", "/", "directory/file", "../deeper/file", "file/", "/etc/passwd"})
         EXPECT_EQ(fileFailure(name), PinFailure::unavailable) << name;
     EXPECT_EQ(fileFailure(std::string("file\0more", 9)), PinFailure::unavailable);
 }
 
-TEST_F(PinnedFileTest, TakesNamesThatAreNoText) {
+TEST_F(PinnedFileTest, AcceptsNamesThatAreNotUtf8) {
     for (const std::string name : {"\xff\xfe", "new\nline", "\x01", "-rf", "~"}) {
         writeFile(folder / name, "");
         const auto pinned = PinnedFile::open(pinnedFolder(), name);
@@ -110,7 +110,7 @@ TEST_F(PinnedFileTest, TakesNamesThatAreNoText) {
     }
 }
 
-TEST_F(PinnedFileTest, TellsWhatTheFileIs) {
+TEST_F(PinnedFileTest, ReturnsTheFactsOfTheFile) {
     const PinnedFile pinned = pinnedFile();
     const auto facts = pinned.facts();
     ASSERT_TRUE(facts);
@@ -129,7 +129,7 @@ TEST_F(PinnedFileTest, TellsWhatTheFileIs) {
     EXPECT_EQ(pinned.folder().path(), folder);
 }
 
-TEST_F(PinnedFileTest, AFolderIsNoRegularFile) {
+TEST_F(PinnedFileTest, AFolderIsNotARegularFile) {
     fs::create_directory(folder / "directory");
     const auto facts = PinnedFile::open(pinnedFolder(), "directory").value().facts();
     ASSERT_TRUE(facts);
@@ -137,7 +137,7 @@ TEST_F(PinnedFileTest, AFolderIsNoRegularFile) {
     EXPECT_EQ(facts->isSymbolicLink, false);
 }
 
-TEST_F(PinnedFileTest, TellsWhatWasDoneToTheItemSince) {
+TEST_F(PinnedFileTest, SeesLaterChangesOfTheItem) {
     const PinnedFile pinned = pinnedFile();
     const auto before = pinned.facts();
     writeFile(file, std::string(100'000, 'x'));
@@ -147,7 +147,7 @@ TEST_F(PinnedFileTest, TellsWhatWasDoneToTheItemSince) {
     EXPECT_EQ(after->fingerprint.resourceIdentifier, before->fingerprint.resourceIdentifier);
 }
 
-TEST_F(PinnedFileTest, TellsWhereItsNameLeads) {
+TEST_F(PinnedFileTest, ReportsWhereItsNameLeads) {
     const PinnedFile pinned = pinnedFile();
     EXPECT_EQ(pinned.place(), PinnedPlace::unchanged);
     fs::rename(file, folder / "renamed");
@@ -167,7 +167,7 @@ TEST_F(PinnedFileTest, TellsWhereItsNameLeads) {
 }
 
 // What is renamed by name may have been exchanged just before: what arrived is compared with what was pinned.
-TEST_F(PinnedFileTest, IsToldAgainInTheFolderThatItWasMovedTo) {
+TEST_F(PinnedFileTest, IsRecognizedInTheFolderThatItWasMovedTo) {
     const PinnedFile pinned = pinnedFile();
     fs::create_directory(root / "arrived");
     const UniqueFd there(open((root / "arrived").c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -181,7 +181,7 @@ TEST_F(PinnedFileTest, IsToldAgainInTheFolderThatItWasMovedTo) {
 }
 
 // The number of a file that is held is not given to a new one.
-TEST_F(PinnedFileTest, IsNotTakenForAFileThatReplacedIt) {
+TEST_F(PinnedFileTest, IsNotMistakenForAFileThatReplacedIt) {
     const PinnedFile pinned = pinnedFile();
     fs::remove(file);
     for (int i = 0; i < 1000; ++i) {

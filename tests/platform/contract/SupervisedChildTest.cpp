@@ -57,13 +57,13 @@ TEST_F(ASupervisedChild, IsReadLineByLine) {
     EXPECT_EQ(child.nextLine(plenty, farAway()), std::nullopt) << "a line has an end";
 }
 
-TEST_F(ASupervisedChild, IsReadNoFurtherThanTheLimit) {
+TEST_F(ASupervisedChild, IsReadUpToTheLimit) {
     auto child = started("exec cat /dev/zero");
     EXPECT_EQ(child.nextLine(100'000, farAway()), std::nullopt);
     EXPECT_EQ(started("exec cat /dev/zero").outputToEnd(100'000, farAway()), std::nullopt);
 }
 
-TEST_F(ASupervisedChild, LosesNoAnswerToAnOldError) {
+TEST_F(ASupervisedChild, IsReadDespiteAnOldErrno) {
     for (const int old : {EINTR, EAGAIN, EIO}) {
         auto child = started("echo answer");
         siginfo_t ended = {};
@@ -73,7 +73,7 @@ TEST_F(ASupervisedChild, LosesNoAnswerToAnOldError) {
     }
 }
 
-TEST_F(ASupervisedChild, IsWaitedForWithoutLookingAtAnOutputThatIsClosed) {
+TEST_F(ASupervisedChild, IsWaitedForWithoutPollingAClosedOutput) {
     auto child = started("exec >&-; sleep 0.3");
     errno = EAGAIN;
     RecordedPolls::forget();
@@ -81,7 +81,7 @@ TEST_F(ASupervisedChild, IsWaitedForWithoutLookingAtAnOutputThatIsClosed) {
     EXPECT_LE(RecordedPolls::count(), 4);
 }
 
-TEST_F(ASupervisedChild, IsEndedInBoundedTimeWhateverItDoes) {
+TEST_F(ASupervisedChild, IsEndedInBoundedTime) {
     for (const char* script : {"exec sleep 600", "trap '' TERM; while :; do sleep 600; done", "kill -STOP $$"}) {
         RecordedPolls::forget();
         EXPECT_EQ(started(script).outputToEnd(plenty, deadlineIn(100ms)), std::nullopt) << script;
@@ -90,7 +90,7 @@ TEST_F(ASupervisedChild, IsEndedInBoundedTimeWhateverItDoes) {
     }
 }
 
-TEST_F(ASupervisedChild, IsAskedToEndBeforeItIsKilled) {
+TEST_F(ASupervisedChild, GetsSigtermBeforeSigkill) {
     const std::string file = root / "asked";
     // It may be too slow on a machine that is busy.
     for (int attempt = 0; attempt < 20 && !std::filesystem::exists(file); ++attempt) {
@@ -160,7 +160,7 @@ TEST(StopSwitch, IsNotInherited) {
         EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
 }
 
-TEST(StopSwitch, WaitsForWorkButNotForEver) {
+TEST(StopSwitch, WaitsForWorkButNotForever) {
     const auto stopSwitch = StopSwitch::create().value();
     auto one = StopSwitch::beginWork(stopSwitch);
     auto other = StopSwitch::beginWork(stopSwitch);

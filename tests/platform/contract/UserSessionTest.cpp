@@ -43,7 +43,7 @@ TEST(HomeFolder, IsTheUserDatabasesWhenTheEnvironmentNamesNoAbsoluteOne) {
     }
 }
 
-TEST(HomeFolder, OfAUserWhomNobodyKnowsIsNotFound) {
+TEST(HomeFolder, OfAnUnknownUserIsNotFound) {
     constexpr const char* noSuchUser = "no other user";
     const std::string answer = inChildProcess([]() -> std::string {
         if (!becomeUser(unknownUser()))

@@ -30,7 +30,7 @@ int nicenessOfABlock(QualityOfService quality) {
 
 } // namespace
 
-TEST(LinuxBackgroundQueue, AUtilityBlockGivesWayToOthers) {
+TEST(LinuxBackgroundQueue, AUtilityBlockHasALowerPriority) {
     if (nicenessAtStart >= 5)
         GTEST_SKIP() << "this process gives way already";
     EXPECT_EQ(nicenessOfABlock(QualityOfService::utility), 5);
@@ -41,7 +41,7 @@ TEST(LinuxBackgroundQueue, ABlockThatTheUserWaitsForKeepsThePriorityOfTheProcess
     EXPECT_EQ(nicenessOfABlock(QualityOfService::userInitiated), nicenessAtStart);
 }
 
-TEST(LinuxBackgroundQueue, WithoutAThreadToBeHadABlockRunsAtOnceOnTheCallers) {
+TEST(LinuxBackgroundQueue, ABlockRunsOnTheCallersThreadWhenNoneCanBeStarted) {
     const std::string answer = inChildProcess([]() -> std::string {
         const rlimit none = {0, 0};
         if (!becomeUser(unknownUser()) || setrlimit(RLIMIT_NPROC, &none) != 0)

@@ -12,12 +12,12 @@
 
 namespace vantry {
 
-TEST_F(AChildProcess, CannotBeStartedOnAKernelThatCannotShowItsEnd) {
+TEST_F(AChildProcess, IsNotStartedOnAKernelWithoutPidfds) {
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, ENOSYS); }),
               errorFromErrno(ENOSYS, "child exit").message);
 }
 
-TEST_F(AChildProcess, IsKilledAndReapedWhenItsEndCouldNotBeSeen) {
+TEST_F(AChildProcess, IsKilledAndReapedWhenItCannotBeWatched) {
     // Only that of the process itself can be asked for.
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, EMFILE, static_cast<std::uint32_t>(getpid())); }),
               errorFromErrno(EMFILE, "child exit").message);

@@ -47,7 +47,7 @@ protected:
 
 } // namespace
 
-TEST_F(DesktopPicture, IsWhatGnomeSays) {
+TEST_F(DesktopPicture, IsTheSettingOfGnome) {
     const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
     program("gsettings", "case \"$*\" in *picture-uri-dark) echo \"'" + url("two.png") +
                              "'\" ;; *picture-uri) echo \"'" + url("one.png") +
@@ -59,7 +59,7 @@ TEST_F(DesktopPicture, IsWhatGnomeSays) {
     EXPECT_EQ(desktopPicture(screen), root / "two.png");
 }
 
-TEST_F(DesktopPicture, IsTheOneThatTheSlideshowShows) {
+TEST_F(DesktopPicture, IsTheCurrentOneOfASlideshow) {
     const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "GNOME");
     program("gsettings", "echo \"'" + url("slides.xml") + "'\"");
     const auto slide = [this](const char* name) {
@@ -91,7 +91,7 @@ TEST_F(DesktopPicture, IsTheLargestPictureOfAPlasmaPackage) {
     EXPECT_EQ(desktopPicture(screen), root / "package/contents/images/5120x2880.png");
 }
 
-TEST_F(DesktopPicture, IsThatOfTheDesktopThatRuns) {
+TEST_F(DesktopPicture, IsThatOfTheRunningDesktop) {
     write("config/xfce4/xfconf/xfce-perchannel-xml/xfce4-desktop.xml",
           "<property name=\"monitorDP-1\"><property name=\"last-image\" value=\"" + (root / "one.png").native() +
               "\"/>");
@@ -108,7 +108,7 @@ TEST_F(DesktopPicture, IsThatOfTheDesktopThatRuns) {
     EXPECT_EQ(desktopPicture(screen), std::nullopt);
 }
 
-TEST_F(DesktopPicture, IsNoneWhereThereIsNoSuchFile) {
+TEST_F(DesktopPicture, IsAbsentWhenTheFileIsMissing) {
     const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "XFCE");
     EXPECT_EQ(desktopPicture(screen), std::nullopt);
     write(".fehbg", "feh --bg-fill " + (root / "missing.png").native());
@@ -122,7 +122,7 @@ TEST_F(DesktopPicture, IsNoneWhereThereIsNoSuchFile) {
 
 TEST_F(DesktopPicture, IsNeverAMovingOneHere) { EXPECT_EQ(movingWallpaper(), std::nullopt); }
 
-TEST(OpenFiles, OfAProcessAreThoseItHoldsInTheirOrder) {
+TEST(OpenFiles, OfAProcessAreInTheOrderOfTheirDescriptors) {
     const TemporaryFolder root;
     writeFile(root / "one film.mov", "1");
     writeFile(root / "two.png", "2");
@@ -134,7 +134,7 @@ TEST(OpenFiles, OfAProcessAreThoseItHoldsInTheirOrder) {
     EXPECT_NE(std::find(first, files.end(), root / "two.png"), files.end());
 }
 
-TEST(OpenFiles, OfNoProcessAreNone) {
+TEST(OpenFiles, OfAMissingProcessAreEmpty) {
     EXPECT_TRUE(openFilesOfProcess(-1).empty());
     EXPECT_TRUE(openFilesOfProcess(1 << 30).empty());
 }

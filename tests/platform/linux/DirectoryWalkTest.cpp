@@ -25,7 +25,7 @@ Deadline farAway() { return deadlineIn(std::chrono::minutes(2)); }
 
 } // namespace
 
-TEST(DirectoryWalkOnLinux, SharesItsFoldersAndTheFilesOfOneFolderWithOtherThreads) {
+TEST(DirectoryWalkOnLinux, SharesFoldersAndFilesWithOtherThreads) {
     const TemporaryFolder tree(folderForManyFiles());
     const fs::path wide = tree / "wide";
     const fs::path branched = tree / "branched";

@@ -59,7 +59,7 @@ std::int64_t nanosecondsOf(const struct timespec& time) {
 
 } // namespace
 
-TEST(FileFingerprint, OfADescriptorOpenedForItsPathIsThatOfItsItemAlsoWithoutAName) {
+TEST(FileFingerprint, OfAPathDescriptorIsThatOfItsItemEvenIfDeleted) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "text");
     fs::create_symlink(folder / "file", folder / "link");
@@ -90,7 +90,7 @@ TEST(FileFingerprint, KeepsTheDateToTheNanosecond) {
 }
 
 // A file system that gives the inode number of a deleted file to the next one, within the resolution of its clock.
-TEST(FileFingerprint, AThousandFilesMadeInPlaceOfEachOtherAreAThousandFiles) {
+TEST(FileFingerprint, DiffersForAThousandFilesThatReplaceEachOther) {
     const auto folder = folderWithHandles();
     if (!folder)
         GTEST_SKIP() << "no file system with file handles to write to; the identifiers of replaced files are untested";
@@ -165,14 +165,14 @@ TEST(FileFingerprint, FallsBackToInodeAndBirthTimeOnAnOverlay) {
     EXPECT_NE(answer.find(", born "), answer.npos) << answer;
 }
 
-TEST(FileFingerprint, AnInodeNumberAloneIsNoIdentity) {
+TEST(FileFingerprint, AnInodeNumberAloneIsNotAnIdentity) {
     const FileFingerprint fingerprint = readFileFingerprint("/proc/self/status"); // has neither handle nor birth time
     EXPECT_TRUE(fingerprint.contentModificationDate);
     EXPECT_EQ(fingerprint.resourceIdentifier, std::nullopt);
     EXPECT_TRUE(fingerprint.volumeIdentifier);
 }
 
-TEST(FileFingerprint, AFolderMountedOnceMoreIsAnotherVolumeSinceNothingMovesThere) {
+TEST(FileFingerprint, ASecondMountOfAFolderIsAnotherVolume) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "folder");
     fs::create_directory(folder / "point");

@@ -1,4 +1,4 @@
-#include "platform/MemoryLimit.h"
+#include "platform/Sandbox.h"
 
 #include "tests/support/ChildProcess.h"
 

@@ -1,4 +1,4 @@
-// Frames of films: which one, upright, in sRGB.
+// Which frame of a film is taken, its orientation and its colours.
 
 #include "tests/platform/linux/PictureFixture.h"
 

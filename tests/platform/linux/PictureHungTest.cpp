@@ -1,4 +1,4 @@
-// A picture in a file system that does not answer: its worker survives even being killed.
+// A picture in a file system that hangs: its worker survives SIGKILL.
 
 #include "platform/linux/PictureWorker.h"
 #include "tests/support/EndedChild.h"

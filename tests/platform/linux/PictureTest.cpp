@@ -1,4 +1,4 @@
-// Pictures that are what they should be: each format, upright, in sRGB.
+// Valid pictures: each format, orientation and colours.
 
 #include "tests/platform/linux/MadePictures.h"
 #include "tests/platform/linux/PictureFixture.h"
@@ -8,7 +8,7 @@
 #include <QColorTransform>
 #include <QImageWriter>
 
-// What the encoder of HEIC never lets go of.
+// The HEIC encoder leaks.
 // NOLINTNEXTLINE(readability-identifier-naming): named by the leak sanitizer
 extern "C" const char* __lsan_default_suppressions() { return "leak:libx265"; }
 
@@ -18,7 +18,7 @@ namespace {
 
 using Picture = PictureFixture;
 
-// Which quarter of the stored picture stands where in the upright one, by EXIF's orientation.
+// For each EXIF orientation the quarter of the stored picture that belongs to each quarter of the upright one.
 constexpr struct {
     int orientation;
     std::array<std::size_t, 4> from;
@@ -42,7 +42,7 @@ Quarters inSrgb(const Quarters& colors, const QColorSpace& space) {
     return converted;
 }
 
-// None of them is left as it is by the conversion, and none leaves what sRGB holds.
+// The conversion changes all of them, and all of them stay within sRGB.
 constexpr Quarters muted{{{170, 80, 70}, {80, 150, 90}, {80, 80, 170}, {180, 150, 70}}};
 
 } // namespace
@@ -78,7 +78,7 @@ TEST_F(Picture, InJpegXlIsRead) {
             }
 }
 
-TEST_F(Picture, OfManyInAGifIsTheFirst) {
+TEST_F(Picture, OfAnAnimatedGifIsTheFirstFrame) {
     constexpr Quarters first{{{204, 51, 51}, {51, 153, 51}, {51, 51, 204}, {255, 204, 51}}};
     constexpr Quarters second{{{0, 0, 0}, {0, 0, 0}, {255, 255, 255}, {0, 0, 0}}};
     expectQuarters(read(save(gifOf({quarteredPicture(first), quarteredPicture(second)}), "a.gif")), first, 0);
@@ -104,7 +104,7 @@ TEST_F(Picture, IsReadByItsContentsNotByItsName) {
     }
 }
 
-TEST_F(Picture, MayHaveAnyNameAndStandBehindALink) {
+TEST_F(Picture, MayHaveAnyNameAndBeBehindALink) {
     for (const char* name : {"--picture-worker", "a\nb", " ", "\xff\xfe.png", "-"}) {
         const auto file = save(quarteredPicture(), "plain.png");
         std::filesystem::rename(file, root / name);
@@ -147,7 +147,7 @@ TEST_F(Picture, TakesNoColorFromWhatIsTransparent) {
     const auto pixels = read(save(stripes, "a.png"));
     ASSERT_TRUE(pixels);
     for (const auto& pixel : *pixels)
-        ASSERT_EQ(pixel, (PicturePixel{200, 100, 50, 128}));
+        ASSERT_LE(difference(pixel, {200, 100, 50, 128}), 1); // half of 255 is rounded either way
 }
 
 TEST_F(Picture, OfAnyDepthIsRead) {
@@ -170,7 +170,7 @@ TEST_F(Picture, OfAnyDepthIsRead) {
     expectQuarters(read(save(bits, "a.png")), {{{0, 0, 0}, {255, 255, 255}, {255, 255, 255}, {0, 0, 0}}}, 0);
 }
 
-TEST_F(Picture, IsUprightHoweverTheCameraWasHeld) {
+TEST_F(Picture, IsTurnedUpright) {
     const std::string jpeg = readFile(save(quarteredPicture(), "original.jpg", 98));
     for (const auto& [orientation, from] : orientations) {
         SCOPED_TRACE(orientation);
@@ -178,7 +178,7 @@ TEST_F(Picture, IsUprightHoweverTheCameraWasHeld) {
     }
 }
 
-TEST_F(Picture, InTiffIsUprightToo) {
+TEST_F(Picture, InTiffIsTurnedUpright) {
     for (const auto& [transformation, from] :
          {std::pair{QImageIOHandler::TransformationRotate90, 6}, std::pair{QImageIOHandler::TransformationRotate180, 3},
           std::pair{QImageIOHandler::TransformationMirror, 2}}) {
@@ -190,7 +190,7 @@ TEST_F(Picture, InTiffIsUprightToo) {
     }
 }
 
-TEST_F(Picture, InHeicIsUprightToo) {
+TEST_F(Picture, InHeicIsTurnedUpright) {
     if (!canEncodeHeic())
         GTEST_SKIP() << "libheif encodes no HEIC here";
     for (const auto& [orientation, from] : orientations) {
@@ -200,7 +200,7 @@ TEST_F(Picture, InHeicIsUprightToo) {
     }
 }
 
-TEST_F(Picture, InJpegXlIsUprightToo) {
+TEST_F(Picture, InJpegXlIsTurnedUpright) {
     for (const auto& [orientation, from] : orientations) {
         SCOPED_TRACE(orientation);
         writeFile(root / "a.jxl", jxlOf(quarteredPicture(), {.orientation = static_cast<JxlOrientation>(orientation)}));
@@ -208,7 +208,7 @@ TEST_F(Picture, InJpegXlIsUprightToo) {
     }
 }
 
-TEST_F(Picture, OfAnotherColorSpaceIsInSrgb) {
+TEST_F(Picture, IsConvertedToSrgb) {
     const QColorSpace p3(QColorSpace::DisplayP3);
     // One that swaps red and blue.
     const QColorSpace swapped(QPointF(0.3127, 0.3290), QPointF(0.15, 0.06), QPointF(0.30, 0.60), QPointF(0.64, 0.33),
@@ -235,7 +235,7 @@ TEST_F(Picture, OfAnotherColorSpaceIsInSrgb) {
     }
 }
 
-TEST_F(Picture, InGreyHasAProfileToo) {
+TEST_F(Picture, InGreyMayHaveAProfile) {
     const QImage image = quarteredPicture({{{50, 50, 50}, {100, 100, 100}, {150, 150, 150}, {255, 255, 255}}});
     const auto jpeg = readFile(save(image.convertToFormat(QImage::Format_Grayscale8), "original.jpg", 98));
     // 50 of 255 in linear light is 122 in sRGB.
@@ -243,7 +243,7 @@ TEST_F(Picture, InGreyHasAProfileToo) {
                    {{{122, 122, 122}, {168, 168, 168}, {201, 201, 201}, {255, 255, 255}}}, 4);
 }
 
-TEST_F(Picture, WhoseProfileIsBrokenIsTakenForSrgb) {
+TEST_F(Picture, WithABrokenProfileIsTakenForSrgb) {
     QImage image = quarteredPicture();
     image.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
     std::string jpeg = readFile(save(image, "original.jpg", 98));
@@ -253,7 +253,7 @@ TEST_F(Picture, WhoseProfileIsBrokenIsTakenForSrgb) {
     expectQuarters(read(save(jpeg, "a.jpg")), quarters, 6);
 }
 
-TEST_F(Picture, InHeicIsInTheColorsThatItNames) {
+TEST_F(Picture, InHeicHasTheColorsOfItsProfile) {
     if (!canEncodeHeic())
         GTEST_SKIP() << "libheif encodes no HEIC here";
     const QColorSpace p3(QColorSpace::DisplayP3);

@@ -1,4 +1,4 @@
-// Whoever reads a picture, and workers that do not do what they should.
+// The parent of picture workers, and workers that misbehave.
 
 #include "platform/linux/PictureWorker.h"
 #include "tests/support/EndedChild.h"
@@ -45,12 +45,12 @@ TEST_F(PictureWorker, ThatWritesAPictureIsBelieved) {
     EXPECT_FALSE(hasChildren());
 }
 
-TEST_F(PictureWorker, IsToldItsJobAndTheFile) {
+TEST_F(PictureWorker, GetsItsFlagAndTheFile) {
     EXPECT_TRUE(
         read(std::string("[ $# = 2 ] && [ \"$1\" = --picture-worker ] && [ \"$2\" = a.png ] && ") + picture, 30s));
 }
 
-TEST_F(PictureWorker, ThatEndsOtherwiseIsNotBelieved) {
+TEST_F(PictureWorker, ThatFailsIsNotBelieved) {
     for (const char* script : {
              "exit 0",
              "exit 1",
@@ -66,7 +66,7 @@ TEST_F(PictureWorker, ThatEndsOtherwiseIsNotBelieved) {
     }
 }
 
-TEST_F(PictureWorker, ThatDoesNotEndIsEnded) {
+TEST_F(PictureWorker, ThatHangsIsKilled) {
     for (const char* script : {
              "exec sleep 60",
              "head -c 65536 /dev/zero; exec sleep 60",
@@ -82,13 +82,13 @@ TEST_F(PictureWorker, ThatDoesNotEndIsEnded) {
     }
 }
 
-TEST_F(PictureWorker, IsNotWaitedForThroughWhatItStarted) {
+TEST_F(PictureWorker, IsNotWaitedForWhileItsOwnChildrenRun) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_TRUE(read(std::string("sleep 20 & ") + picture, 60s));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 15s);
 }
 
-TEST_F(PictureWorker, ThatCannotBeStartedIsNone) {
+TEST_F(PictureWorker, ThatCannotBeStartedGivesNoPicture) {
     EXPECT_FALSE(readPictureInWorker(root / "missing", "a.png", 30s));
     EXPECT_FALSE(readPictureInWorker(root.path(), "a.png", 30s));
     EXPECT_FALSE(hasChildren());
@@ -101,7 +101,7 @@ TEST_F(PictureWorker, LeavesNoDescriptorBehind) {
     EXPECT_EQ(openDescriptorCount(), before);
 }
 
-TEST_F(PictureWorker, IsOneOfSeveralAtATime) {
+TEST_F(PictureWorker, MayRunBesideOthers) {
     static_cast<void>(read(picture, 30s));
     std::vector<std::thread> readers;
     std::atomic<int> count = 0;

@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 } // namespace
 
-// Older kernels, and sandboxes that know only what is older; and a file system in which something is always renamed.
+// Older kernels and sandboxes without openat2, and a file system in which something is always being renamed.
 TEST_F(PinnedFolderTest, DoesTheSameWhereTheSystemOffersNoSuchCall) {
     for (const int errorNumber : {ENOSYS, EPERM, EINVAL, EAGAIN}) {
         const fs::path home = root / std::to_string(errorNumber);
@@ -56,7 +56,7 @@ TEST_F(PinnedFileTest, AnswersForTheItemWhateverItsNameLeadsTo) {
     EXPECT_EQ(pinned.facts(), before);
 }
 
-// The same file, and yet another place: what is done by name there would be done to what is mounted.
+// The same file in another place: a call by name would act on the mounted item.
 TEST_F(PinnedFileTest, WhatIsMountedOverItIsAnotherPlace) {
     const std::string answer = inChildProcess([&]() -> std::string {
         const auto mountOnItself = [](const fs::path& path) {

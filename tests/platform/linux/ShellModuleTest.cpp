@@ -95,7 +95,7 @@ TEST_F(ShellModule, ABrokenOneDoesNotHideTheInstalledOne) {
     EXPECT_EQ(load("nameOfFrontEnd"), "second");
 }
 
-TEST_F(ShellModule, TheSearchPathOfTheLoaderPlaysNoPart) {
+TEST_F(ShellModule, TheSearchPathOfTheLoaderIsIgnored) {
     fs::create_directory(root / "elsewhere");
     fs::copy_file(parts / "first.so", root / "elsewhere/libombrel-qt.so");
     const ScopedEnvironment path("LD_LIBRARY_PATH", (root / "elsewhere").c_str());

@@ -186,7 +186,7 @@ TEST_F(TextFormat, APercentageHasUpToOneFractionDigit) {
         EXPECT_EQ(percentText(fraction), text) << fraction;
 }
 
-TEST_F(TextFormat, WhatIsNoNumberHasNoPercentage) {
+TEST_F(TextFormat, NanAndInfinityHaveNoPercentage) {
     for (const double fraction : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
                                   -std::numeric_limits<double>::infinity(), std::nan("")})
         EXPECT_EQ(percentText(fraction), std::nullopt);
@@ -247,7 +247,7 @@ TEST_F(TextFormat, IsoTimesAreUtcWhateverTheTimeZone) {
     }
 }
 
-TEST_F(TextFormat, AnUnknownLocaleIsWrittenAsTheCLibrarysOwn) {
+TEST_F(TextFormat, AnUnknownLocaleIsTreatedAsTheCLocale) {
     const ScopedEnvironment unknown("LC_ALL", "xx_YY.UTF-8");
     EXPECT_EQ(byteCountText(1'500'000), "1.5 MB");
     EXPECT_EQ(percentText(0.123), "12.3%");

@@ -1,4 +1,4 @@
-// System calls that fail, and somebody who exchanges files in between two of them.
+// System calls that fail, and files that are exchanged between two calls.
 
 #include "tests/platform/linux/DisturbedTrashFixture.h"
 
@@ -10,6 +10,7 @@
 #include <functional>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -62,24 +63,92 @@ TEST_F(TrashFaults, EachHasAReasonAndLeavesTheFileInItsPlace) {
     }
 }
 
+TEST_F(TrashFaults, AnExistingFolderThatCannotBeOpenedIsNotMade) {
+    writeFile(root / "data", "a file");
+    EXPECT_EQ(moveWithout(SYS_mkdirat, EIO).find("the disk reports an error"), std::string::npos);
+    EXPECT_EQ(readFile(file), "what the file holds");
+}
+
+TEST_F(TrashFaults, ATrashThatCannotBeMadeInItsFolderHasAReason) {
+    fs::create_directory(root / "data");
+    EXPECT_EQ(moveWithout(SYS_mkdirat, ENOSPC), "the Trash could not be made: the disk is full");
+    EXPECT_TRUE(nothingMoved());
+}
+
+TEST_F(TrashFaults, AFolderIsNotMadeInOneThatCouldNotBeMade) {
+    trash = root / "data/share/Trash";
+    EXPECT_EQ(moveWhile(
+                  [](int count) {
+                      if (count == 1)
+                          InterceptedCall::answer = EDQUOT;
+                  },
+                  SYS_mkdirat),
+              "the Trash could not be opened: your share of the disk is used up");
+    EXPECT_TRUE(nothingMoved());
+}
+
+TEST_F(TrashFaults, AFolderThatCannotBeSyncedAfterItWasMadeIsNotUsed) {
+    EXPECT_EQ(moveWhile(
+                  [](int /*count*/) {
+                      if (!refuseCall(SYS_openat, EDQUOT))
+                          _exit(1);
+                  },
+                  SYS_mkdirat),
+              "the Trash could not be opened: your share of the disk is used up");
+    EXPECT_TRUE(nothingMoved());
+}
+
+// The limit of the file system is asked for right before.
+TEST_F(TrashFaults, ANameThatCannotBeLookedUpIsNotUsed) {
+    EXPECT_EQ(moveWhile(
+                  [](int /*count*/) {
+                      if (!refuseCall(SYS_newfstatat, EIO))
+                          _exit(1);
+                  },
+                  SYS_fstatfs),
+              "the Trash could not be written to: the disk reports an error");
+    EXPECT_TRUE(nothingMoved());
+}
+
+TEST_F(TrashFaults, NamesFitTheFileSystemOfTheTrash) {
+    file = place / (std::string(200, 'x') + ".log");
+    // A server in user space may report 0.
+    for (const auto& [limit, length] : std::vector<std::pair<int, std::size_t>>{{143, 133}, {0, 204}}) {
+        writeFile(file, "what the file holds");
+        EXPECT_EQ(moveWhile(
+                      [&](int /*count*/) {
+                          auto* facts = reinterpret_cast<struct statfs*>(InterceptedCall::secondArgument);
+                          *facts = {};
+                          facts->f_namelen = limit;
+                          InterceptedCall::answer = 0;
+                      },
+                      SYS_fstatfs),
+                  "moved");
+        ASSERT_EQ(origins().size(), 1U);
+        EXPECT_EQ(origins().begin()->first.size(), length);
+        EXPECT_TRUE(origins().begin()->first.ends_with(".log"));
+        fs::remove_all(trash);
+    }
+}
+
 TEST_F(TrashFaults, AFailedFsyncPutsTheFileBack) {
     makeTrash();
     for (const auto& [errorNumber, reason] : std::vector<std::pair<int, const char*>>{
              {EIO, "the disk reports an error"}, {ENOSPC, "the disk is full"}, {EINTR, "the system was busy"}}) {
-        // The info file is the first to be brought there.
+        // The info file is synced first.
         EXPECT_EQ(moveWithout(SYS_fsync, errorNumber), std::string("the Trash could not be written to: ") + reason);
         EXPECT_TRUE(nothingMoved());
-        // From the move on.
+        // Every sync after the move.
         EXPECT_EQ(moveWhile(failsToSync(errorNumber)), std::string("the disk could not confirm the move: ") + reason);
         EXPECT_EQ(readFile(file), "what the file holds");
         EXPECT_EQ(origins(), Origins());
-        fs::remove_all(trash / "info"); // where the announcement stays, as nobody knows what the disk holds
+        fs::remove_all(trash / "info"); // the info file stays, since it is unknown what is on the disk
         makeTrash();
     }
 }
 
-// Some file systems bring folders to the disk by themselves and say so with these.
-TEST_F(TrashFaults, WhereThereIsNoBringingToTheDiskAreNone) {
+// Errors of file systems that cannot sync folders and need no sync.
+TEST_F(TrashFaults, FileSystemsWithoutFsyncAreSupported) {
     for (const int errorNumber : {EINVAL, ENOSYS, ENOTSUP}) {
         EXPECT_EQ(moveWithout(SYS_fsync, errorNumber), "moved");
         EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
@@ -88,7 +157,7 @@ TEST_F(TrashFaults, WhereThereIsNoBringingToTheDiskAreNone) {
     }
 }
 
-TEST_F(TrashFaults, WhoReplacesTheFileInTheLastMomentGetsItBack) {
+TEST_F(TrashFaults, AReplacementInTheLastMomentIsPutBack) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1) {
                       fs::rename(file, aside);
@@ -140,7 +209,7 @@ TEST_F(TrashFaults, ALinkAFolderOrAPipeInThePlaceOfTheFileIsPutBack) {
     }
 }
 
-TEST_F(TrashFaults, ANameTakenInTheLastMomentIsLeftToWhoTookIt) {
+TEST_F(TrashFaults, ANameTakenInTheLastMomentIsNotOverwritten) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1)
                       fs::rename(other, trash / "files/report.log");
@@ -170,8 +239,8 @@ TEST_F(TrashFaults, ATrashThatIsMovedAwayIsNotUsed) {
     }
 }
 
-// By its origin it would be put back to another folder.
-TEST_F(TrashFaults, WhatCameFromAFolderReplacedInTheLastMomentIsPutBackThere) {
+// Its recorded origin would restore it to another folder.
+TEST_F(TrashFaults, AnItemOfAFolderReplacedInTheLastMomentIsPutBackThere) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1) {
                       fs::rename(place, aside);
@@ -186,8 +255,8 @@ TEST_F(TrashFaults, WhatCameFromAFolderReplacedInTheLastMomentIsPutBackThere) {
     EXPECT_EQ(infoCount(), 0U);
 }
 
-// The call was made, and then the answer was lost.
-TEST_F(TrashFaults, AMoveThatWasMadeAndReportedAsFailedWasMade) {
+// The rename happens, but the call returns an error.
+TEST_F(TrashFaults, AMoveThatIsReportedAsFailedButHappenedCounts) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1)
                       fs::rename(file, trash / "files/report.log");
@@ -201,7 +270,7 @@ TEST_F(TrashFaults, AnInterruptedRenameIsTriedSixteenTimes) {
         const auto moveWithInterruptions = [&](int interruptions) {
             return moveWhile([&](int count) {
                 if (count <= interruptions)
-                    InterceptedCall::refusal = errorNumber;
+                    InterceptedCall::answer = errorNumber;
             });
         };
         EXPECT_EQ(moveWithInterruptions(16), "it could not be moved: the system was busy");
@@ -228,7 +297,7 @@ TEST_F(TrashFaults, AHundredNamesAreTried) {
         writeFile(file, "what the file holds");
         EXPECT_EQ(moveWhile([&](int count) {
                       if (count <= taken)
-                          InterceptedCall::refusal = EEXIST;
+                          InterceptedCall::answer = EEXIST;
                   }),
                   answer);
         ASSERT_EQ(origins().size(), std::string_view(answer) == "moved" ? 1U : 0U);
@@ -243,7 +312,7 @@ TEST_F(TrashFaults, AHundredNamesAreTried) {
     }
 }
 
-// What is there may be what was moved.
+// The item in the Trash may be the moved file.
 TEST_F(TrashFaults, WhatMayHaveBeenMovedKeepsItsOrigin) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1) {
@@ -256,7 +325,7 @@ TEST_F(TrashFaults, WhatMayHaveBeenMovedKeepsItsOrigin) {
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
 }
 
-TEST_F(TrashFaults, AnInfoFileThatIsWrittenByHalfIsNotUsed) {
+TEST_F(TrashFaults, AHalfWrittenInfoFileIsNotUsed) {
     const std::string answer = inChildProcess([&]() -> std::string {
         const rlimit limit{40, 40}; // bytes of a file
         if (std::signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0)
@@ -267,8 +336,8 @@ TEST_F(TrashFaults, AnInfoFileThatIsWrittenByHalfIsNotUsed) {
     EXPECT_TRUE(nothingMoved());
 }
 
-// Whose info file it is that is deleted is looked at.
-TEST_F(TrashFaults, AnInfoFileOfSomebodyElseIsNotDeleted) {
+// The identity of the info file is checked before it is deleted.
+TEST_F(TrashFaults, AnInfoFileOfAnotherProgramIsNotDeleted) {
     EXPECT_EQ(moveWhile([&](int count) {
                   if (count == 1) {
                       fs::rename(file, aside);

@@ -1,4 +1,4 @@
-// Moves one file to the Trash and tells what came of it, so that it can be killed, disturbed and deceived from outside:
+// Moves one file to the Trash and prints the outcome. Scripts kill, disturb and deceive it:
 //   trash_mover FILE TRASH [replaced OTHER ASIDE | retaken OTHER ASIDE | meddled DEED NUMBER]
 // "replaced": when FILE is about to be moved it goes to ASIDE and OTHER takes its place; "retaken": and when what was
 // moved is about to be put back, FILE is back first; "meddled": before the system call NUMBER of the move, counted from
@@ -28,7 +28,7 @@ constexpr int unusable = 2;
 constexpr int misplaced = 3;
 constexpr int over = 4;
 
-// Plain renames, which are not the call that is intercepted; none of them takes the place of a file.
+// Plain renames, which are not intercepted. None of them replaces a file.
 bool deceive(const std::string& how, const std::string& file, const std::string& other, const std::string& aside) {
     const auto move = [](const std::string& from, const std::string& to) {
         if (access(to.c_str(), F_OK) != 0)
@@ -44,7 +44,7 @@ bool deceive(const std::string& how, const std::string& file, const std::string&
     });
 }
 
-// By a call that the move does not make, so that it may fail there and not here.
+// By a call that the move does not use, so that injected failures do not affect it.
 void tell(std::string text) {
     const iovec bytes{text.data(), text.size()};
     static_cast<void>(writev(STDOUT_FILENO, &bytes, 1));
@@ -54,7 +54,7 @@ int move(const vantry::PinnedFile& file, const fs::path& trash) {
     const auto facts = file.facts();
     if (!facts)
         return unusable;
-    static_cast<void>(getppid()); // where the move begins, for who counts its system calls
+    static_cast<void>(getppid()); // marks the start of the move for scripts that count its system calls
     const auto move = vantry::moveToTrash(file, *facts, trash);
     static_cast<void>(getppid());
     switch (move.outcome) {

@@ -1,4 +1,4 @@
-// Other programs that empty the Trash, take something out of it or write to the file while it is moved.
+// Other programs that empty the Trash, take items out of it or write to the file during the move.
 
 #include "tests/platform/linux/DisturbedTrashFixture.h"
 
@@ -21,7 +21,7 @@ constexpr auto takenOut = "another program took it out of the Trash";
 constexpr auto modified = "it was modified after the scan";
 constexpr auto theirInfo = "[Trash Info]\nPath=/their/report.log\nDeletionDate=2026-11-21T09:44:50\n";
 
-// The calls of a move to a Trash that is there.
+// The system calls of a move to an existing Trash.
 constexpr int syncOfInfoFolder = 2;
 constexpr int syncOfSource = 3;
 constexpr int moving = 1;
@@ -38,8 +38,8 @@ protected:
         DisturbedTrashFixture::SetUp();
     }
 
-    /// What comes of a move when `deed` is done before the call, and when what was moved is to be put back its place is
-    /// taken.
+    /// The outcome of a move when `deed` is done before the call, and the place of the file is taken when it is put
+    /// back.
     [[nodiscard]] std::string moveWithItsPlaceTaken(const std::function<void()>& deed) const {
         return moveWhile([&](int count) {
             if (count == moving)
@@ -68,7 +68,7 @@ protected:
         return "misplaced at " + path.native() + ": " + reason;
     }
 
-    /// The folders that a move brings to the disk, one after the other.
+    /// The folders that a move syncs, in order.
     [[nodiscard]] std::vector<std::string> syncs(const std::function<void()>& inBetween) const {
         const fs::path log = root / "syncs";
         const auto before = [&](int count) {
@@ -105,13 +105,13 @@ TEST_F(TrashOthers, AnInfoFileReplacedByAnotherOfItsNamePutsTheFileBack) {
     EXPECT_EQ(readFile(info), theirInfo);
 }
 
-TEST_F(TrashOthers, AnInfoFileRemovedWhileTheDiskWritesPutsTheFileBack) {
+TEST_F(TrashOthers, AnInfoFileRemovedDuringTheSyncPutsTheFileBack) {
     EXPECT_EQ(moveWhileSyncing(syncOfSource, [&] { fs::remove(info); }), changedTrash);
     EXPECT_TRUE(nothingMoved());
 }
 
-// While the disk writes the Trash may be emptied.
-TEST_F(TrashOthers, AFileWithoutItsInfoFileDoesNotWaitInTheTrashForTheDisk) {
+// The Trash may be emptied during the sync.
+TEST_F(TrashOthers, AFileWithoutItsInfoFileIsPutBackBeforeTheSync) {
     const auto failToSync = failsToSync(EIO);
     EXPECT_EQ(moveWhile([&](int count) {
                   failToSync(count);
@@ -129,7 +129,35 @@ TEST_F(TrashOthers, AFileWhoseInfoFileIsGoneBeforeTheMoveIsNotTouched) {
     EXPECT_EQ(fs::last_write_time(place), before);
 }
 
-TEST_F(TrashOthers, AFileThatCannotBePutBackGetsItsInfoFileAnew) {
+TEST_F(TrashOthers, AFileReplacedBeforeTheMoveIsNotTouched) {
+    EXPECT_EQ(moveWhileSyncing(syncOfInfoFolder,
+                               [&] {
+                                   fs::rename(file, aside);
+                                   fs::rename(other, file);
+                               }),
+              "something else is in its place");
+    EXPECT_EQ(readFile(file), "another file");
+    EXPECT_EQ(readFile(aside), "what the file holds");
+    EXPECT_EQ(origins(), Origins());
+}
+
+TEST_F(TrashOthers, AFileThatCannotBeLookedAtInTheTrashIsPutBack) {
+    EXPECT_EQ(moveWhileSyncing(syncOfSource,
+                               [] {
+                                   if (!refuseCall(SYS_statx, EIO))
+                                       _exit(1);
+                               }),
+              "what arrived in the Trash could not be looked at");
+    EXPECT_TRUE(nothingMoved());
+}
+
+TEST_F(TrashOthers, AFileWhoseFolderCannotBeSyncedIsPutBack) {
+    EXPECT_EQ(moveWhileSyncing(syncOfSource, [] { InterceptedCall::answer = EIO; }),
+              "the disk could not confirm the move: the disk reports an error");
+    EXPECT_TRUE(nothingMoved());
+}
+
+TEST_F(TrashOthers, AFileThatCannotBePutBackGetsANewInfoFile) {
     EXPECT_EQ(moveWithItsPlaceTaken([&] { fs::remove(info); }), "moved");
     EXPECT_EQ(readFile(file), "another file");
     EXPECT_EQ(readFile(inTrash), "what the file holds");
@@ -141,6 +169,15 @@ TEST_F(TrashOthers, AFileWithoutAnInfoFileThatCannotBePutBackIsMisplaced) {
     EXPECT_EQ(readFile(file), "another file");
     EXPECT_EQ(readFile(inTrash), "what the file holds");
     EXPECT_EQ(readFile(info), theirInfo);
+}
+
+TEST_F(TrashOthers, AMisplacedFileHasItsWholePathWithoutTheSystemsHelp) {
+    const auto deed = [&] {
+        replaceInfo();
+        if (!refuseCall(SYS_readlink, EACCES))
+            _exit(1);
+    };
+    EXPECT_EQ(moveWithItsPlaceTaken(deed), misplacedAt(inTrash, changedTrash));
 }
 
 TEST_F(TrashOthers, AFileDeletedFromTheTrashIsReportedAsGone) {
@@ -183,7 +220,7 @@ TEST_F(TrashOthers, AFileInATrashThatWasMovedAwayIsReportedWhereItIs) {
     EXPECT_EQ(originIn(readFile(aside / "info/report.log.trashinfo")), file);
 }
 
-TEST_F(TrashOthers, AFileThatIsNotAsItWasCheckedIsNotTouched) {
+TEST_F(TrashOthers, AFileThatChangedSinceTheCheckIsNotTouched) {
     const PinnedFile item = pinned(file);
     const PinnedFileFacts facts = item.facts().value();
     const std::vector<std::function<void(PinnedFileFacts&)>> cases{
@@ -214,7 +251,7 @@ TEST_F(TrashOthers, AFileThatGrowsBeforeTheRenameIsPutBack) {
     EXPECT_EQ(infoCount(), 0U);
 }
 
-TEST_F(TrashOthers, AFileThatGrowsWhileTheDiskWritesIsPutBack) {
+TEST_F(TrashOthers, AFileThatGrowsDuringTheSyncIsPutBack) {
     EXPECT_EQ(moveWhileSyncing(syncOfSource, [&] { append(inTrash, " and more"); }), modified);
     EXPECT_EQ(readFile(file), "what the file holds and more");
     EXPECT_EQ(origins(), Origins());
@@ -227,7 +264,7 @@ TEST_F(TrashOthers, AChangedFileThatCannotBePutBackIsInTheTrash) {
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
 }
 
-TEST_F(TrashOthers, AFileThatTheDiskDoesNotConfirmAndThatCannotBePutBackIsInTheTrash) {
+TEST_F(TrashOthers, AFileThatCannotBeSyncedOrPutBackIsInTheTrash) {
     const auto failToSync = failsToSync(EIO);
     EXPECT_EQ(moveWithItsPlaceTaken([&] { failToSync(moving); }), "moved");
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
@@ -245,11 +282,17 @@ TEST_F(TrashOthers, AFileOfAFolderThatWasMovedAndThatCannotBePutBackIsInTheTrash
     EXPECT_EQ(origins(), (Origins{{"report.log", file}}));
 }
 
-TEST_F(TrashOthers, TheFolderThatIsLeftGoesToTheDiskFirst) {
+TEST_F(TrashOthers, TheSourceFolderIsSyncedFirst) {
     EXPECT_EQ(syncs([] {}), (std::vector<std::string>{"moved", "report.log.trashinfo", "info", "place", "files"}));
 }
 
-TEST_F(TrashOthers, TheTrashGoesToTheDiskFirstWhenTheFileIsPutBack) {
+TEST_F(TrashOthers, TheFoldersOfANewTrashAreOnTheDiskBeforeTheMove) {
+    fs::remove_all(root / "data");
+    EXPECT_EQ(syncs([] {}), (std::vector<std::string>{"moved", root.filename(), "data", "Trash", "Trash",
+                                                      "report.log.trashinfo", "info", "place", "files"}));
+}
+
+TEST_F(TrashOthers, TheTrashIsSyncedFirstWhenTheFileIsPutBack) {
     EXPECT_EQ(syncs([&] { fs::remove(info); }), (std::vector<std::string>{changedTrash, "report.log.trashinfo", "info",
                                                                           "place", "files", "files", "place"}));
 }

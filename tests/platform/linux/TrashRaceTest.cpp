@@ -1,6 +1,6 @@
-// Somebody exchanges or writes to the file, or exchanges its folder, a folder above, the Trash or a folder of it all
-// the time while the file is moved. After each round each file has to be where somebody put it, or in the Trash with a
-// complete info file. OMBREL_RACE_ROUNDS sets how many rounds there are, and has the answers printed.
+// An attacker keeps exchanging or writing to the file, or exchanging its folder, a parent folder, the Trash or a folder
+// of it, while the file is moved. After each round each file must be where the attacker put it, or in the Trash with a
+// complete info file. OMBREL_RACE_ROUNDS sets the number of rounds and prints the outcomes.
 
 #include "tests/platform/linux/TrashFixture.h"
 
@@ -48,8 +48,8 @@ ino_t numberOf(const fs::path& path) {
     return lstat(path.c_str(), &facts) == 0 ? facts.st_ino : 0;
 }
 
-/// Keeps two threads apart, the one that makes it and one that joins it: on one processor they would take turns, and
-/// neither would ever come in between two steps of the other. Does nothing where there is only one.
+/// Pins two threads to different processors, the one that creates this and one that joins it: on one processor they
+/// would take turns, and neither would run between two steps of the other. Does nothing if there is only one.
 class TwoProcessors {
 public:
     TwoProcessors() {
@@ -82,8 +82,8 @@ private:
     std::vector<int> all_;
 };
 
-/// Does one thing over and over in a thread of its own, while it is let: with pauses of every length that a move may
-/// take, the first of them before the first time.
+/// Repeats an action in its own thread until it is destroyed, with pauses of every length that a move may take; the
+/// first pause comes before the first action.
 class RacingAttacker {
 public:
     explicit RacingAttacker(std::function<void()> attack)
@@ -152,7 +152,7 @@ std::uint64_t rounds() {
     return text && std::from_chars(text, text + std::strlen(text), number).ec == std::errc() ? number : usual;
 }
 
-/// One thing that must not be lost: where it belongs, and where an attacker may put it.
+/// An item that must not be lost: its place, and where an attacker may put it.
 struct Item {
     fs::path home;
     std::vector<fs::path> places;
@@ -322,7 +322,7 @@ TEST_F(TrashRace, WhileTheFileIsExchangedWithAPipe) {
     expectNothingLostWhileTheFileIsExchangedWith(aside / "pipe");
 }
 
-// By a descriptor, so that what is in the Trash may change as well.
+// By a descriptor, so that the file may also change in the Trash.
 TEST_F(TrashRace, WhileAnotherProgramWritesToTheFile) {
     const UniqueFd written(open(file.c_str(), O_WRONLY | O_CLOEXEC));
     keep(file, {});
@@ -334,7 +334,7 @@ TEST_F(TrashRace, WhileAnotherProgramWritesToTheFile) {
         wasModified);
 }
 
-// What was moved then finds its name taken when it is put back.
+// A file that is put back then finds its name taken.
 TEST_F(TrashRace, WhileTheFileGoesAndComesBackAndAnotherHasItsNameMeanwhile) {
     const fs::path other = aside / "other";
     const fs::path away = aside / "away";

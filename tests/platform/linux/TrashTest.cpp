@@ -8,6 +8,7 @@
 #include "tests/support/TestSystem.h"
 
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <fcntl.h>
 #include <fstream>
@@ -365,8 +366,12 @@ TEST_F(TrashTest, IsNeverOneOnAnotherFileSystem) {
         GTEST_SKIP() << "one file system only";
     const TemporaryFolder elsewhere(other);
     trash = fs::canonical(elsewhere.path()) / "Trash";
+    makeTrash();
+    const auto before = fs::last_write_time(trash / "info") - std::chrono::hours(1);
+    fs::last_write_time(trash / "info", before);
     EXPECT_EQ(move(file), "it is on another file system than the Trash");
     EXPECT_TRUE(nothingMoved());
+    EXPECT_EQ(fs::last_write_time(trash / "info"), before) << "no info file was made";
 }
 
 // Two mounts of one device, between which nothing is renamed.

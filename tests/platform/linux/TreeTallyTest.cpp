@@ -27,7 +27,7 @@ SystemTime at(std::int64_t nanoseconds) { return SystemTime(std::chrono::nanosec
 
 } // namespace
 
-TEST(TreeTally, OfNothingIsNothing) {
+TEST(TreeTally, IsEmptyAtFirst) {
     const std::array<TreeTally, 2> tallies;
     EXPECT_EQ(TreeTally::sum(tallies, true), TreeTotals{.complete = true});
     EXPECT_EQ(TreeTally::sum(tallies, false), TreeTotals{});
@@ -54,7 +54,7 @@ TEST(TreeTally, IsNotCompleteWhenAThreadIsNotDoneOrMissedSomething) {
     EXPECT_EQ(TreeTally::sum(tallies, true).allocatedBytes, 4096);
 }
 
-TEST(TreeTally, HoldsASumThatOverflowsAndIsNotComplete) {
+TEST(TreeTally, ClampsAnOverflowAndIsIncomplete) {
     const struct {
         std::uint64_t first; ///< blocks, counted by one thread
         std::uint64_t second;
@@ -86,7 +86,7 @@ TEST(TreeTally, HoldsASumThatOverflowsAndIsNotComplete) {
     }
 }
 
-TEST(TreeTally, HoldsDatesThatLieOutsideAtTheNearerEnd) {
+TEST(TreeTally, ClampsDatesOutOfRange) {
     const struct {
         std::int64_t seconds;
         std::uint32_t nanoseconds;

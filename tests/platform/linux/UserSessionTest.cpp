@@ -126,7 +126,7 @@ TEST(UserRuntimeFolder, IsMadeInTheTemporaryFolderWithoutOneOfTheSession) {
     }
 }
 
-TEST(UserRuntimeFolder, IsPrivateWhateverTheUsersMaskForNewFiles) {
+TEST(UserRuntimeFolder, IsPrivateWhateverTheUmask) {
     const std::string answer = asUnknownUser([](uid_t) {
         umask(0);
         unsetenv("XDG_RUNTIME_DIR");

@@ -84,7 +84,7 @@ wallpaper {
 
 } // namespace
 
-TEST(WallpaperSettings, TakeAFileUrlOrAnAbsolutePath) {
+TEST(WallpaperSettings, AcceptAFileUrlOrAnAbsolutePath) {
     const struct {
         std::string_view text;
         Picture path;
@@ -143,7 +143,7 @@ constexpr const char* slideshow = R"(<?xml version="1.0"?>
   </static>
 </background>)";
 
-TEST(WallpaperSettings, OfASlideshowNameThePictureOfTheMoment) {
+TEST(WallpaperSettings, OfASlideshowNameItsCurrentPicture) {
     const ScopedEnvironment zone("TZ", "HERE-2");
     constexpr std::int64_t start = 1'769'839'200; // 2026-01-31T08:00:00 two hours east of Greenwich
     constexpr double round = 3590 + 10.5 + 600;
@@ -164,7 +164,7 @@ TEST(WallpaperSettings, OfASlideshowNameThePictureOfTheMoment) {
             << seconds;
 }
 
-TEST(WallpaperSettings, OfASlideshowThatIsNoneNameNoPicture) {
+TEST(WallpaperSettings, OfAnInvalidSlideshowNameNoPicture) {
     const std::string slide = "<static><duration>5</duration><file>/a.png</file></static>";
     EXPECT_EQ(slideshowPicture(slide, 0), std::filesystem::path("/a.png"));
     EXPECT_EQ(slideshowPicture("<static><duration>0</duration><file>/a.png</file></static>", 7),
@@ -224,7 +224,7 @@ TEST(WallpaperSettings, OfHyprlandNameThePictureOfTheScreenOrOfAll) {
         EXPECT_EQ(hyprlandPicture(text, "eDP-1", "/home/a"), std::nullopt) << text;
 }
 
-TEST(WallpaperSettings, OfFehAreTheCommandThatItWasLastGiven) {
+TEST(WallpaperSettings, OfFehAreItsLastCommand) {
     const struct {
         std::string_view script;
         Picture picture;

@@ -1,4 +1,4 @@
-#include "platform/WriteProtection.h"
+#include "platform/Sandbox.h"
 
 #include "base/UniqueFd.h"
 #include "platform/DirectoryWalk.h"
@@ -114,12 +114,12 @@ protected:
     GTEST_SKIP() << "this kernel has no Landlock"
 
 // What the tests below rely on: that each attempt is one that succeeds with the right to it.
-TEST_F(WriteProtection, IsNeededForEveryAttempt) {
+TEST_F(WriteProtection, AllTheseAttemptsSucceedWithoutIt) {
     for (const auto& [name, make] : changes())
         EXPECT_EQ(make(), 0) << name;
 }
 
-TEST_F(WriteProtection, LetsNothingBeChanged) {
+TEST_F(WriteProtection, PreventsEveryChange) {
     SKIP_WITHOUT_LANDLOCK();
     const std::string before = content();
     EXPECT_EQ(inChildProcess([&] { return giveUpChangingFiles() ? "gave up\n" + succeeded() : "did not"; }),
@@ -127,7 +127,7 @@ TEST_F(WriteProtection, LetsNothingBeChanged) {
     EXPECT_EQ(content(), before);
 }
 
-TEST_F(WriteProtection, LetsNoLengthBeChanged) {
+TEST_F(WriteProtection, PreventsTruncation) {
     if (landlockVersion() < 3)
         GTEST_SKIP() << "this kernel's Landlock knows no truncation";
     EXPECT_EQ(inChildProcess([&]() -> std::string {
@@ -139,7 +139,7 @@ TEST_F(WriteProtection, LetsNoLengthBeChanged) {
     EXPECT_EQ(readFile(path("file")), "content");
 }
 
-TEST_F(WriteProtection, LetsEverythingBeRead) {
+TEST_F(WriteProtection, AllowsReading) {
     SKIP_WITHOUT_LANDLOCK();
     EXPECT_EQ(inChildProcess([&]() -> std::string {
                   if (!giveUpChangingFiles())
@@ -153,7 +153,7 @@ TEST_F(WriteProtection, LetsEverythingBeRead) {
               "content 10 6 complete");
 }
 
-TEST_F(WriteProtection, LeavesWhatIsOpenForWriting) {
+TEST_F(WriteProtection, KeepsOpenDescriptorsWritable) {
     SKIP_WITHOUT_LANDLOCK();
     EXPECT_EQ(inChildProcess([&]() -> std::string {
                   const UniqueFd file(open(path("file").c_str(), O_WRONLY | O_CLOEXEC));
@@ -166,7 +166,7 @@ TEST_F(WriteProtection, LeavesWhatIsOpenForWriting) {
               "Cont");
 }
 
-TEST_F(WriteProtection, HoldsForThreadsAndProcessesThatComeAfterwards) {
+TEST_F(WriteProtection, AppliesToLaterThreadsAndProcesses) {
     SKIP_WITHOUT_LANDLOCK();
     EXPECT_EQ(inChildProcess([&] {
                   if (!giveUpChangingFiles())
@@ -180,7 +180,7 @@ TEST_F(WriteProtection, HoldsForThreadsAndProcessesThatComeAfterwards) {
               "none");
 }
 
-TEST_F(WriteProtection, CanBeAskedForTwice) {
+TEST_F(WriteProtection, MayBeRequestedTwice) {
     SKIP_WITHOUT_LANDLOCK();
     EXPECT_EQ(inChildProcess([&] {
                   return giveUpChangingFiles() && giveUpChangingFiles() ? "gave up\n" + succeeded() : "did not";
@@ -210,7 +210,7 @@ TEST_F(WriteProtection, IsUnsupportedByAKernelWithoutIt) {
                   "unsupported");
 }
 
-TEST_F(WriteProtection, SaysThatItWasRefused) {
+TEST_F(WriteProtection, ReportsARefusal) {
     SKIP_WITHOUT_LANDLOCK();
     const auto errorAfter = [](const std::function<bool()>& prepare) {
         return inChildProcess([&]() -> std::string {

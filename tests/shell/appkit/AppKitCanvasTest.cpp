@@ -1,5 +1,5 @@
-// What the canvas of macOS asks of Core Graphics, checked where there is none: the same view drawn on the recording
-// canvas and, through Core Graphics calls, on a stand-in has to give the same operations in the same order.
+// Checks the Core Graphics calls of the macOS canvas on systems without Core Graphics: a view drawn on the recording
+// canvas and, through these calls, on a stand-in must give the same operations in the same order.
 
 #include "shell/appkit/AppKitCanvas.h"
 #include "rendering/SolidSwatchView.h"
@@ -20,7 +20,7 @@ Color resolved(const Color& color) {
     return color;
 }
 
-/// With the values in place of the roles, which Core Graphics does not know.
+/// Replaces roles by their values, because Core Graphics does not know roles.
 Drawing resolved(Drawing drawing) {
     for (DrawCall& call : drawing) {
         if (auto* fill = std::get_if<drawn::Fill>(&call))
@@ -58,7 +58,7 @@ constexpr Rect area{2, 3, 40, 10};
 
 } // namespace
 
-TEST(AppKitCanvas, EveryOperationOnEveryShapeIsWhatItSays) {
+TEST(AppKitCanvas, EveryOperationOnEveryShapeMakesItsCalls) {
     const Shape shapes[] = {area, RoundedRect{area, 4}, Ellipse{area}};
     for (const Shape& shape : shapes)
         expectTheSamePicture("shape " + std::to_string(shape.index()), [&](Canvas& canvas) {
@@ -91,12 +91,12 @@ TEST(AppKitCanvas, TextKeepsItsFontColourAndPlace) {
     });
 }
 
-TEST(AppKitCanvas, CornersThatDoNotFitAreCutBack) {
+TEST(AppKitCanvas, LargeCornerRadiiAreReduced) {
     for (const Rect& rect : {Rect{0, 0, 1, 7}, Rect{0, 0, 7, 1}, Rect{0, 0, 0, 7}})
         expectTheSamePicture("corners", [&](Canvas& canvas) { canvas.fill(RoundedRect{rect, 3.5}, Rgba{}); });
 }
 
-TEST(AppKitCanvas, TheBarIsDrawnAsTheRecordingCanvasHasIt) {
+TEST(AppKitCanvas, TheBarIsDrawnAsOnTheRecordingCanvas) {
     for (const auto& style : allBarStyles)
         for (const auto& sizing : allSegmentSizings)
             for (const auto appearance : {Appearance::light, Appearance::dark})
@@ -111,7 +111,7 @@ TEST(AppKitCanvas, TheBarIsDrawnAsTheRecordingCanvasHasIt) {
                     }
 }
 
-TEST(AppKitCanvas, TheSwatchesAreDrawnAsTheRecordingCanvasHasThem) {
+TEST(AppKitCanvas, TheSwatchesAreDrawnAsOnTheRecordingCanvas) {
     for (const auto kind : {SolidSwatchView::Kind::used, SolidSwatchView::Kind::available})
         for (const auto& style : allBarStyles) {
             SolidSwatchView view(kind);

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-// What a reference points to, here.
+// What the opaque references of Core Graphics point to.
 struct CGContext {};
 struct CGColorSpace {
     bool isSrgb;
@@ -33,7 +33,7 @@ struct LinearGradient {
     CGPoint end;
 };
 
-/// What saving the state keeps. The path is no part of it.
+/// The state that SaveGState keeps. The path is not part of it.
 struct GraphicsState {
     std::optional<Rgba> fillColor;
     std::optional<Rgba> strokeColor;
@@ -42,7 +42,7 @@ struct GraphicsState {
 
 struct Record {
     Drawing calls;
-    std::vector<std::pair<std::size_t, LinearGradient>> gradients; ///< with their places among the calls
+    std::vector<std::pair<std::size_t, LinearGradient>> gradients; ///< with their positions among the calls
     GraphicsState state;
     std::vector<GraphicsState> saved;
     std::optional<Shape> path; ///< begun; empty until something is added
@@ -161,7 +161,7 @@ CGColorRef CGColorCreateSRGB(CGFloat red, CGFloat green, CGFloat blue, CGFloat a
 
 void CGColorRelease(CGColorRef color) { release(color); }
 
-// Ends the process on a Mac for corners that do not fit.
+// Core Graphics aborts when the radius is larger than half a side.
 CGPathRef CGPathCreateWithRoundedRect(CGRect rect, CGFloat cornerWidth, CGFloat cornerHeight,
                                       const CGAffineTransform* transform) {
     if (cornerWidth < 0 || cornerHeight < 0 || 2 * cornerWidth > rect.size.width ||

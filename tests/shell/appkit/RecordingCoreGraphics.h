@@ -4,9 +4,9 @@
 
 namespace vantry {
 
-/// Stands in for the few functions of Core Graphics that `AppKitCanvas` calls. It keeps the state that they change
-/// (colours, line width, the path) and writes down what is painted with it, as a canvas operation would have it: what
-/// is wrong or out of order gives another picture. For one test at a time.
+/// Implements the few functions of Core Graphics that `AppKitCanvas` calls. It keeps the state that they change
+/// (colours, line width, the path) and records what is painted as canvas operations, so that a wrong or misplaced call
+/// gives a different record. For one test at a time.
 class RecordingCoreGraphics {
 public:
     RecordingCoreGraphics();
@@ -14,15 +14,15 @@ public:
     RecordingCoreGraphics& operator=(const RecordingCoreGraphics&) = delete;
     ~RecordingCoreGraphics();
 
-    /// A gradient is one operation, with the clip and the states around it, if they are as they have to be.
+    /// A gradient is one operation, if the clip and the saved state around it are correct.
     [[nodiscard]] Drawing calls() const;
-    /// Colours, paths, gradients and colour spaces that were created and not released.
+    /// The number of colours, paths, gradients and colour spaces that were not released.
     [[nodiscard]] int livingObjects() const;
-    /// What would have ended the process on a Mac, or painted with a path that is not there; empty when all was well.
+    /// Calls that would abort on a Mac or paint without a path; empty if there were none.
     [[nodiscard]] std::string mistakes() const;
 };
 
-/// The value that the stand-in gives a role.
+/// The value of a role in these tests.
 [[nodiscard]] Rgba colorOfRole(SystemColor role);
 
 } // namespace vantry

@@ -66,7 +66,7 @@ TEST_F(AlertSheetTest, BlocksItsWindowAndNamesItself) {
     EXPECT_EQ(sheet()->accessibleDescription(), QStringLiteral("This moves approximately 3 MB."));
 }
 
-TEST_F(AlertSheetTest, TheFirstButtonIsWhatReturnMeans) {
+TEST_F(AlertSheetTest, ReturnPressesTheFirstButton) {
     show(cannedFiles(6));
     ask();
     EXPECT_TRUE(button(QStringLiteral("Move to Trash"))->isDefault());
@@ -75,7 +75,7 @@ TEST_F(AlertSheetTest, TheFirstButtonIsWhatReturnMeans) {
     EXPECT_THAT(answers, ElementsAre(AlertAnswer::first));
 }
 
-TEST_F(AlertSheetTest, EscapeIsTheLastButton) {
+TEST_F(AlertSheetTest, EscapePressesTheLastButton) {
     show(cannedFiles(6));
     ask();
     press(sheet(), Qt::Key_Escape);
@@ -85,7 +85,7 @@ TEST_F(AlertSheetTest, EscapeIsTheLastButton) {
     EXPECT_THAT(reports, IsEmpty()) << "the window has heard of it";
 }
 
-TEST_F(AlertSheetTest, ClosingItsWindowIsTheLastButton) {
+TEST_F(AlertSheetTest, ClosingItsWindowAnswersWithTheLastButton) {
     show(cannedFiles(6));
     ask();
     window.close();
@@ -95,15 +95,15 @@ TEST_F(AlertSheetTest, ClosingItsWindowIsTheLastButton) {
     EXPECT_FALSE(sheet());
 }
 
-TEST_F(AlertSheetTest, AskingWhileTheWindowIsClosedIsAnsweredWithTheLastButton) {
-    window.render(cannedFiles(6));
+TEST_F(AlertSheetTest, AskingWhileTheWindowIsClosedAnswersWithTheLastButton) {
+    window.renderCleanupWindow(cannedFiles(6));
     ask();
     EXPECT_THAT(answers, IsEmpty());
     settle();
     EXPECT_THAT(answers, ElementsAre(AlertAnswer::last));
 }
 
-TEST_F(AlertSheetTest, ASecondOneAnswersTheFirst) {
+TEST_F(AlertSheetTest, ASecondSheetAnswersTheFirst) {
     show(cannedFiles(6));
     ask();
     ask();
@@ -149,7 +149,7 @@ TEST_F(AlertSheetTest, LongNamesLeaveRoomForTheLastSentenceAndTheButton) {
     }
 }
 
-TEST_F(AlertSheetTest, ATextThatFitsIsShownAsItIs) {
+TEST_F(AlertSheetTest, ATextThatFitsIsShownUnchanged) {
     show(cannedFiles(6));
     tell("old.log: the file changed\n\nNo items were changed.");
     QLabel* shown = label(QStringLiteral("old.log: the file changed\n\nNo items were changed."));
@@ -157,7 +157,7 @@ TEST_F(AlertSheetTest, ATextThatFitsIsShownAsItIs) {
     EXPECT_TRUE(shown->toolTip().isEmpty());
 }
 
-TEST_F(AlertSheetTest, NothingIsLeftOverTheWindowAfterwards) {
+TEST_F(AlertSheetTest, NothingCoversTheWindowAfterwards) {
     show(cannedFiles(6));
     const auto children = window.children().size();
     ask();

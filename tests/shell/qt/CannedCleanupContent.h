@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cleanup/model/CleanupArea.h"
 #include "cleanup/model/CleanupAvenue.h"
+#include "cleanup/model/CleanupCategory.h"
 #include "cleanup/window/CleanupWindowContent.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace vantry {
 
-/// The row of the candidate with a number: every third can be selected, every fifth of the others is protected.
+/// The row of candidate `number`: every third can be selected, every fifth of the others is protected.
 [[nodiscard]] inline CandidateRowContent cannedCandidate(int number) {
     CandidateRowContent row;
     const std::string name = std::to_string(number);
@@ -20,6 +20,7 @@ namespace vantry {
     row.sizeText = "Uses " + std::to_string(100 + number * 7 % 900) + "." + std::to_string(number % 10) + " MB";
     row.tooltip = "/home/somebody/Downloads/" + row.title;
     row.revealAccessibilityLabel = "Reveal " + row.title + " in Finder";
+    row.revealTooltip = "Reveal in Finder";
     if (number % 3 == 0) {
         row.kind = CandidateRowContent::Kind::lowRisk;
         row.selectionAccessibilityLabel = "Select low-risk file " + row.title;
@@ -48,7 +49,7 @@ namespace vantry {
             .subtitle = std::string(area.subtitle)};
 }
 
-/// The window with so many candidates, in sections of the first areas.
+/// A content with `count` candidates, in sections of the first areas.
 [[nodiscard]] inline CleanupWindowContent cannedFiles(int count) {
     CleanupWindowContent content;
     content.macStorageCard.value = "334.38 GB";
@@ -74,7 +75,7 @@ namespace vantry {
     return content;
 }
 
-/// The other mode, with every avenue of the catalog.
+/// The Storage Guide, with every avenue of the catalog.
 [[nodiscard]] inline CleanupWindowContent cannedGuide() {
     CleanupWindowContent content = cannedFiles(0);
     content.modeControl = CleanupWindowMode::storageGuide;

@@ -42,6 +42,8 @@ TEST(CleanupLook, ATextIsAsHighAsItsLines) {
     EXPECT_EQ(wrappedHeight(metrics, QString(), 100), 0);
     EXPECT_EQ(wrappedHeight(metrics, QStringLiteral("one"), 1000), metrics.height());
     EXPECT_GT(wrappedHeight(metrics, QStringLiteral("one two three four five six"), 60), metrics.height());
+    EXPECT_EQ(wrappedHeight(metrics, QStringLiteral("one\ntwo"), 1000), metrics.height() + metrics.lineSpacing())
+        << "though both lines would fit beside each other";
 }
 
 } // namespace vantry

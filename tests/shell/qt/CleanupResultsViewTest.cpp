@@ -33,9 +33,9 @@ QAccessibleInterface* accessible(QObject* object) { return QAccessible::queryAcc
 
 } // namespace
 
-TEST_F(CleanupResultsViewTest, RowsInSightAreBuiltAtOnceAndTheOthersLater) {
+TEST_F(CleanupResultsViewTest, VisibleRowsAreBuiltAtOnceAndTheOthersLater) {
     show(cannedFiles(0));
-    window.render(cannedFiles(400));
+    window.renderCleanupWindow(cannedFiles(400));
     const int atOnce = window.results().builtRowCount();
     EXPECT_GT(atOnce, 2);
     EXPECT_LT(atOnce, 60);
@@ -44,9 +44,9 @@ TEST_F(CleanupResultsViewTest, RowsInSightAreBuiltAtOnceAndTheOthersLater) {
     buildAll();
 }
 
-TEST_F(CleanupResultsViewTest, TheEventLoopGoesOnBetweenTheSlices) {
+TEST_F(CleanupResultsViewTest, TheEventLoopRunsBetweenTheSlices) {
     show(cannedFiles(0));
-    window.render(cannedFiles(4000));
+    window.renderCleanupWindow(cannedFiles(4000));
     int beats = 0;
     QTimer heart;
     QObject::connect(&heart, &QTimer::timeout, [&] {
@@ -60,28 +60,28 @@ TEST_F(CleanupResultsViewTest, TheEventLoopGoesOnBetweenTheSlices) {
 
 TEST_F(CleanupResultsViewTest, NothingMovesWhileRowsAreBuilt) {
     show(cannedFiles(0));
-    window.render(cannedFiles(400));
+    window.renderCleanupWindow(cannedFiles(400));
     const int height = window.results().widget()->height();
     buildAll();
     EXPECT_EQ(window.results().widget()->height(), height);
 }
 
-TEST_F(CleanupResultsViewTest, RowsThatAreScrolledToAreThereAtOnce) {
+TEST_F(CleanupResultsViewTest, ScrollingBuildsTheRowsThatBecomeVisible) {
     show(cannedFiles(0));
-    window.render(cannedFiles(400));
+    window.renderCleanupWindow(cannedFiles(400));
     auto* bar = window.results().verticalScrollBar();
     bar->setValue(bar->maximum());
     EXPECT_TRUE(window.results().row(399));
     EXPECT_FALSE(window.results().row(200));
-    window.scrollResultsToTop();
+    window.scrollCleanupResultsToTop();
     EXPECT_EQ(bar->value(), 0);
 }
 
-TEST_F(CleanupResultsViewTest, TheKeyboardGoesThroughTheRowsInTheirOrderHoweverTheyWereBuilt) {
+TEST_F(CleanupResultsViewTest, TabVisitsTheRowsInOrderHoweverTheyWereBuilt) {
     show(cannedFiles(0));
-    window.render(cannedFiles(100));
+    window.renderCleanupWindow(cannedFiles(100));
     auto* bar = window.results().verticalScrollBar();
-    bar->setValue(bar->maximum()); // builds the last ones before those in the middle
+    bar->setValue(bar->maximum()); // builds the last rows before those in the middle
     buildAll();
     QWidget* at = control(0, 0);
     for (int row = 0; row < 100; ++row)
@@ -93,7 +93,7 @@ TEST_F(CleanupResultsViewTest, TheKeyboardGoesThroughTheRowsInTheirOrderHoweverT
         }
 }
 
-TEST_F(CleanupResultsViewTest, RenderingASelectionTouchesItsRowAlone) {
+TEST_F(CleanupResultsViewTest, RenderingASelectionRepaintsOnlyItsRow) {
     CleanupWindowContent content = cannedFiles(30);
     show(content);
     buildAll();
@@ -103,7 +103,7 @@ TEST_F(CleanupResultsViewTest, RenderingASelectionTouchesItsRowAlone) {
         window.results().row(row)->installEventFilter(&counter);
     CleanupRowView* const before = window.results().row(0);
     firstLowRisk(content).selected = true;
-    window.render(content);
+    window.renderCleanupWindow(content);
     settle();
     EXPECT_EQ(window.results().row(0), before);
     EXPECT_TRUE(static_cast<QCheckBox*>(control(0, 0))->isChecked());
@@ -120,7 +120,7 @@ TEST_F(CleanupResultsViewTest, TickingABoxReportsAndTheContentDecides) {
     EXPECT_FALSE(box->isChecked()) << "the content does not say so";
     onSelection = [&] {
         firstLowRisk(content).selected = true;
-        window.render(content);
+        window.renderCleanupWindow(content);
     };
     box->setFocus();
     press(box, Qt::Key_Space);
@@ -128,9 +128,9 @@ TEST_F(CleanupResultsViewTest, TickingABoxReportsAndTheContentDecides) {
     EXPECT_EQ(window.focusWidget(), box);
 }
 
-TEST_F(CleanupResultsViewTest, AReportMayTakeItsOwnRowAway) {
+TEST_F(CleanupResultsViewTest, AReportMayRemoveItsOwnRow) {
     show(cannedFiles(6));
-    onSelection = [&] { window.render(cannedScan()); };
+    onSelection = [&] { window.renderCleanupWindow(cannedScan()); };
     static_cast<QCheckBox*>(control(0, 0))->click();
     settle();
     EXPECT_EQ(window.results().rowCount(), 0);
@@ -139,7 +139,7 @@ TEST_F(CleanupResultsViewTest, AReportMayTakeItsOwnRowAway) {
 TEST_F(CleanupResultsViewTest, TheOtherControlsReport) {
     show(cannedFiles(6));
     static_cast<QAbstractButton*>(control(1, 0))->click();
-    window.render(cannedGuide());
+    window.renderCleanupWindow(cannedGuide());
     buildAll();
     for (int row = 0; row < window.results().rowCount(); ++row)
         for (QWidget* each : window.results().row(row)->controls())
@@ -148,7 +148,7 @@ TEST_F(CleanupResultsViewTest, TheOtherControlsReport) {
     EXPECT_THAT(reports, ElementsAre("reveal candidate-1", "open photos"));
 }
 
-TEST_F(CleanupResultsViewTest, WhenARowGoesItsNeighbourGetsTheKeyboard) {
+TEST_F(CleanupResultsViewTest, WhenARowIsRemovedItsNeighbourGetsTheFocus) {
     CleanupWindowContent content = cannedFiles(30);
     show(content);
     buildAll();
@@ -156,18 +156,18 @@ TEST_F(CleanupResultsViewTest, WhenARowGoesItsNeighbourGetsTheKeyboard) {
     CleanupRowView* const next = window.results().row(4);
     auto& rows = content.sections.at(0).candidates;
     rows.erase(rows.begin() + 3);
-    window.render(content);
+    window.renderCleanupWindow(content);
     EXPECT_EQ(window.results().row(3), next);
     EXPECT_EQ(window.focusWidget(), next->controls().front());
 }
 
-TEST_F(CleanupResultsViewTest, RowsThatStayAreTheSameWidgets) {
+TEST_F(CleanupResultsViewTest, RemainingRowsStayTheSameWidgets) {
     CleanupWindowContent content = cannedFiles(30);
     show(content);
     buildAll();
     CleanupRowView* const last = window.results().row(29);
     content.sections.erase(content.sections.begin());
-    window.render(content);
+    window.renderCleanupWindow(content);
     buildAll();
     EXPECT_EQ(window.results().row(window.results().rowCount() - 1), last);
 }
@@ -183,7 +183,7 @@ TEST_F(CleanupResultsViewTest, UpAndDownKeepTheColumn) {
     EXPECT_EQ(window.focusWidget(), reveal);
 }
 
-TEST_F(CleanupResultsViewTest, DownPassesOverButtonsThatAreDisabled) {
+TEST_F(CleanupResultsViewTest, DownSkipsDisabledButtons) {
     CleanupWindowContent content = cannedGuide();
     auto& rows = content.sections.at(1).avenues; // all of its rows have a button
     for (auto& row : rows)
@@ -196,7 +196,7 @@ TEST_F(CleanupResultsViewTest, DownPassesOverButtonsThatAreDisabled) {
     EXPECT_EQ(window.focusWidget(), control(first + 3, 0));
 }
 
-TEST_F(CleanupResultsViewTest, WhatGetsTheKeyboardIsScrolledIntoView) {
+TEST_F(CleanupResultsViewTest, TheFocusedControlIsScrolledIntoView) {
     show(cannedFiles(100));
     buildAll();
     ASSERT_TRUE(runUntil([&] { return window.isActiveWindow(); }));
@@ -208,7 +208,7 @@ TEST_F(CleanupResultsViewTest, WhatGetsTheKeyboardIsScrolledIntoView) {
     EXPECT_EQ(window.results().verticalScrollBar()->value(), 0);
 }
 
-TEST_F(CleanupResultsViewTest, WhatIsAtTheTopStaysThereWhenTheWindowGetsNarrower) {
+TEST_F(CleanupResultsViewTest, TheTopRowStaysThereWhenTheWindowGetsNarrower) {
     show(cannedFiles(100));
     buildAll();
     window.results().verticalScrollBar()->setValue(2000);
@@ -224,7 +224,7 @@ TEST_F(CleanupResultsViewTest, WhatIsAtTheTopStaysThereWhenTheWindowGetsNarrower
     EXPECT_LE(y, 160);
 }
 
-TEST_F(CleanupResultsViewTest, TheEmptyStateStandsRaisedInTheMiddle) {
+TEST_F(CleanupResultsViewTest, TheEmptyStateIsSlightlyAboveTheMiddle) {
     show(cannedScan());
     auto* content = window.results().widget();
     QWidget* block = nullptr;
@@ -239,7 +239,7 @@ TEST_F(CleanupResultsViewTest, TheEmptyStateStandsRaisedInTheMiddle) {
     EXPECT_EQ(content->height(), window.results().viewport()->height()) << "there is nothing to scroll";
 }
 
-TEST_F(CleanupResultsViewTest, AScreenReaderHearsEverythingOfARow) {
+TEST_F(CleanupResultsViewTest, ScreenReadersGetTheWholeRow) {
     show(cannedFiles(6));
     auto* row = accessible(window.results().row(0));
     EXPECT_EQ(row->role(), QAccessible::ListItem);
@@ -259,10 +259,10 @@ TEST_F(CleanupResultsViewTest, AScreenReaderHearsEverythingOfARow) {
     EXPECT_EQ(reveal->text(QAccessible::Name), QStringLiteral("Reveal Installer 0.dmg in Finder"));
     EXPECT_EQ(control(0, 0)->objectName(), QStringLiteral("candidate-0"));
     EXPECT_EQ(control(0, 1)->objectName(), QStringLiteral("candidate-0"));
-    EXPECT_EQ(control(0, 1)->toolTip(), QString::fromUtf8(revealTooltip));
+    EXPECT_EQ(control(0, 1)->toolTip(), QStringLiteral("Reveal in Finder"));
 }
 
-TEST_F(CleanupResultsViewTest, ThePathIsATooltipWhateverItsCharacters) {
+TEST_F(CleanupResultsViewTest, ThePathIsThePlainTextTooltip) {
     CleanupWindowContent content = cannedFiles(6);
     firstLowRisk(content).tooltip = "/home/<b>x</b> & y";
     show(content);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/qt/CleanupWindow.h"
+#include "shell/qt/QtAppearance.h"
 #include "tests/shell/qt/CannedCleanupContent.h"
 #include "tests/shell/qt/EventLoop.h"
 
@@ -15,10 +16,10 @@
 
 namespace vantry {
 
-/// The window with nobody behind it who answers; what its controls report is written down.
+/// The window without a controller. Records what its controls report.
 class CleanupWindowFixture : public testing::Test {
 protected:
-    void TearDown() override { // what is asked then is answered while there is somebody to hear it
+    void TearDown() override { // answers a pending sheet while `reports` still exists
         window.close();
         settle();
     }
@@ -42,12 +43,16 @@ protected:
                          onSelection();
                  },
                  [this](const std::string& identifier) { reports.push_back("reveal " + identifier); },
-                 [this](CleanupAvenue::Action action) { reports.push_back("open " + std::string(rawValue(action))); }}};
+                 [this](const AvenueButtonAction& action) {
+                     const auto* copy = std::get_if<CopyCommand>(&action);
+                     reports.push_back(copy ? "copy " + copy->command
+                                            : "open " + std::string(rawValue(std::get<CleanupAvenue::Action>(action))));
+                 }}};
     }
 
     void show(const CleanupWindowContent& content) {
-        window.render(content);
-        window.showInFront();
+        window.renderCleanupWindow(content);
+        window.showCleanupWindow();
         settle();
     }
     void buildAll() {
@@ -71,7 +76,7 @@ protected:
     std::vector<std::string> reports;
     std::function<void()> onSelection;
     std::function<void()> onClosed;
-    CleanupWindow window{appearance, actions()};
+    CleanupWindow window{actions()};
 };
 
 } // namespace vantry

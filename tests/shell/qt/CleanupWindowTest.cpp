@@ -37,13 +37,13 @@ TEST_F(CleanupWindowTest, ShowsTheTextsOfItsContent) {
     EXPECT_EQ(window.results().rowCount(), 12);
 }
 
-TEST_F(CleanupWindowTest, HasItsSizeAlsoWhenItIsShownBeforeItIsRendered) {
-    window.showInFront();
+TEST_F(CleanupWindowTest, HasItsSizeEvenWhenShownBeforeItIsRendered) {
+    window.showCleanupWindow();
     EXPECT_EQ(window.size(),
               QSize(940, 760).boundedTo(window.screen()->availableSize() - QSize(40, 40)).expandedTo(QSize(780, 620)));
 }
 
-TEST_F(CleanupWindowTest, ButtonsAreAsTheContentSays) {
+TEST_F(CleanupWindowTest, ButtonsFollowTheContent) {
     CleanupWindowContent content = cannedFiles(6);
     show(content);
     EXPECT_TRUE(button(QStringLiteral("Select Low-Risk Files"))->isEnabled());
@@ -63,7 +63,7 @@ TEST_F(CleanupWindowTest, ButtonsReport) {
     EXPECT_THAT(reports, ElementsAre("scan", "suggested", "trash"));
 }
 
-TEST_F(CleanupWindowTest, ReturnPressesTheButtonThatHasTheKeyboard) {
+TEST_F(CleanupWindowTest, ReturnPressesTheFocusedButton) {
     show(cannedFiles(6));
     auto* scan = button(QStringLiteral("Scan Again"));
     scan->setFocus();
@@ -71,40 +71,40 @@ TEST_F(CleanupWindowTest, ReturnPressesTheButtonThatHasTheKeyboard) {
     EXPECT_THAT(reports, ElementsAre("scan"));
 }
 
-TEST_F(CleanupWindowTest, ArrowsChangeTheModeAndWhatTheContentSaysIsShown) {
+TEST_F(CleanupWindowTest, ArrowsReportTheModeAndTheContentDecides) {
     show(cannedFiles(6));
     auto* control = window.findChild<SegmentedControl*>();
     control->segment(0)->setFocus();
     press(control->segment(0), Qt::Key_Right);
     EXPECT_THAT(reports, ElementsAre("guide"));
     EXPECT_TRUE(control->segment(0)->isChecked()) << "nobody has rendered the other mode";
-    window.render(cannedGuide());
+    window.renderCleanupWindow(cannedGuide());
     EXPECT_TRUE(control->segment(1)->isChecked());
     EXPECT_THAT(reports, ElementsAre("guide")) << "rendering is no choice of the user";
 }
 
-TEST_F(CleanupWindowTest, TheKeyboardComesBackToAButtonThatWasDisabledWhileItWorked) {
+TEST_F(CleanupWindowTest, TheFocusReturnsToAButtonThatWasDisabledMeanwhile) {
     CleanupWindowContent content = cannedFiles(6);
     show(content);
     auto* scan = button(QStringLiteral("Scan Again"));
     scan->setFocus();
-    window.render(cannedScan());
+    window.renderCleanupWindow(cannedScan());
     EXPECT_NE(window.focusWidget(), scan);
     ASSERT_TRUE(window.focusWidget());
-    window.render(content);
+    window.renderCleanupWindow(content);
     EXPECT_EQ(window.focusWidget(), scan);
 }
 
-TEST_F(CleanupWindowTest, CheckBoxesCanBeUsedAsTheContentSays) {
+TEST_F(CleanupWindowTest, CheckBoxesAreEnabledAsTheContentSays) {
     constexpr int count = 400;
     CleanupWindowContent content = cannedFiles(count);
-    window.render(content);
-    window.showInFront();
+    window.renderCleanupWindow(content);
+    window.showCleanupWindow();
     ASSERT_LT(window.results().builtRowCount(), count) << "some rows are to be built later";
     const auto* box = control(0, 0);
     for (const bool enabled : {false, true}) {
         content.selectionEnabled = enabled;
-        window.render(content);
+        window.renderCleanupWindow(content);
         buildAll();
         for (int row = 0; row < count; ++row)
             for (const QWidget* each : window.results().row(row)->controls())
@@ -113,7 +113,7 @@ TEST_F(CleanupWindowTest, CheckBoxesCanBeUsedAsTheContentSays) {
     }
 }
 
-TEST_F(CleanupWindowTest, ARowThatBecomesSelectableWhileNoneCanBeSelectedCannot) {
+TEST_F(CleanupWindowTest, ANewCheckBoxIsDisabledWhileSelectionIsDisabled) {
     CleanupWindowContent content = cannedFiles(6);
     const CandidateRowContent selectable = content.sections.front().candidates.front();
     ASSERT_TRUE(selectable.symbolName.empty());
@@ -121,32 +121,32 @@ TEST_F(CleanupWindowTest, ARowThatBecomesSelectableWhileNoneCanBeSelectedCannot)
     content.selectionEnabled = false;
     show(content);
     content.sections.front().candidates.front() = selectable;
-    window.render(content);
+    window.renderCleanupWindow(content);
     EXPECT_FALSE(control(0, 0)->isEnabled());
 }
 
-TEST_F(CleanupWindowTest, TheKeyboardComesBackToACheckBoxThatCouldNotBeUsed) {
+TEST_F(CleanupWindowTest, TheFocusReturnsToACheckBoxThatWasDisabledMeanwhile) {
     CleanupWindowContent content = cannedFiles(6);
     show(content);
     buildAll();
     control(0, 0)->setFocus();
     content.selectionEnabled = false;
-    window.render(content);
+    window.renderCleanupWindow(content);
     ASSERT_TRUE(window.focusWidget());
     EXPECT_TRUE(window.focusWidget()->isEnabled());
     content.selectionEnabled = true;
-    window.render(content);
+    window.renderCleanupWindow(content);
     EXPECT_EQ(window.focusWidget(), control(0, 0));
 }
 
-TEST_F(CleanupWindowTest, EscapeReportsThatWhatIsUnderWayIsToBeGivenUp) {
+TEST_F(CleanupWindowTest, EscapeReportsCancel) {
     show(cannedFiles(6));
     press(window.focusWidget(), Qt::Key_Escape);
     EXPECT_THAT(reports, ElementsAre("cancel"));
     EXPECT_TRUE(window.isVisible());
 }
 
-TEST_F(CleanupWindowTest, ClosingIsReportedOnceTheWindowIsGone) {
+TEST_F(CleanupWindowTest, ClosingIsReportedAfterTheWindowIsHidden) {
     show(cannedFiles(6));
     bool wasVisible = true;
     onClosed = [&] { wasVisible = window.isVisible(); };
@@ -160,8 +160,8 @@ TEST_F(CleanupWindowTest, KeepsItsContentWhileItIsClosed) {
     show(cannedFiles(6));
     window.close();
     EXPECT_FALSE(window.isVisible());
-    window.render(cannedFiles(9));
-    window.showInFront();
+    window.renderCleanupWindow(cannedFiles(9));
+    window.showCleanupWindow();
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(window.results().rowCount(), 9);
 }
@@ -169,11 +169,11 @@ TEST_F(CleanupWindowTest, KeepsItsContentWhileItIsClosed) {
 TEST_F(CleanupWindowTest, TheOtherModeStartsAtTheTop) {
     show(cannedFiles(60));
     window.results().verticalScrollBar()->setValue(500);
-    window.render(cannedGuide());
+    window.renderCleanupWindow(cannedGuide());
     EXPECT_EQ(window.results().verticalScrollBar()->value(), 0);
 }
 
-TEST_F(CleanupWindowTest, AScreenReaderHearsOfTheFigures) {
+TEST_F(CleanupWindowTest, ScreenReadersGetTheFigures) {
     const CleanupWindowContent content = cannedFiles(12);
     show(content);
     QStringList names;

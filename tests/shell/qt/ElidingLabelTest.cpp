@@ -12,7 +12,7 @@ const QString sentence =
     QStringLiteral("The color strip shows total used space with the current palette of this window.");
 const QString path = QStringLiteral("/home/somebody/") + QString(200, QLatin1Char('x')) + QStringLiteral(".plist");
 
-/// What a tooltip says, without its marks.
+/// A tooltip's text without HTML tags.
 QString said(const QString& tooltip) {
     QTextDocument document;
     document.setHtml(tooltip);
@@ -21,7 +21,7 @@ QString said(const QString& tooltip) {
 
 } // namespace
 
-TEST(ElidingLabel, EndsInAnEllipsisWhereItsLinesDoNotHoldTheText) {
+TEST(ElidingLabel, EndsInAnEllipsisWhenTheTextDoesNotFit) {
     for (const int mostLines : {1, 2, 3}) {
         ElidingLabel label(nullptr, mostLines);
         const int width = label.fontMetrics().averageCharWidth() * 30;
@@ -38,7 +38,7 @@ TEST(ElidingLabel, EndsInAnEllipsisWhereItsLinesDoNotHoldTheText) {
     }
 }
 
-TEST(ElidingLabel, TellsTheWholeTextWhereItIsElided) {
+TEST(ElidingLabel, ItsTooltipHasTheWholeTextWhenItIsElided) {
     ElidingLabel label(nullptr, 2);
     label.setText(sentence + QStringLiteral(" <b>&"));
     label.resize(label.fontMetrics().averageCharWidth() * 20, 100);

@@ -5,7 +5,7 @@
 
 namespace vantry {
 
-/// Runs the event loop until the condition holds; false when it does not within ten seconds.
+/// Runs the event loop until the condition holds; false if it does not within ten seconds.
 template <class Condition>
 [[nodiscard]] bool runUntil(Condition condition) {
     constexpr int longest = 10000;
@@ -19,7 +19,7 @@ template <class Condition>
     return true;
 }
 
-/// Handles everything that waits, and what follows from it.
+/// Handles all pending events, and those that they cause.
 inline void settle() {
     for (int turn = 0; turn < 5; ++turn) {
         QCoreApplication::processEvents();

@@ -13,7 +13,7 @@ namespace vantry {
 
 namespace {
 
-/// A font whose "1" is narrower than its "8"; there is nothing to see otherwise.
+/// A font whose "1" is narrower than its "8"; otherwise these tests would show nothing.
 QFont proportionalFont() {
     for (const char* family : {"Inter", "DejaVu Serif", "Sans Serif"}) {
         QFont font(QString::fromLatin1(family));
@@ -25,7 +25,7 @@ QFont proportionalFont() {
     return {};
 }
 
-/// The columns from the first to the last that `draw` leaves ink in.
+/// The first and the last column that `draw` paints in.
 template <class Draw>
 QPair<int, int> inkedColumns(const Draw& draw) {
     QImage image(200, 40, QImage::Format_RGB32);
@@ -44,13 +44,13 @@ QPair<int, int> inkedColumns(const Draw& draw) {
 
 } // namespace
 
-TEST(FigureText, IsAsWideWhateverItsDigits) {
+TEST(FigureText, IsEquallyWideWhateverItsDigits) {
     const QFontMetricsF metrics(proportionalFont());
     EXPECT_EQ(figuresWidth(metrics, QStringLiteral("111.11 GB")), figuresWidth(metrics, QStringLiteral("888.08 GB")));
     EXPECT_LT(figuresWidth(metrics, QStringLiteral("1 B")), figuresWidth(metrics, QStringLiteral("10 B")));
 }
 
-TEST(FigureText, WhatFollowsTheDigitsStaysInItsPlace) {
+TEST(FigureText, TextAfterTheDigitsDoesNotMove) {
     for (const auto alignment : {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight}) {
         const auto lastColumn = [&](const char* text) {
             return inkedColumns([&](QPainter& painter) {
@@ -62,7 +62,7 @@ TEST(FigureText, WhatFollowsTheDigitsStaysInItsPlace) {
     }
 }
 
-TEST(FigureText, StandsWhereTheAlignmentSays) {
+TEST(FigureText, FollowsTheAlignment) {
     const auto columns = [](Qt::Alignment alignment) {
         return inkedColumns(
             [&](QPainter& painter) { drawFigures(painter, QRectF(20, 0, 160, 40), alignment, QStringLiteral("88%")); });
@@ -76,7 +76,7 @@ TEST(FigureText, StandsWhereTheAlignmentSays) {
     EXPECT_GT(middleStart, leftEnd);
 }
 
-TEST(FigureText, ALabelAndTheCanvasHaveItWhereTheFontAsksForIt) {
+TEST(FigureText, LabelsAndTheCanvasUseItWhenTheFontAsksForIt) {
     ElidingLabel label(nullptr);
     label.setFont(proportionalFont());
     QImage image(10, 10, QImage::Format_RGB32);
@@ -90,13 +90,13 @@ TEST(FigureText, ALabelAndTheCanvasHaveItWhereTheFontAsksForIt) {
         };
         EXPECT_EQ(labelWidth("11.1 GB") == labelWidth("88.8 GB"), monospaced);
         const Font font{20, FontWeight::medium, monospaced};
-        if (monospaced) { // the system's own font may have nothing else
+        if (monospaced) { // the system's font may have only such digits
             EXPECT_EQ(canvas.textWidth("11%", font), canvas.textWidth("88%", font));
         }
     }
 }
 
-TEST(FigureText, ALabelShowsAllOfItAtTheWidthThatItAsksFor) {
+TEST(FigureText, ALabelIsNotElidedAtItsOwnSizeHint) {
     ElidingLabel label(nullptr);
     label.setFont(proportionalFont());
     label.setMonospacedDigits(true);

@@ -23,7 +23,7 @@ protected:
     }
 };
 
-/// A window with a button that has the keyboard, and events as they come from the system: to the window.
+/// A window with a focused button. Events go to the window, as from the system.
 class GuardedApplicationTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -33,7 +33,7 @@ protected:
         window.show();
         settle();
         button.setFocus();
-        static quint64 clock = 0; // the application remembers the events of the tests before
+        static quint64 clock = 0; // the application remembers events of earlier tests
         origin = clock += 100000;
     }
 
@@ -55,7 +55,7 @@ protected:
 
 } // namespace
 
-TEST_F(GuardedApplicationTest, EachFreshPressIsPassedOn) {
+TEST_F(GuardedApplicationTest, EachNewPressIsPassedOn) {
     for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
         clicks = 0;
         for (const quint64 time : {1000U, 1200U, 1400U}) {
@@ -66,7 +66,7 @@ TEST_F(GuardedApplicationTest, EachFreshPressIsPassedOn) {
     }
 }
 
-TEST_F(GuardedApplicationTest, APressThatIsMarkedAsARepetitionIsKeptBack) {
+TEST_F(GuardedApplicationTest, AMarkedRepetitionIsDropped) {
     press(Qt::Key_Return, 1000);
     for (const quint64 time : {1500U, 1530U, 1560U}) {
         release(Qt::Key_Return, time, true);
@@ -75,7 +75,7 @@ TEST_F(GuardedApplicationTest, APressThatIsMarkedAsARepetitionIsKeptBack) {
     EXPECT_EQ(clicks, 1);
 }
 
-TEST_F(GuardedApplicationTest, APressRightBehindItsReleaseIsARepetitionWithoutAMark) {
+TEST_F(GuardedApplicationTest, APressRightAfterItsReleaseIsAnUnmarkedRepetition) {
     for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
         clicks = 0;
         press(key, 1000);
@@ -91,35 +91,35 @@ TEST_F(GuardedApplicationTest, APressRightBehindItsReleaseIsARepetitionWithoutAM
     }
 }
 
-TEST_F(GuardedApplicationTest, ARepetitionOfAKeyThatWentDownElsewhereIsKeptBack) {
+TEST_F(GuardedApplicationTest, ARepetitionOfAKeyPressedInAnotherWindowIsDropped) {
     release(Qt::Key_Return, 1000);
     press(Qt::Key_Return, 1000);
     EXPECT_EQ(clicks, 0);
 }
 
-TEST_F(GuardedApplicationTest, KeysDoNotCountForEachOther) {
+TEST_F(GuardedApplicationTest, KeysAreTrackedSeparately) {
     press(Qt::Key_Space, 1000);
     release(Qt::Key_Space, 1010);
     press(Qt::Key_Return, 1015);
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(GuardedApplicationTest, EventsWithoutATimeAreNoRepetitions) {
+TEST_F(GuardedApplicationTest, EventsWithoutATimestampAreNoRepetitions) {
     for (int time = 0; time < 2; ++time) {
-        press(Qt::Key_Escape, 0); // of which no other test sends events with a time
+        press(Qt::Key_Escape, 0); // a key for which no other test sends timestamps
         release(Qt::Key_Escape, 0);
     }
     EXPECT_EQ(button.presses, 2);
 }
 
-TEST_F(GuardedApplicationTest, ACopyOfAReleaseWithoutItsTimeHidesNoRepetition) {
+TEST_F(GuardedApplicationTest, ACopiedReleaseWithoutATimestampHidesNoRepetition) {
     release(Qt::Key_Return, 1000);
     release(Qt::Key_Return, 0);
     press(Qt::Key_Return, 1000);
     EXPECT_EQ(clicks, 0);
 }
 
-TEST_F(GuardedApplicationTest, KeysThatMoveTheKeyboardRepeat) {
+TEST_F(GuardedApplicationTest, NavigationKeysRepeat) {
     QPushButton second(&window);
     QPushButton third(&window);
     for (QPushButton* each : {&second, &third}) {

@@ -1,8 +1,11 @@
 #include "shell/qt/PopoverWindow.h"
 #include "shell/qt/ElidingLabel.h"
+#include "shell/qt/QtAppearance.h"
 #include "tests/shell/qt/EventLoop.h"
 
+#include <QLabel>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace vantry {
 
@@ -31,7 +34,7 @@ protected:
 
     QtAppearance appearance;
     PopoverContent content;
-    PopoverWindow window{appearance};
+    PopoverWindow window;
 };
 
 std::string words(std::size_t count) {
@@ -69,14 +72,28 @@ TEST_F(PopoverWindowTest, ShowsThreeLinesOfTheDetailAndTwoOfTheErrorAndAllOfThem
     EXPECT_EQ(window.width(), 380);
 }
 
-TEST_F(PopoverWindowTest, KeepsItsSizeWhereTheTextsFit) {
+TEST_F(PopoverWindowTest, KeepsItsSizeWhenTheTextsFit) {
     content.detailLabel.text = words(80);
     tell("Could not change Login Items: /home/somebody/Library/LaunchAgents: Not a directory");
     open();
     EXPECT_EQ(window.size(), QSize(380, 452));
 }
 
-TEST_F(PopoverWindowTest, StaysWhenItLosesTheKeyboardForAMoment) {
+TEST_F(PopoverWindowTest, TellsWhatTheFiguresCountInTheirTooltips) {
+    content.usedTooltip = "What is used.";
+    content.availableTooltip = "What is free.";
+    window.render(content);
+    open();
+    window.grab(); // labels look while they are painted whether their text fits
+    std::map<QString, QString> tooltips;
+    for (auto* each : window.findChildren<QLabel*>())
+        tooltips[each->text()] += each->toolTip() + QStringLiteral(";");
+    EXPECT_EQ(tooltips[QStringLiteral("Used")], QStringLiteral("What is used.;"));
+    EXPECT_EQ(tooltips[QStringLiteral("Available")], QStringLiteral("What is free.;"));
+    EXPECT_EQ(tooltips[QStringLiteral("—")], QStringLiteral("What is used.;What is free.;"));
+}
+
+TEST_F(PopoverWindowTest, StaysOpenWhenItLosesTheFocusForAMoment) {
     open();
     ASSERT_TRUE(window.isActiveWindow());
     QWidget other;
@@ -91,7 +108,7 @@ TEST_F(PopoverWindowTest, StaysWhenItLosesTheKeyboardForAMoment) {
     EXPECT_TRUE(window.isVisible());
 }
 
-TEST_F(PopoverWindowTest, ClosesWhenAnotherWindowKeepsTheKeyboard) {
+TEST_F(PopoverWindowTest, ClosesWhenAnotherWindowKeepsTheFocus) {
     open();
     QWidget other;
     other.show();

@@ -30,7 +30,7 @@ Picture painted(Size size, double scale, const Draw& draw, const QColor& backgro
     return picture;
 }
 
-/// The smallest rectangle of device pixels that holds everything unlike `background`; empty when all is alike.
+/// The smallest rectangle of device pixels that differ from `background`; empty when none does.
 QRect inkOf(const Picture& picture, const QColor& background = white) {
     QRect ink;
     for (int y = 0; y < picture.height(); ++y)
@@ -97,7 +97,7 @@ TEST(QtCanvas, AGradientHasItsColoursWhereItsStopsAre) {
     }
 }
 
-TEST(QtCanvas, AGradientToNothingLetsTheBackgroundThrough) {
+TEST(QtCanvas, AGradientToTransparentShowsTheBackground) {
     const std::vector<GradientStop> stops = {{Rgba{1, 1, 1, 0}, 0}, {Rgba{1, 1, 1, 1}, 1}};
     const auto picture = painted(
         {100, 1}, 1,
@@ -193,7 +193,7 @@ TEST(QtCanvas, ScreenBrightensUntilItIsRestored) {
     }
 }
 
-TEST(QtCanvas, TheBlendModeCanBeSetBack) {
+TEST(QtCanvas, TheBlendModeCanBeReset) {
     const auto picture = painted({10, 1}, 1, [](Canvas& canvas) {
         canvas.setBlendMode(BlendMode::screen);
         canvas.setBlendMode(BlendMode::sourceOver);
@@ -202,7 +202,7 @@ TEST(QtCanvas, TheBlendModeCanBeSetBack) {
     EXPECT_TRUE(isNear(picture.at(5, 0), Qt::red));
 }
 
-TEST(QtCanvas, ATranslucentColourIsMixedWithWhatIsThere) {
+TEST(QtCanvas, ATranslucentColourIsBlendedWithTheBackground) {
     const auto picture = painted({10, 1}, 1, [](Canvas& canvas) {
         canvas.fill(Rect{0, 0, 10, 1}, Rgba{0, 0, 0, 0.25});
     });
@@ -222,7 +222,7 @@ TEST(QtCanvas, ShapesAreFilledInsideTheirOutlines) {
         }
 }
 
-TEST(QtCanvas, APartOfAPixelIsPaintedInPart) {
+TEST(QtCanvas, APartlyCoveredPixelIsPaintedInPart) {
     const auto picture = painted({10, 1}, 1, [](Canvas& canvas) { canvas.fill(Rect{0, 0, 5.5, 1}, Rgba{0, 0, 0}); });
     EXPECT_TRUE(isNear(picture.at(4, 0), QColor(0, 0, 0)));
     EXPECT_TRUE(isNear(picture.at(5, 0), QColor(127, 127, 127), 4));
@@ -247,7 +247,7 @@ TEST(QtCanvas, AStrokeIsCentredOnTheEdgeAndLeavesTheInsideAlone) {
     }
 }
 
-TEST(QtCanvas, AThinStrokeCoversTheTwoPixelsItLiesBetweenInPart) {
+TEST(QtCanvas, AThinStrokePartlyCoversTheTwoPixelsAroundIt) {
     const auto picture = painted({20, 20}, 1, [](Canvas& canvas) {
         canvas.stroke(Rect{5, 5, 10, 10}, Rgba{0, 0, 0}, 0.75);
     });

@@ -1,4 +1,5 @@
-// The bar and its swatches as pixels: what a list of calls cannot tell, such as which way a gradient runs.
+// Tests the bar and its swatches as pixels, for what a list of calls does not show, such as the direction of a
+// gradient.
 
 #include "rendering/SolidSwatchView.h"
 #include "rendering/VantryView.h"

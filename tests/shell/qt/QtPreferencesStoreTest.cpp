@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(QtPreferences, OfAFreshUserHoldNothing) {
+TEST_F(QtPreferences, AreEmptyForANewUser) {
     const QtPreferencesStore fresh = store();
     EXPECT_FALSE(fresh.boolForKey("showUsedPercentage"));
     EXPECT_EQ(fresh.stringForKey("barStyle"), std::nullopt);
@@ -44,7 +44,7 @@ TEST_F(QtPreferences, OfAFreshUserHoldNothing) {
     EXPECT_FALSE(fs::exists(file)) << "reading wrote something";
 }
 
-TEST_F(QtPreferences, AreReadBackAsTheyWereWritten) {
+TEST_F(QtPreferences, AreReadBackUnchanged) {
     QtPreferencesStore written = store();
     const std::string texts[] = {
         "storageGradient",     "equal", "",           "two words",    "a, b",       "\"quoted\"",
@@ -78,7 +78,7 @@ TEST_F(QtPreferences, EveryStyleAndSizingIsReadBackAndStoredByItsRawValue) {
     }
 }
 
-TEST_F(QtPreferences, AreOnDiskOnceTheyAreSet) {
+TEST_F(QtPreferences, AreOnDiskAfterTheyAreSet) {
     QtPreferencesStore preferences = store();
     preferences.setString("barStyle", "vividTheme");
     preferences.setBool("showUsedPercentage", true);
@@ -87,14 +87,14 @@ TEST_F(QtPreferences, AreOnDiskOnceTheyAreSet) {
     EXPECT_EQ(readFile(file), "[General]\nbarStyle=vividTheme\nshowUsedPercentage=false\n");
 }
 
-TEST_F(QtPreferences, TheirFolderIsMadeWhenItIsMissing) {
+TEST_F(QtPreferences, TheirFolderIsCreatedWhenItIsMissing) {
     const fs::path deep = folder / "configuration/ombrel/settings.ini";
     QtPreferencesStore preferences(qString(deep.native()));
     preferences.setString("barStyle", "vividTheme");
     EXPECT_EQ(readFile(deep), "[General]\nbarStyle=vividTheme\n");
 }
 
-TEST_F(QtPreferences, StandInTheUsersConfigurationFolder) {
+TEST_F(QtPreferences, AreInTheUsersConfigurationFolder) {
     const ScopedEnvironment configuration("XDG_CONFIG_HOME", folder.path().c_str());
     QtPreferencesStore preferences;
     preferences.setString("barStyle", "vividTheme");
@@ -110,7 +110,7 @@ TEST_F(QtPreferences, OtherKeysOfTheFileAreKept) {
         EXPECT_NE(text.find(line), text.npos) << text;
 }
 
-TEST_F(QtPreferences, WhatIsTrueFollowsTheRuleOfTheStore) {
+TEST_F(QtPreferences, BooleansFollowTheRulesOfTheStore) {
     const struct {
         const char* text;
         bool value;
@@ -128,7 +128,7 @@ TEST_F(QtPreferences, WhatIsTrueFollowsTheRuleOfTheStore) {
     }
 }
 
-TEST_F(QtPreferences, WhatIsNoTextIsAbsent) {
+TEST_F(QtPreferences, ValuesThatAreNotTextAreAbsent) {
     const struct {
         const char* text;
         std::optional<std::string> value;
@@ -150,7 +150,7 @@ TEST_F(QtPreferences, WhatIsNoTextIsAbsent) {
     }
 }
 
-TEST_F(QtPreferences, WhatIsNoRawValueReadsAsTheDefault) {
+TEST_F(QtPreferences, UnknownRawValuesReadAsTheDefault) {
     for (const char* text :
          {"rainbow", "Rainbow", "vivid theme", "VividTheme", "", "3", "vividTheme, equal", "@Invalid()"}) {
         contains("barStyle=" + std::string(text) + "\n");
@@ -186,7 +186,7 @@ TEST_F(QtPreferences, AValueChangedInAnEditorIsSeenAtTheNextRead) {
     contains("barStyle=currentTheme\n");
     EXPECT_FALSE(preferences.boolForKey("showUsedPercentage"));
     EXPECT_EQ(preferences.stringForKey("barStyle"), "currentTheme");
-    // Replaced by another file, as editors do.
+    // Replaces the file, as editors do.
     writeFile(folder / "new", "[General]\nbarStyle=macOSSegments\n");
     fs::rename(folder / "new", file);
     EXPECT_EQ(preferences.stringForKey("barStyle"), "macOSSegments");
@@ -194,7 +194,7 @@ TEST_F(QtPreferences, AValueChangedInAnEditorIsSeenAtTheNextRead) {
     EXPECT_EQ(preferences.stringForKey("barStyle"), std::nullopt);
 }
 
-TEST_F(QtPreferences, AWriteKeepsWhatAnotherProcessHasWrittenMeanwhile) {
+TEST_F(QtPreferences, AWriteKeepsWhatAnotherProcessWrote) {
     QtPreferencesStore preferences = store();
     preferences.setString("barStyle", "vividTheme");
     contains("barStyle=currentTheme\nsegmentSizing=equal\n");
@@ -202,7 +202,7 @@ TEST_F(QtPreferences, AWriteKeepsWhatAnotherProcessHasWrittenMeanwhile) {
     EXPECT_EQ(readFile(file), "[General]\nbarStyle=currentTheme\nsegmentSizing=equal\nshowUsedPercentage=true\n");
 }
 
-TEST_F(QtPreferences, AFileThatHoldsNoneReadsAsTheDefaults) {
+TEST_F(QtPreferences, AFileWithoutPreferencesReadsAsTheDefaults) {
     const std::string garbage[] = {
         "",
         "\n\n\n",
@@ -254,7 +254,7 @@ TEST_F(QtPreferences, AFileInPlaceOfTheFolderReadsAsTheDefaultsAndStays) {
     EXPECT_EQ(readFile(folder / "ombrel"), "kept");
 }
 
-TEST_F(QtPreferences, WhatCannotBeWrittenStaysAsItWas) {
+TEST_F(QtPreferences, AFailedWriteKeepsTheOldValue) {
     writeFile(folder / "ombrel", "kept");
     QtPreferencesStore preferences(qString((folder / "ombrel/settings.ini").native()));
     preferences.setString("barStyle", "vividTheme");
@@ -263,7 +263,7 @@ TEST_F(QtPreferences, WhatCannotBeWrittenStaysAsItWas) {
     EXPECT_FALSE(preferences.boolForKey("showUsedPercentage"));
 }
 
-TEST_F(QtPreferences, AFileThatMayNotBeReadReadsAsTheDefaults) {
+TEST_F(QtPreferences, AnUnreadableFileReadsAsTheDefaults) {
     contains("barStyle=vividTheme\nshowUsedPercentage=true\n");
     chmod(file.c_str(), 0);
     chmod(folder.path().c_str(), 0755);
@@ -279,7 +279,7 @@ TEST_F(QtPreferences, AFileThatMayNotBeReadReadsAsTheDefaults) {
     EXPECT_EQ(answer, "nothing false");
 }
 
-TEST_F(QtPreferences, AFileThatMayNotBeWrittenKeepsItsValues) {
+TEST_F(QtPreferences, AReadOnlyFileKeepsItsValues) {
     contains("barStyle=vividTheme\n");
     chmod(file.c_str(), 0444);
     chmod(folder.path().c_str(), 0555);

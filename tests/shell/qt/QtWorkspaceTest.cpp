@@ -1,6 +1,5 @@
 #include "shell/qt/QtWorkspace.h"
 
-#include "shell/qt/FileUri.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +15,7 @@ TEST(FileUri, HasTheBytesOfAPathAsTheyAre) {
     EXPECT_EQ(fileUri("/\xC3\xA4"), "file:///%C3%A4");
 }
 
-TEST(QtWorkspace, OfTheSettingsOnlyStorageHasACounterpart) {
+TEST(QtWorkspace, OnlyTheStoragePaneHasACounterpart) {
     const QtWorkspace workspace;
     EXPECT_TRUE(workspace.canOpenURL("x-apple.systempreferences:com.apple.settings.Storage"));
     EXPECT_FALSE(workspace.canOpenURL("x-apple.systempreferences:com.apple.Time-Machine-Settings.extension"));

@@ -87,7 +87,7 @@ TEST(TrayIcon, DiffersBetweenTheStyles) {
 
 TEST(TrayIcon, ShowsThePercentageWhereItFits) {
     for (const int side : sides) {
-        // A digit more makes another picture, with the same bar or nearly so.
+        // One more digit changes the picture, but hardly the bar.
         EXPECT_GT(pixelDifferences(pictureOf(usedPercent(47, BarStyle::storageGradient, true), side),
                                    pictureOf(usedPercent(47, BarStyle::storageGradient, false), side)),
                   side)

@@ -17,6 +17,7 @@
 constexpr int O_EVTONLY = 0x10000000;
 constexpr int O_NOFOLLOW_ANY = 0x20000000;
 constexpr int F_GETPATH = 50;
+constexpr unsigned RENAME_SWAP = 0x2;
 constexpr unsigned RENAME_EXCL = 0x4;
 extern "C" int renameatx_np(int from, const char* fromName, int to, const char* toName, unsigned flags);
 

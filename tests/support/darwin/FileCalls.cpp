@@ -104,9 +104,12 @@ int darwinFcntl(int fd, int command, ...) {
 }
 
 int renameatx_np(int from, const char* fromName, int to, const char* toName, unsigned flags) {
-    if ((flags & ~RENAME_EXCL) != 0)
-        return errno = EINVAL, -1;
-    return renameat2(from, fromName, to, toName, flags != 0 ? RENAME_NOREPLACE : 0);
+    switch (flags) {
+    case 0: return renameat2(from, fromName, to, toName, 0);
+    case RENAME_EXCL: return renameat2(from, fromName, to, toName, RENAME_NOREPLACE);
+    case RENAME_SWAP: return renameat2(from, fromName, to, toName, RENAME_EXCHANGE);
+    default: return errno = EINVAL, -1;
+    }
 }
 
 int getfsstat(struct statfs* mounts, int size, int flags) {

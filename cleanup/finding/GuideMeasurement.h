@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/Time.h"
+#include "cleanup/finding/ScanEnvironment.h"
+#include "cleanup/measuring/ScanWorkers.h"
+#include "cleanup/model/CleanupPlaces.h"
+#include "cleanup/model/CleanupScanReport.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace vantry::CleanupScanner {
+
+/// Measures the places of the catalog's avenues that have some of their own, by workers, until `deadline`; ends early
+/// once `isWanted` says no. Nothing is found for removal, and nothing is changed. A link is never followed, nor is a
+/// mount entered that lies in a place. Blocking; any thread but the main one.
+[[nodiscard]] std::map<std::string, GuideUsage> measureGuide(ScanWorkers& workers, const CleanupPlaces& places,
+                                                             SystemTime now, Deadline deadline,
+                                                             const std::function<bool()>& isWanted);
+
+/// The same on the system that `environment` describes, for at most 15 s.
+[[nodiscard]] std::map<std::string, GuideUsage> measureGuide(const ScanEnvironment& environment,
+                                                             const std::function<bool()>& isWanted);
+
+} // namespace vantry::CleanupScanner

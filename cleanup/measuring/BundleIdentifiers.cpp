@@ -1,0 +1,71 @@
+#include "cleanup/measuring/BundleIdentifiers.h"
+
+#include "cleanup/measuring/PropertyListPayload.h"
+#include "cleanup/measuring/WorkerArguments.h"
+#include "platform/SupervisedChild.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds timeBetweenSigns{100};
+constexpr std::chrono::seconds longestSilence{1};
+constexpr std::size_t mostIdentifiers = 100'000;
+constexpr std::string_view lastLine = "complete";
+const std::array<std::string, 1> keys{"CFBundleIdentifier"};
+
+} // namespace
+
+void writeBundleIdentifiers(const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write) {
+    constexpr std::size_t enough = 16 << 10; // bytes, written at once
+    std::string lines;
+    auto lastWrite = Clock::now();
+    const auto tell = [&](const std::optional<std::string>& identifier) {
+        if (identifier)
+            lines += encoded({.texts = std::map<std::string, std::string>{{keys.front(), *identifier}}});
+        const auto now = Clock::now();
+        if (lines.size() < enough && now - lastWrite < timeBetweenSigns)
+            return true;
+        lastWrite = now;
+        return write(lines.empty() ? encoded(PropertyListPayload()) : std::exchange(lines, {}));
+    };
+    if (searchBundles(places, tell))
+        write(lines + std::string(lastLine) + '\n');
+}
+
+std::optional<std::set<std::string>> readBundleIdentifiers(const std::filesystem::path& executable,
+                                                           const ApplicationPlaces& places, Deadline deadline,
+                                                           const std::shared_ptr<StopSwitch>& stopSwitch) {
+    if (hasPassed(deadline))
+        return std::nullopt;
+    std::vector<std::string> arguments{bundleIdentifiersFlag, places.system.native()};
+    for (const auto& folder : places.folders)
+        arguments.push_back(folder.native());
+    auto worker = SupervisedChild::start(executable, arguments, ChildOutput::pipe, stopSwitch);
+    if (!worker)
+        return std::nullopt;
+    std::set<std::string> identifiers;
+    while (identifiers.size() <= mostIdentifiers) {
+        const auto line = worker->nextLine(longestPropertyListLine, std::min(deadline, deadlineIn(longestSilence)));
+        if (line == lastLine)
+            return identifiers;
+        const auto payload = line ? decodedPropertyList(*line, keys) : std::nullopt;
+        if (!payload)
+            break;
+        if (payload->texts)
+            for (const auto& [key, identifier] : *payload->texts)
+                identifiers.insert(identifier);
+    }
+    return std::nullopt;
+}
+
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "base/Deadline.h"
+#include "cleanup/measuring/BundleSearch.h"
+#include "platform/StopSwitch.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace vantry::CleanupScanner {
+
+// The bundle worker writes a `PropertyListPayload` for each bundle that has an identifier, and now and then one without
+// texts as a sign of life. A last line says that nothing was left out; otherwise it is missing.
+
+/// The worker's side: calls `write` with one or more lines at a time until that fails. Blocks for as long as a file
+/// system does not answer.
+void writeBundleIdentifiers(const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write);
+
+/// The parent's side: starts one worker of `executable`. Absent if something that may be a bundle could not be read, if
+/// the worker misbehaves, or if it gives no sign of life for a second. Blocks at most until `deadline`, plus the time
+/// to end a worker, or until `stopSwitch`, which may be null, is stopped.
+[[nodiscard]] std::optional<std::set<std::string>> readBundleIdentifiers(const std::filesystem::path& executable,
+                                                                         const ApplicationPlaces& places,
+                                                                         Deadline deadline,
+                                                                         const std::shared_ptr<StopSwitch>& stopSwitch);
+
+} // namespace vantry::CleanupScanner

@@ -1,0 +1,70 @@
+#include "cleanup/move/MoveCandidates.h"
+
+#include "base/Text.h"
+#include "platform/FileCoordinator.h"
+
+#include <optional>
+#include <utility>
+
+namespace vantry {
+
+namespace {
+
+TrashMove notMoved(std::string reason) {
+    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
+}
+
+// The mover's answer outweighs an error of the coordination, which may fail after the file was moved.
+TrashMove moveOne(const MoveServices& services, const CleanupCandidate& candidate) {
+    std::optional<TrashMove> move;
+    const auto coordinated = services.coordinateMoving(candidate.url, [&](const std::filesystem::path& path) {
+        move = isSamePlace(path, candidate.url) ? services.moveValidated(candidate)
+                                                : notMoved("the coordinated file path changed after confirmation");
+    });
+    if (move)
+        return *move;
+    return notMoved(coordinated ? "the file could not be coordinated" : coordinated.error().message);
+}
+
+} // namespace
+
+std::string failureLine(const CleanupCandidate& candidate, std::string_view reason) {
+    return singleLine(candidate.title) + ": " + singleLine(reason);
+}
+
+std::vector<std::string> validationFailureLines(const MoveServices& services,
+                                                std::span<const CleanupCandidate> candidates) {
+    std::vector<std::string> lines;
+    for (const auto& candidate : candidates)
+        if (const auto reason = services.validationFailure(candidate))
+            lines.push_back(failureLine(candidate, *reason));
+    return lines;
+}
+
+MoveOutcome moveCandidates(const MoveServices& services, std::span<const CleanupCandidate> candidates,
+                           MoveControl& control) {
+    MoveOutcome outcome;
+    if (!control.begin())
+        return outcome;
+    std::optional<CleanupRecord> record;
+    for (const auto& candidate : candidates) {
+        if (control.isStopped())
+            break;
+        const auto move = moveOne(services, candidate);
+        switch (move.outcome) {
+        case TrashMove::Outcome::moved:
+            outcome.moved.push_back(candidate);
+            if (!record)
+                record = CleanupRecord::startedAt(services.now());
+            static_cast<void>(services.saveHistory(outcome.moved, *record, RecordVersion::interim));
+            break;
+        case TrashMove::Outcome::notMoved: outcome.failureLines.push_back(failureLine(candidate, move.reason)); break;
+        case TrashMove::Outcome::misplaced: outcome.misplaced.push_back({candidate, move}); break;
+        }
+    }
+    outcome.recordWritten = record && services.saveHistory(outcome.moved, *record, RecordVersion::last);
+    control.end();
+    return outcome;
+}
+
+} // namespace vantry

@@ -1,0 +1,7 @@
+#include "platform/HostSystem.h"
+
+namespace vantry {
+
+HostSystem hostSystem() { return HostSystem::macOS; }
+
+} // namespace vantry

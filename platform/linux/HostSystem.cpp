@@ -1,0 +1,7 @@
+#include "platform/HostSystem.h"
+
+namespace vantry {
+
+HostSystem hostSystem() { return HostSystem::linuxDesktop; }
+
+} // namespace vantry

@@ -1,0 +1,121 @@
+#include "cleanup/measuring/BundleIdentifiers.h"
+
+#include "tests/cleanup/measuring/WorkerHostFixture.h"
+#include "tests/support/RecordedPolls.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vantry::CleanupScanner {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+using Identifiers = std::optional<std::set<std::string>>;
+
+/// Ombrel's own worker.
+class BundleIdentifiers : public WorkerHostFixture {
+protected:
+    BundleIdentifiers() : WorkerHostFixture(OMBREL_EXECUTABLE) {}
+
+    void bundle(const fs::path& path, const std::string& identifier) const {
+        fs::create_directories(path / "Contents");
+        writeFile(path / "Contents/Info.plist",
+                  "<plist><dict><key>CFBundleIdentifier</key><string>" + identifier + "</string></dict></plist>");
+    }
+    /// Asks again when the worker was late, on a machine that is busy.
+    [[nodiscard]] Identifiers identifiers() {
+        Identifiers answer;
+        for (int attempt = 0; attempt < 20 && !answer; ++attempt)
+            answer =
+                host.bundleIdentifiers({.folders = {root / "One", root / "Two"}, .system = root / "System"}, farAway());
+        return answer;
+    }
+};
+
+/// A program in the place of Ombrel's executable.
+class BundleIdentifiersOfADouble : public WorkerHostFixture {
+protected:
+    BundleIdentifiersOfADouble() : WorkerHostFixture(OMBREL_PROPERTY_LIST_WORKER_DOUBLE) {}
+
+    [[nodiscard]] Identifiers of(std::vector<std::string> behaviours, Deadline deadline = farAway()) {
+        ApplicationPlaces places{.folders = {}, .system = root / "System"};
+        for (const auto& behaviour : behaviours)
+            places.folders.push_back(root / behaviour);
+        return host.bundleIdentifiers(places, deadline);
+    }
+};
+
+} // namespace
+
+TEST_F(BundleIdentifiers, AreThoseOfAllBundlesAndOfOneWorker) {
+    EXPECT_EQ(identifiers(), std::set<std::string>()) << "no folder of applications is there";
+    bundle(root / "One/A.app", "com.example.a");
+    bundle(root / "One/A.app/Contents/Applications/B.app", "com.example.b");
+    bundle(root / "Two/Deep/er/C.app", "\xc3\xa9 \"quoted\"");
+    EXPECT_EQ(identifiers(), (std::set<std::string>{"com.example.a", "com.example.b", "\xc3\xa9 \"quoted\""}));
+    EXPECT_FALSE(hasChildren());
+}
+
+TEST_F(BundleIdentifiers, AreAbsentWhenABundleCannotBeExamined) {
+    bundle(root / "One/A.app", "com.example.a");
+    bundle(root / "Elsewhere.app", "com.example.elsewhere");
+    fs::create_directory_symlink(root / "Elsewhere.app", root / "One/B.app");
+    const ApplicationPlaces places{.folders = {root / "One"}, .system = root / "System"};
+    EXPECT_EQ(host.bundleIdentifiers(places, farAway()), std::nullopt);
+}
+
+TEST_F(BundleIdentifiers, OfALargeToolAreAllFound) {
+    const TemporaryFolder large(folderForManyFiles());
+    const auto tool = large / "Tool.app";
+    constexpr int folders = 300;
+    constexpr int filesInEach = 1000;
+    for (int i = 0; i < folders; ++i) {
+        // Half of them where bundles may be, half of them in resources.
+        const auto folder =
+            tool / (i % 2 == 0 ? "Contents/Developer/Library" : "Contents/Resources") / std::to_string(i);
+        fs::create_directories(folder);
+        writeFile(folder / "0", "");
+        for (int j = 1; j < filesInEach; ++j)
+            fs::create_hard_link(folder / "0", folder / std::to_string(j));
+    }
+    bundle(tool, "com.example.tool");
+    bundle(tool / "Contents/Developer/Applications/Simulator.app", "com.example.simulator");
+    bundle(tool / "Contents/Developer/Library/298/Deep.app", "com.example.deep");
+    const ApplicationPlaces places{.folders = {large.path()}, .system = root / "System"};
+    EXPECT_EQ(host.bundleIdentifiers(places, deadlineIn(10s)),
+              (std::set<std::string>{"com.example.tool", "com.example.simulator", "com.example.deep"}));
+}
+
+TEST_F(BundleIdentifiersOfADouble, AreTakenUpToTheLastLine) {
+    EXPECT_EQ(of({"identifies", "is-no-list", "identifies", "completes"}), std::set<std::string>{"a"});
+    EXPECT_EQ(of({"completes"}), std::set<std::string>());
+    EXPECT_EQ(of({"takes-its-time", "identifies", "completes"}), std::set<std::string>{"a"});
+}
+
+TEST_F(BundleIdentifiersOfADouble, AreAbsentWhenTheWorkerDoesNotFinish) {
+    for (const char* fault :
+         {"ends", "ends-in-its-answer", "kills-itself", "closes-its-output", "hangs", "hangs-in-its-answer",
+          "stops-itself", "ignores-the-request-to-end", "writes-garbage", "writes-an-empty-line", "tells-another-key",
+          "answers", "writes-a-line-without-end", "writes-lines-without-end"}) {
+        RecordedPolls::forget();
+        EXPECT_EQ(of({"identifies", fault, "completes"}), std::nullopt) << fault;
+        EXPECT_LE(RecordedPolls::waitedInVain(), 1s + 2 * 120ms + 10ms) << fault;
+        EXPECT_FALSE(hasChildren()) << fault;
+    }
+}
+
+TEST_F(BundleIdentifiersOfADouble, AreAbsentBeyondTheDeadline) {
+    EXPECT_EQ(of({"completes"}, Deadline::min()), std::nullopt);
+    RecordedPolls::forget();
+    EXPECT_EQ(of({"hangs", "completes"}, deadlineIn(100ms)), std::nullopt);
+    EXPECT_LE(RecordedPolls::waitedInVain(), 100ms + 2 * 120ms + 10ms);
+}
+
+} // namespace vantry::CleanupScanner

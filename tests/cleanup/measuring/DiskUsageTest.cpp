@@ -1,0 +1,83 @@
+#include "cleanup/measuring/DiskUsage.h"
+
+#include "tests/support/FileFacts.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace vantry::CleanupScanner {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::seconds;
+
+class DiskUsage : public testing::Test {
+protected:
+    [[nodiscard]] static DirectoryMetrics used(const fs::path& path, const std::vector<std::string>& endings = {}) {
+        return diskUsageInProcess(path, endings, deadlineIn(seconds(60)));
+    }
+    static std::int64_t blocks(const fs::path& path) {
+        struct stat facts = {};
+        EXPECT_EQ(lstat(path.c_str(), &facts), 0) << path;
+        return 512 * facts.st_blocks;
+    }
+
+    const TemporaryFolder root;
+    const fs::path folder = root / "folder";
+};
+
+TEST_F(DiskUsage, IsThatOfFoldersAndLinksTooAndOfAFileWithSeveralNamesOnce) {
+    fs::create_directories(folder / "a/b");
+    writeFile(folder / "one", std::string(100'000, 'x'));
+    writeFile(folder / "a/b/.hidden", std::string(5000, 'x'));
+    fs::create_hard_link(folder / "one", folder / "a/again");
+    fs::create_hard_link(folder / "one", folder / "a/b/again");
+    fs::create_symlink("one", folder / "link");
+    fs::create_symlink(root / "other", folder / "link to a folder");
+    fs::create_directory(root / "other");
+    writeFile(root / "other/large", std::string(500'000, 'x'));
+    std::int64_t all = 0;
+    for (const char* name : {"", "one", "link", "link to a folder", "a", "a/b", "a/b/.hidden"})
+        all += blocks(*name ? folder / name : folder);
+    EXPECT_EQ(used(folder), (DirectoryMetrics{.size = all, .complete = true}));
+    EXPECT_EQ(used(folder / "one"), (DirectoryMetrics{.size = blocks(folder / "one"), .complete = true}));
+    EXPECT_EQ(used(folder / "link to a folder").size, blocks(folder / "link to a folder"));
+}
+
+TEST_F(DiskUsage, OfEndingsIsThatOfFilesWithThem) {
+    fs::create_directories(folder / "below.vdi");
+    for (const char* name : {"a.qcow2", "b.vdi", "below.vdi/c.vdi", "d.vdi.txt", "vdi"})
+        writeFile(folder / name, std::string(10'000, 'x'));
+    fs::create_symlink("b.vdi", folder / "link.vdi");
+    EXPECT_EQ(used(folder, {".qcow2", ".vdi"}).size,
+              blocks(folder / "a.qcow2") + blocks(folder / "b.vdi") + blocks(folder / "below.vdi/c.vdi"));
+    EXPECT_EQ(used(folder, {".vmdk"}), (DirectoryMetrics{.size = 0, .complete = true}));
+}
+
+TEST_F(DiskUsage, IsIncompleteWithoutTimeAndWhereNothingIs) {
+    fs::create_directories(folder / "a");
+    EXPECT_FALSE(diskUsageInProcess(folder, {}, deadlineIn(seconds(-1))).complete);
+    EXPECT_EQ(used(root / "missing"), DirectoryMetrics());
+}
+
+TEST_F(DiskUsage, IsALowerBoundWhenAFolderMayNotBeRead) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read everything";
+    fs::create_directories(folder / "closed");
+    writeFile(folder / "open", std::string(10'000, 'x'));
+    fs::permissions(folder / "closed", fs::perms::none);
+    const auto usage = used(folder);
+    fs::permissions(folder / "closed", fs::perms::all);
+    EXPECT_FALSE(usage.complete);
+    EXPECT_GE(usage.size, blocks(folder / "open"));
+}
+
+} // namespace
+} // namespace vantry::CleanupScanner
