@@ -1,0 +1,6 @@
+#pragma once
+
+@interface NSAttributedString (Attributes)
+/// Of the whole text, which has one set of them.
+- (id)attributeNamed:(NSString*)name;
+@end
