@@ -1,0 +1,409 @@
+"""A made-up Linux home folder with what takes space in one, and what may be said of each place in it.
+
+The table is written by hand from what the tools' owners document, and not derived from the application's own.
+"""
+
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+import urllib.parse
+from collections import namedtuple
+from pathlib import Path
+
+from application import PROGRAM
+
+DAY = 86400
+KIB = 1 << 10
+MIB = 1 << 20
+
+GUIDE_IDS = """appCaches flatpakAppCaches thumbnails browserCaches oldLogs submittedCrashReports coreDumps journal aptArchives
+    dnfCache pacmanCache flatpak flatpakLeftBehind snap snapTrash trash docker podman pip uv conda npm pnpm cargo goBuild
+    goModules gradle ccache jetbrains vscode huggingface ollama steamShaders steamPrefixes virtualMachines vagrant""".split()
+# Those with places outside of the home folder, of which a test without mounts of its own knows nothing.
+SYSTEM_IDS = {"coreDumps", "journal", "aptArchives", "dnfCache", "pacmanCache", "flatpak", "snap", "docker", "ollama"}
+
+# What the owners recommend. An entry that is not named here has no command.
+COMMANDS = {
+    "journal": {"journalctl --vacuum-size=500M", "sudo journalctl --vacuum-size=500M"},
+    "coreDumps": {"coredumpctl list"},
+    "aptArchives": {"sudo apt-get clean"},
+    "dnfCache": {"sudo dnf clean packages"},
+    "pacmanCache": {"paccache -r", "sudo paccache -r"},
+    "flatpak": {"flatpak uninstall --unused"},
+    "flatpakLeftBehind": {"flatpak uninstall --delete-data"},
+    "snap": {"snap list --all"},
+    "docker": {"docker system df", "docker image prune"},
+    "podman": {"podman image prune"},
+    "pip": {"pip cache purge"},
+    "uv": {"uv cache prune"},
+    "conda": {"conda clean --all"},
+    "npm": {"npm cache verify"},
+    "pnpm": {"pnpm store prune"},
+    "goBuild": {"go clean -cache"},
+    "goModules": {"go clean -modcache"},
+    "ccache": {"ccache -C"},
+    "huggingface": {"hf cache rm", "hf cache prune"},
+    "ollama": {"ollama list"},
+    "vagrant": {"vagrant box prune"},
+}
+
+# Single files that may move to the Trash; measured and explained; never offered.
+MOVABLE, MEASURED, PROTECTED = "movable", "measured", "protected"
+
+# `content` is the size of a file in KiB, or what is in a folder: sizes in KiB, links by their targets. `guide` is the entry
+# that measures the place, or None.
+Place = namedtuple("Place", "path kind guide content")
+
+# What a rule that is too generous would offer: old, large enough for a log, and named like one or like an installer.
+TEMPTING = {"old.log": 1024, "setup.deb": 8, "inner/film.part": 8}
+BLOB = "0123456789abcdef" * 4
+REVISION = "c0ffee" * 6 + "c0ff"
+
+
+def measured(path, guide, content=None):
+    return Place(path, MEASURED, guide, {"data": 40, "inner/more": 12} if content is None else content)
+
+
+def protected(path, guide=None, content=None):
+    return Place(path, PROTECTED, guide, TEMPTING if content is None else content)
+
+
+PLACES = [
+    # Logs: the old ones are measured, the current ones are nobody's business.
+    measured(".xsession-errors.old", "oldLogs", 1024),
+    protected(".xsession-errors", content=1024),
+    measured(".local/share/xorg/Xorg.0.log.old", "oldLogs", 64),
+    measured(".local/share/xorg/Xorg.1.log.old", "oldLogs", 600),
+    protected(".local/share/xorg/Xorg.0.log", content=600),
+    measured(".npm/_logs", "oldLogs", {"2020-01-01-debug-0.log": 600, "2020-01-02-debug-0.log": 4}),
+    measured(".local/state/wireplumber/wireplumber.log", "oldLogs", 1024),
+    measured(".local/state/nvim/lsp.log", "oldLogs", 8),
+    protected(".local/state/nvim/undo.txt", content=1024),
+    protected(".local/state/nvim/shada/main.log", content=1024),
+    protected(".local/state/loose.log", content=1024),
+
+    # Crash reports.
+    measured(".mozilla/firefox/Crash Reports/submitted", "submittedCrashReports", {"bp-1.txt": 8, "bp-2.txt": 4}),
+    protected(".mozilla/firefox/Crash Reports/pending"),
+    measured("core.1234", "coreDumps", 2048),
+    protected("core", content=8),
+
+    # What packages leave.
+    measured(".local/share/flatpak", "flatpak", {
+        "app/org.example.Viewer/current/active/files/bin/viewer": 256,
+        "repo/objects/00/11.file": 128, "runtime/org.example.Platform/files/lib.so": 64}),
+    measured(".var/app/org.example.Viewer/cache", "flatpakAppCaches"),
+    measured(".var/app/org.example.Gone/cache", "flatpakAppCaches"),
+    protected(".var/app/org.example.Viewer/data"),
+    protected(".var/app/org.example.Viewer/config"),
+    measured(".var/app/org.example.Gone/data", "flatpakLeftBehind"),
+    measured(".var/app/org.example.Gone/config", "flatpakLeftBehind"),
+    measured("snap/player/42/.local/share/Trash", "snapTrash", {"files/film.mkv": 512, "info/film.mkv.trashinfo": 4}),
+    measured("snap/player/common/.local/share/Trash", "snapTrash", {"files/song.ogg": 64, "info/song.ogg.trashinfo": 4}),
+    protected("snap/player/42/Documents"),
+    measured(".local/share/Trash", "trash", {"files/thesis.pdf": 512, "info/thesis.pdf.trashinfo": 4, "directorysizes": 4}),
+
+    # What desktop programs can make again.
+    measured(".cache/thumbnails", "thumbnails", {"large/a.png": 32, "normal/b.png": 16}),
+    measured(".cache/fontconfig", "appCaches", {"one.cache-8": 24}),
+    measured(".cache/gone-app", "appCaches", {"a/b/c/deep": 1024, "empty": {}, "setup.deb": 8}),
+    measured(b".cache/caf\xff", "appCaches", {b"na\xefve": 20}),
+    measured(".cache/old-file.bin", "appCaches", 600),
+    measured(".cache/mozilla", "browserCaches"),
+    measured(".cache/google-chrome", "browserCaches"),
+    measured(".cache/chromium", "browserCaches"),
+    protected(".mozilla/firefox/ab12.default-release"),
+    protected(".config/google-chrome/Default"),
+    protected(".config/chromium/Default"),
+    measured(".cache/JetBrains/IntelliJIdea2022.3", "jetbrains"),
+    measured(".cache/JetBrains/PyCharm2021.1", "jetbrains"),
+    protected(".config/JetBrains/PyCharm2021.1"),
+    measured(".config/Code/Cache", "vscode"),
+    measured(".config/Code/CachedData", "vscode"),
+    measured(".config/Code/CachedExtensionVSIXs", "vscode"),
+    protected(".config/Code/User/History"),
+
+    # Graphics, the desktop itself, and what only looks like a cache.
+    protected(".cache/mesa_shader_cache"),
+    protected(".cache/mesa_shader_cache_db"),
+    protected(".cache/kwin"),
+    protected(".cache/plasmashell"),
+    protected(".cache/qtshadercache-x86_64-little_endian-lp64"),
+    protected(".cache/doc"),
+    protected(".cache/ibus"),
+    protected(".cache/evolution"),
+    protected(".cache/ms-playwright"),
+    protected(".cache/Cypress"),
+    protected(".cache/pypoetry"),
+
+    # Coding tools.
+    measured(".cache/pip", "pip"),
+    protected(".cache/uv", "uv"),
+    protected("miniconda3/pkgs", "conda"),
+    protected("anaconda3/pkgs", "conda"),
+    protected("miniforge3/pkgs", "conda"),
+    protected(".conda/pkgs", "conda"),
+    protected("miniconda3/envs/work"),
+    measured(".npm/_cacache", "npm"),
+    protected(".npm/_npx"),
+    measured(".local/share/pnpm/store", "pnpm"),
+    protected(".local/share/pnpm/global"),
+    measured(".cargo/registry", "cargo", {"src/index/tiny-1.0.0/lib.rs": 4, "cache/index/tiny-1.0.0.crate": 40}),
+    measured(".cargo/git", "cargo", {"db/tiny/pack": 16}),
+    protected(".cargo/bin"),
+    protected(".cargo/credentials.toml", content=4),
+    measured(".cache/go-build", "goBuild"),
+    protected("go/pkg/mod", "goModules", {"example.com/tiny@v1.0.0/tiny.go": 4, "cache/download/tiny.zip": 1024}),
+    protected("go/bin"),
+    protected("go/src"),
+    measured(".gradle/caches", "gradle"),
+    protected(".gradle/gradle.properties", content=4),
+    protected(".m2/repository"),
+    measured(".cache/ccache", "ccache"),
+    measured(".ccache", "ccache"),
+
+    # Models, games, machines.
+    measured(".cache/huggingface/hub", "huggingface", {
+        f"models--example--tiny/blobs/{BLOB}": 700,
+        f"models--example--tiny/snapshots/{REVISION}/model.safetensors": f"../../blobs/{BLOB}",
+        f"models--example--tiny/snapshots/{REVISION}/again.safetensors": f"../../blobs/{BLOB}",
+        f"models--example--tiny/snapshots/{REVISION}/missing.safetensors": "../../blobs/missing"}),
+    protected(".cache/huggingface/token", content=4),
+    measured(".ollama/models", "ollama", {"blobs/sha256-1": 512, "manifests/tiny": 4}),
+    protected(".ollama/id_ed25519", content=4),
+    measured(".local/share/Steam/steamapps/shadercache", "steamShaders"),
+    protected(".local/share/Steam/steamapps/compatdata", "steamPrefixes"),
+    protected(".local/share/Steam/steamapps/common"),
+    protected(".android/avd", "virtualMachines"),
+    protected("VirtualBox VMs", "virtualMachines", {"Debian/Debian.vdi": 512, "Debian/Debian.vbox": 4}),
+    protected(".local/share/libvirt/images/debian.qcow2", "virtualMachines", 512),
+    protected(".local/share/a/b/c/deep.vmdk", "virtualMachines", 64),
+    protected(".local/share/boxes/other.vdi", "virtualMachines", 64),
+    protected(".local/share/boxes/notes.txt", content=1024),
+    measured(".vagrant.d/boxes", "vagrant"),
+    protected(".vagrant.d/insecure_private_key", content=4),
+
+    # What belongs to the person.
+    protected(".ssh/id_ed25519", content=4),
+    protected(".gnupg/private-keys-v1.d"),
+    protected(".aws/credentials", content=4),
+    protected(".local/share/keyrings/login.keyring", content=4),
+    protected("Documents"),
+
+    # The download folder: what may move, and its neighbours that may not. 21 days for installers, 14 for partial downloads.
+    *(Place(f"Downloads/Painter.{extension}", MOVABLE, None, 6 * 1024)
+      for extension in ("dmg", "pkg", "xip", "deb", "rpm", "snap", "flatpak")),
+    Place("Downloads/LOUD.DEB", MOVABLE, None, 5 * 1024),
+    Place(b"Downloads/na\xffve.rpm", MOVABLE, None, 5 * 1024),
+    *(Place(f"Downloads/film.mkv.{extension}", MOVABLE, None, 5 * 1024)
+      for extension in ("download", "crdownload", "part", "partial", "aria2", "!qB", "opdownload")),
+    protected("Downloads/.hidden.deb", content=6 * 1024),
+    protected("Downloads/Painter.AppImage", content=6 * 1024),
+    protected("Downloads/driver.run", content=6 * 1024),
+    protected("Downloads/Painter.deb.run", content=6 * 1024),
+    protected("Downloads/letter.pdf", content=6 * 1024),
+    protected("Downloads/small.deb", content=5 * 1024 - 4),
+    protected("Downloads/small.part", content=5 * 1024 - 4),
+    protected("Downloads/inner", content={"inside.deb": 6 * 1024}),
+    protected("Downloads/folder.deb", content={"data": 6 * 1024}),
+
+    # What a home folder that was restored from a Mac has.
+    Place("Library/Logs/old.log", MOVABLE, None, 1024),
+]
+
+# Offered for review and for nothing else.
+REVIEW = "Downloads/photos.zip"
+MAY_BE_REVIEWED = {REVIEW, ".npm/_cacache", ".gradle/caches"}
+
+
+def shown(path):
+    """A path as JSON shows it."""
+    return os.fsencode(path).decode(errors="replace")
+
+
+def set_back(path, days):
+    """The folder or file and all below it becomes so old; an hour more, since a test takes time."""
+    moment = time.time() - days * DAY - 3600
+    for folder, folders, files in os.walk(os.fsencode(path), topdown=False):
+        for name in files + folders:
+            os.utime(os.path.join(folder, name), (moment, moment), follow_symlinks=False)
+    os.utime(path, (moment, moment), follow_symlinks=False)
+
+
+def fill(path, content):
+    """Makes the file or the folder of a place."""
+    path = os.fsencode(path)
+    os.makedirs(os.path.dirname(path) if isinstance(content, (int, str)) else path, exist_ok=True)
+    if isinstance(content, int):
+        with open(path, "wb") as file:
+            os.posix_fallocate(file.fileno(), 0, content * KIB)
+    elif isinstance(content, str):
+        os.symlink(content, path)
+    else:
+        for name, inner in content.items():
+            fill(os.path.join(path, os.fsencode(name)), inner)
+
+
+def remove(folder):
+    """Also with folders inside that nobody may write to."""
+    for place, _folders, _files in os.walk(os.fsencode(folder)):
+        if not os.path.islink(place):
+            os.chmod(place, 0o700)
+    shutil.rmtree(folder)
+
+
+def make_linux_home(home):
+    """Makes the folder with all `PLACES`, everything a hundred days old."""
+    for place in PLACES:
+        fill(os.path.join(os.fsencode(home), os.fsencode(place.path)), place.content)
+    fill(home / REVIEW, 30 * 1024)
+
+    # Flatpak stores a file once and links it wherever it is used.
+    flatpak = home / ".local/share/flatpak"
+    os.link(flatpak / "repo/objects/00/11.file", flatpak / "app/org.example.Viewer/current/active/files/library.so")
+    os.link(flatpak / "repo/objects/00/11.file", flatpak / "runtime/org.example.Platform/files/library.so")
+    os.symlink("42", home / "snap/player/current")  # the same Trash under a second name
+    os.symlink("../libvirt/images/debian.qcow2", home / ".local/share/boxes/link.qcow2")
+    os.symlink("Painter.deb", home / "Downloads/link.deb")
+    set_back(home, 100)
+
+    # Young things beside old ones.
+    for name, kib, days in (("Downloads/young.deb", 6 * 1024, 20), ("Downloads/young.part", 5 * 1024, 13),
+                            ("Downloads/due.snap", 5 * 1024, 21), ("Downloads/due.aria2", 5 * 1024, 14)):
+        fill(home / name, kib)
+        set_back(home / name, days)
+    fill(home / ".cache/fresh", {"data": 1024})
+    fill(home / ".cache/touched", {"old": 1024, "inner/young": 4})
+    set_back(home / ".cache/touched", 100)
+    set_back(home / ".cache/touched/inner/young", 1)
+
+    # As Go leaves its modules.
+    for folder, _folders, files in os.walk(home / "go/pkg/mod", topdown=False):
+        for name in files:
+            os.chmod(os.path.join(folder, name), 0o444)
+        os.chmod(folder, 0o555)
+
+
+MOVABLE_PATHS = [*(place.path for place in PLACES if place.kind == MOVABLE), "Downloads/due.snap", "Downloads/due.aria2"]
+
+
+def guide_of(home):
+    """The paths of each entry that has something in the home folder."""
+    paths = {}
+    for place in PLACES:
+        if place.guide:
+            paths.setdefault(place.guide, []).append(os.path.join(os.fsencode(home), os.fsencode(place.path)))
+    return paths
+
+
+class Space:
+    """Mounts of its own for the programs that run in it: `/var` is empty there, and so is the folder of Ollama's service."""
+
+    def __init__(self):
+        mounts = "mount -t tmpfs tmpfs /var && { [ ! -d /usr/share/ollama ] || mount -t tmpfs tmpfs /usr/share/ollama; }"
+        kind = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]
+        self._process = subprocess.Popen(
+            ["unshare", *kind, "--mount", "--propagation", "private", "sh", "-c", f"{mounts} && echo ready && exec cat"],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self._enter = ["nsenter", f"--target={self._process.pid}", "--mount", f"--wd={Path.cwd()}"]
+        if kind:
+            self._enter[2:2] = ["--user", "--preserve-credentials"]
+        self.is_private = self._process.stdout.readline() == b"ready\n"
+        if not self.is_private:
+            self._enter = []
+
+    def close(self):
+        self._process.stdin.close()
+        self._process.stdout.close()
+        self._process.wait(10)
+
+    def path(self, name):
+        """A path of the space, for the tests themselves."""
+        return Path(f"/proc/{self._process.pid}/root{name}")
+
+    def run(self, command, cwd=None, **options):
+        enter = [f"--wd={cwd}" if cwd and part.startswith("--wd=") else part for part in self._enter]
+        return subprocess.run([*enter, *command], cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, timeout=120, **options)
+
+
+def searched_for_images(path):
+    """Images of disks are searched for in the folder that holds the folders here; others are named themselves."""
+    for middle in ("/libvirt/images/", "/images/", "/boxes/", "/a/b/c/"):
+        head, found, _ = os.fsdecode(path).partition(middle)
+        if found and os.fsdecode(path).endswith((".qcow2", ".vdi", ".vmdk")):
+            return Path(head)
+    return path
+
+
+def path_of(candidate):
+    """As text; bytes that are no UTF-8 as replacement characters."""
+    return candidate.get("path") or urllib.parse.unquote(candidate["pathEncoded"], errors="replace")
+
+
+class LinuxCase(unittest.TestCase):
+    """One space and one copy of the program for a class, that an ordinary user can start too; a home folder for a test."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(tempfile.mkdtemp(prefix="ombrel-e2e-", dir="/tmp"))
+        cls.addClassCleanup(remove, cls.folder)
+        cls.folder.chmod(0o755)
+        cls.program = Path(shutil.copy(PROGRAM, cls.folder / "ombrel"))
+        cls.space = Space()
+        cls.addClassCleanup(cls.space.close)
+
+    def setUp(self):
+        self.home = self.folder / "home"
+        self.home.mkdir()
+        self.addCleanup(remove, self.home)
+
+    def report(self, *prefix, cwd=None, **environment):
+        """What the program says in a bare environment; `prefix` is what starts it."""
+        result = self.space.run([*prefix, self.program, "--report=json"], cwd=cwd or self.folder, env={
+            "PATH": os.environ["PATH"], "HOME": str(self.home), "TMPDIR": "/tmp", "LANG": "C.UTF-8", **environment})
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        return json.loads(result.stdout)
+
+    def entry(self, report, guide):
+        found = [each for each in report["guide"] if each["guideId"] == guide]
+        self.assertEqual(len(found), 1, guide)
+        return found[0]
+
+    def du(self, paths):
+        """The bytes that the paths occupy together."""
+        result = self.space.run(["du", "-x", "-s", "-c", "-B1", "--", *paths])
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        return int(result.stdout.splitlines()[-1].split(b"\t")[0])
+
+    def said_of(self, entry):
+        paths = sorted(entry["paths"])
+        return entry["stateId"], paths, entry["occupied"] if paths else entry["occupied"].get("bytes", 0)
+
+    def expected_of(self, paths):
+        named = sorted({shown(searched_for_images(path)) for path in paths})
+        return ("checked", named, {"kind": "exact", "bytes": self.du(paths)}) if paths else \
+            ("notPresent", [], 0)
+
+    def assert_measured(self, report, guide, paths):
+        """The entry names exactly these paths and tells what they occupy; without paths, it says that there is nothing."""
+        self.assertEqual(self.said_of(self.entry(report, guide)), self.expected_of(paths), guide)
+
+    def assert_guide(self, report, paths):
+        """Every entry of the guide, by the paths of those that have something to measure."""
+        guides = [guide for guide in GUIDE_IDS if self.space.is_private or guide not in SYSTEM_IDS]
+        self.assertEqual({guide: self.said_of(self.entry(report, guide)) for guide in guides},
+                         {guide: self.expected_of(paths.get(guide, [])) for guide in guides})
+
+    def movable(self, report):
+        return sorted(path_of(each) for each in report["candidates"] if each["dispositionId"] == "directTrash")
+
+    def assert_movable(self, report, *names):
+        self.assertEqual(self.movable(report), sorted(shown(os.path.join(os.fsencode(self.home), os.fsencode(name)))
+                                                      for name in names))
