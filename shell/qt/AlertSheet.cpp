@@ -25,7 +25,7 @@ constexpr int sheetWidth = 440;
 constexpr int symbolSide = 44;
 constexpr int sidePadding = 24;
 constexpr int symbolGap = 18;
-constexpr int textWidth = sheetWidth - 2 * sidePadding - symbolSide - symbolGap;
+constexpr int messageWidth = sheetWidth - 2 * sidePadding - symbolSide - symbolGap;
 constexpr int distanceFromTop = 96; // of the window's content
 constexpr int leastButtonWidth = 96;
 
@@ -40,7 +40,7 @@ QLabel* textLabel(const QString& text, const Font& font, QWidget* parent) {
 QLabel* informationLabel(const AlertContent& alert, QWidget* parent) {
     auto* label = textLabel(QString(), cleanupBodyFont, parent);
     const QString whole = qString(alert.informativeText);
-    const QString shown = qString(fittedInformativeText(alert, textWidth, [&](const std::string& text) {
+    const QString shown = qString(fittedInformativeText(alert, messageWidth, [&](const std::string& text) {
         return label->fontMetrics().horizontalAdvance(qString(text));
     }));
     label->setText(shown);

@@ -15,7 +15,9 @@ namespace {
 constexpr int noteGap = 3;
 
 int amountRight(int width) { return width - cleanupRevealInset - cleanupRevealSide - cleanupRevealGap; }
-int textWidth(int width) { return amountRight(width) - cleanupAmountWidth - cleanupAmountGap - cleanupTextInset; }
+int candidateTextWidth(int width) {
+    return amountRight(width) - cleanupAmountWidth - cleanupAmountGap - cleanupTextInset;
+}
 
 // What screen readers say after the title.
 QString descriptionOf(const CandidateRowContent& content) {
@@ -35,7 +37,7 @@ CandidateRowView::CandidateRowView(const CleanupRowType& type, const CleanupRowA
 }
 
 int CandidateRowView::heightFor(const Content& content, int width, const CleanupRowType& type) {
-    const int space = textWidth(width);
+    const int space = candidateTextWidth(width);
     int height = type.titleMetrics.height() + cleanupRowLineGap +
                  wrappedHeight(type.detailMetrics, qString(content.reason), space);
     if (!content.note.empty())
@@ -109,7 +111,7 @@ void CandidateRowView::paintEvent(QPaintEvent* /*event*/) {
         drawSymbol(painter, content_.symbolName, QRectF(cleanupCardPadding, 0, cleanupSymbolSide, height()),
                    cleanupSymbolSide - 2, roleColor(content_.badgeColor, appearance()));
 
-    const int space = textWidth(width());
+    const int space = candidateTextWidth(width());
     const QString reason = qString(content_.reason);
     const QString note = qString(content_.note);
     const int reasonHeight = wrappedHeight(fonts.detailMetrics, reason, space);

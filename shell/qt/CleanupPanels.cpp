@@ -25,7 +25,7 @@ constexpr int leastWidth = 200;
 // As long as a detail usually gets. There is always room for one, so that the layout does not jump when it appears.
 const QString usualDetail = QStringLiteral("000 files shown; nothing removed automatically");
 
-int textWidth(int width) { return width - cardTextLeft - cardTextRight; }
+int cardTextWidth(int width) { return width - cardTextLeft - cardTextRight; }
 
 constexpr int noticeSymbolSide = 20;
 constexpr int noticeTextLeft = 14 + noticeSymbolSide + 12;
@@ -63,8 +63,8 @@ void SummaryCard::setContent(const SummaryCardContent& content) {
 int SummaryCard::heightForWidth(int width) const {
     return 2 * cleanupCardPadding + QFontMetrics(titleFont_).height() + titleGap + QFontMetrics(valueFont_).height() +
            detailGap +
-           std::max(wrappedHeight(QFontMetrics(detailFont_), usualDetail, textWidth(width)),
-                    wrappedHeight(QFontMetrics(detailFont_), qString(content_.detail), textWidth(width)));
+           std::max(wrappedHeight(QFontMetrics(detailFont_), usualDetail, cardTextWidth(width)),
+                    wrappedHeight(QFontMetrics(detailFont_), qString(content_.detail), cardTextWidth(width)));
 }
 
 void SummaryCard::paintEvent(QPaintEvent* /*event*/) {
@@ -78,7 +78,7 @@ void SummaryCard::paintEvent(QPaintEvent* /*event*/) {
         QRectF(cleanupCardPadding, cleanupCardPadding + 2, cleanupAccentWidth, height() - 2 * cleanupCardPadding - 4),
         cleanupAccentWidth / 2.0, cleanupAccentWidth / 2.0);
 
-    const int width = textWidth(this->width());
+    const int width = cardTextWidth(this->width());
     int y = cleanupCardPadding;
     const auto line = [&](const QFont& font, const QColor& color, const std::string& text, int gap) {
         const QFontMetrics metrics(font);

@@ -11,13 +11,13 @@ namespace vantry {
 
 namespace {
 
-constexpr int buttonPadding = 28; // of a push button, both sides together
+constexpr int sidesOfAButton = 28; // both together
 
 int widestAvenueButton(const QFontMetrics& metrics) {
     int width = 0;
     for (const auto& action : allCleanupAvenueActions)
         width = std::max(width, metrics.horizontalAdvance(qString(action.title)));
-    return width + buttonPadding;
+    return width + sidesOfAButton;
 }
 
 } // namespace
