@@ -28,7 +28,7 @@ TEST(StandardizedPath, HasNoDotsNoDoubledSlashesAndNoSlashAtItsEnd) {
         {"/a/.b", "/a/.b"},
         {"/a/b.", "/a/b."},
         {"/a/b ", "/a/b "},
-        {"/a/\xff\n\"\\", "/a/\xff\n\"\\"}, // no UTF-8
+        {"/a/\xff\n\"\\", "/a/\xff\n\"\\"}, // not valid UTF-8
     };
     for (const auto& [path, standardized] : cases)
         EXPECT_EQ(standardizedPath(path).native(), standardized) << path;

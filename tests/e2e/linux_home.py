@@ -341,7 +341,7 @@ def searched_for_images(path):
 
 
 def path_of(candidate):
-    """As text; bytes that are no UTF-8 as replacement characters."""
+    """As text; bytes that are not valid UTF-8 become replacement characters."""
     return candidate.get("path") or urllib.parse.unquote(candidate["pathEncoded"], errors="replace")
 
 

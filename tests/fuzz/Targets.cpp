@@ -48,7 +48,7 @@ void readChildren(std::string_view bytes) {
     const auto writtenAndRead = [](ShallowChildrenPayload payload) {
         auto read = decodedShallowChildren(encoded(payload));
         requireThat(read.has_value(), "a list that is written can be read");
-        std::ranges::sort(payload.names); // those that are no UTF-8 go behind the others
+        std::ranges::sort(payload.names); // names that are not valid UTF-8 go behind the others
         std::ranges::sort(read->names);
         requireThat(*read == payload, "a list is read as it is written");
     };

@@ -23,7 +23,7 @@ namespace vantry {
 /// A user ID that nobody on this system has.
 [[nodiscard]] inline uid_t unknownUser() { return 1'700'000'000U + static_cast<uid_t>(getpid()); }
 
-/// Whether a file's name may hold any bytes, also such that are no UTF-8.
+/// Whether a file's name may hold any bytes, also ones that are not valid UTF-8.
 [[nodiscard]] bool namesMayBeAnyBytes();
 
 /// Makes this process one of `user`, without any right beyond: for real as root, else in a user namespace of its own,
