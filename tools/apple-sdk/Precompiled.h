@@ -22,6 +22,10 @@
 #include <thread>
 #include <variant>
 #include <vector>
+#ifdef APPLE_CHECK_TESTS
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#endif
 #ifdef __OBJC__
 #import <AppKit/AppKit.h>
 #endif
