@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Measures the walk through a tree and the workers that make it, and prints what is aimed at and what is reached.
+"""Measures the walk through trees of several sizes, and prints what is aimed at and what is reached. What it takes beside
+others, tools/bench tells.
 
 usage: measure-walk.py BUILD-FOLDER [--trees FOLDER] [--runs COUNT] [--cold]
 
@@ -17,9 +18,8 @@ import time
 from pathlib import Path
 
 # By name: how many files in how many folders, the tree's own among them.
-SIZES = {"files-10000": (10_000, 500), "files-100000": (100_000, 5_000), "files-400000": (400_000, 20_000),
-         "files-1000000": (1_000_000, 50_000), "one-1000000": (1_000_000, 1)}
-ROUND_TRIPS = 400
+SIZES = {"files-10000": (10_000, 500), "files-100000": (100_000, 5_000), "files-1000000": (1_000_000, 50_000),
+         "one-1000000": (1_000_000, 1)}
 MOST_THREADS = 4  # of a worker
 
 
@@ -32,9 +32,6 @@ def main():
     options = parser.parse_args()
     bench = options.build.resolve() / "bench"
     root = (options.trees or bench / "trees").resolve()
-    missing = [tool for tool in ("du", "gdu", "taskset") if not shutil.which(tool)]
-    if missing:
-        raise SystemExit(f"{', '.join(missing)} missing")
     rows, load = [], os.getloadavg()
 
     def row(what, target, reached, met=True):
@@ -44,10 +41,8 @@ def main():
     made = make_trees(bench, root)
     try:
         walk = Walk(bench / "walk", root)
-        beside_others(row, walk, options.runs)
         by_size(row, walk, options.runs)
         memory(row, walk)
-        round_trip(row, options.build.resolve(), root)
         half_second(row, walk, options.cold)
     finally:
         for tree in made:
@@ -97,33 +92,6 @@ class Walk:
                 "kernel": after.children_system - before.children_system}
 
 
-def medians(commands, runs):
-    """The median time of each command; they are run in turn, after one run each that does not count."""
-    times = {name: [] for name in commands}
-    for count in range(runs + 1):
-        for name, command in commands.items():
-            begin = time.perf_counter()
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            if count:
-                times[name].append(time.perf_counter() - begin)
-    return {name: statistics.median(each) for name, each in times.items()}
-
-
-def beside_others(row, walk, runs):
-    tree = "files-400000"
-    path = str(walk.root / tree)
-    files, folders = SIZES[tree]
-    what = f"{files} files in {folders} folders"
-    both = medians({"walk": walk.command(tree), "du": ["du", "-s", path], "gdu": ["gdu", "-n", "-p", "-c", path]}, runs)
-    one = ["taskset", "-c", str(min(os.sched_getaffinity(0)))]
-    alone = medians({"walk": [*one, *walk.command(tree, 1)], "du": [*one, "du", "-s", path]}, runs)
-    for other, target, figures, where in (("du", 0.55, both, f"{walk.threads} threads"), ("gdu", 0.5, both, f"{walk.threads} threads"),
-                                          ("du", 0.9, alone, "one processor")):
-        share = figures["walk"] / figures[other]
-        row(f"{what}, {where}, beside {other}", f"<= {target} of its time",
-            f"{share:.2f} ({figures['walk']:.3f} s, {figures[other]:.3f} s)", share <= target)
-
-
 def by_size(row, walk, runs):
     names = ["files-10000", "files-100000", "files-1000000", "one-1000000"]
     for threads in sorted({1, walk.threads}):
@@ -151,21 +119,6 @@ def memory(row, walk):
         files, folders = SIZES[name]
         row(f"most memory for {files} files in {folders} folder{'s' if folders > 1 else ''}", "< 16 MB", f"{megabytes:.1f} MB",
             megabytes < 16)
-
-
-def round_trip(row, build, root):
-    empty = root / "empty"
-    empty.mkdir(exist_ok=True)
-    try:
-        said = subprocess.run([build / "bench/walk-worker", build / "ombrel", empty, str(ROUND_TRIPS)], check=True,
-                              capture_output=True, text=True).stdout
-    finally:
-        empty.rmdir()
-    nothing, measuring, listing = (float(each) * 1000 for each in said.split())
-    for what, milliseconds in (("measured", measuring), ("listed", listing)):
-        more = milliseconds - nothing
-        row(f"an empty folder {what} by a worker, beside /bin/true", "<= 1.5 ms more", f"{more:.2f} ms more ({milliseconds:.2f} ms)",
-            more <= 1.5)
 
 
 def half_second(row, walk, cold):

@@ -1,17 +1,19 @@
 #!/usr/bin/python3
-"""Measures the application as a whole and prints a table of what is aimed at and what is reached; see tools/bench.
+"""Measures the application beside what a user would run instead, and writes one table; see tools/bench.
 
-usage: measure.py BUILD-FOLDER [--idle SECONDS] [--trace SECONDS]
+usage: measure.py BUILD-FOLDER [--idle SECONDS] [--trace SECONDS] [--trees FOLDER] [--table FILE]
 """
 
 import argparse
 import json
 import os
+import platform
 import re
 import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 from collections import Counter
 from pathlib import Path
@@ -23,43 +25,130 @@ sys.path.insert(0, str(SOURCES / "tests/e2e"))
 STARTS, CLICKS, OPENINGS = 15, 20, 200
 PACE = 0.3  # seconds between two clicks: what is quicker may count as one
 DEADLINE = 10.0
+FILES, FOLDERS = 400_000, 20_000  # of the tree that is walked
+HOME_FILES = 200_000  # of the home that is scanned
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build", type=Path)
     parser.add_argument("--idle", type=float, default=180.0)
-    parser.add_argument("--trace", type=float, default=70.0)
+    parser.add_argument("--trace", type=float, default=0.0)
+    parser.add_argument("--trees", type=Path, default="/var/tmp")
+    parser.add_argument("--table", type=Path)
     options = parser.parse_args()
     build = options.build.resolve()
     os.environ["OMBREL"] = str(build / "ombrel")
     os.environ["OMBREL_FAKE_VOLUME"] = str(build / "libfakevolume.so")
     rows, load = [], os.getloadavg()
 
-    def row(what, target, reached, met):
-        rows.append((what, target, reached, "" if met else "MISSED"))
-        print(f"... {what}: {reached}", flush=True)
+    def row(what, reached, aim, met, beside="", its=""):
+        rows.append((what, reached, beside, its, aim if met else f"{aim}: **missed**"))
+        print(f"... {what}: {reached}" + (f" beside {its} of {beside}" if beside else ""), flush=True)
 
-    for name, microseconds in drawing(build).items():
-        row(f"drawing, {name}", "< 100 µs", f"{microseconds:.0f} µs", microseconds < 100)
-    more = status(build)
-    row("ombrel --status beside /bin/true", "<= 2 ms more", f"{more:.2f} ms more", more <= 2)
+    def ratio(what, ours, beside, theirs, most, shown=lambda seconds: f"{seconds:.2f} s"):
+        share = ours / theirs
+        row(what, f"{shown(ours)}, **{share:.2f}** of it", f"at most {most:.2f} of it", share <= most, f"`{beside}`", shown(theirs))
+
+    with tempfile.TemporaryDirectory(prefix="ombrel-bench-", dir=options.trees) as folder:
+        measure_walk(ratio, build, Path(folder))
+        measure_worker(row, build, Path(folder))
+        measure_scan(ratio, build, Path(folder))
+    measure_status(row, build)
     for tray in (None, "trayer"):
         milliseconds = start(tray)
-        row(f"start to the first bar, {tray or 'strip'}", "< 300 ms", f"{milliseconds:.0f} ms", milliseconds < 300)
+        row(f"start to the first bar, in {tray or 'the strip'}", f"{milliseconds:.0f} ms", "less than 300 ms", milliseconds < 300)
+    for name, microseconds in drawing(build).items():
+        row(f"drawing, {name}", f"{microseconds:.0f} µs", "less than 100 µs", microseconds < 100)
     measure_clicks(row)
+    measure_window(row, build)
     wakers = measure_idle(row, options.idle, options.trace)
 
-    widths = [max(len(line[column]) for line in rows) for column in range(3)]
-    print()
-    for line in [("measured", "target", "reached", ""), *rows]:
-        print("  ".join([*(cell.ljust(width) for cell, width in zip(line, widths)), line[3]]).rstrip())
-    print(f"\nOther work on the machine makes the figures worse; its load was {load[0]:.1f} at the begin, "
-          f"{os.getloadavg()[0]:.1f} at the end, on {os.cpu_count()} processors.")
+    text = table(rows, options.trees, load[0])
+    if options.table:
+        options.table.write_text(text)
+    print("\n" + text)
     if wakers:
         print(f"\nWhat woke a thread within {options.trace:g} s of idling:")
         for (thread, why), count in sorted(wakers.items()):
             print(f"  {count:4} x  {thread}: {why}")
+
+
+def table(rows, trees, load):
+    processor = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
+    system = re.search(r'PRETTY_NAME="(.*)"', Path("/etc/os-release").read_text())
+    disk = subprocess.run(["findmnt", "-no", "FSTYPE", "-T", trees], capture_output=True, text=True).stdout.strip()
+    memory = int(re.search(r"MemTotal: +(\d+)", Path("/proc/meminfo").read_text())[1]) / (1 << 20)
+    return "\n".join([
+        "# What Ombrel costs",
+        "",
+        "`tools/bench` writes this table. Times are medians of runs beside each other on one machine, with warm caches: compare",
+        "the ratios, not the seconds.",
+        "",
+        f"Machine: {processor[1] if processor else platform.machine()}, {os.cpu_count()} processors, {memory:.0f} GiB of memory, "
+        f"{system[1] if system else 'Linux'}, Linux {platform.release()}, {disk or 'an unknown file system'}; its load was "
+        f"{load:.1f} at the beginning.",
+        "",
+        "| measured | Ombrel | beside | which takes | aim |",
+        "|---|---|---|---|---|",
+        *(f"| {' | '.join(line)} |" for line in rows),
+        ""])
+
+
+# ---- beside what a user would run instead
+
+
+def medians(commands, folder, runs=11):
+    """The median time of each command in seconds; they take turns, after a run each that does not count."""
+    times = {name: [] for name in commands}
+    for count in range(runs + 1):
+        for name, command in commands.items():
+            begin = time.perf_counter()
+            subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                           env=os.environ | {"HOME": str(folder)})
+            if count:
+                times[name].append(time.perf_counter() - begin)
+    return {name: statistics.median(each) for name, each in times.items()}
+
+
+def measure_walk(ratio, build, folder):
+    tree, threads = folder / "tree", min(4, len(os.sched_getaffinity(0)))
+    subprocess.run([build / "bench/walk-make-tree", tree, str(FILES), str(FOLDERS)], check=True)
+    took = medians({"ours": [build / "bench/walk", tree, str(threads)], "du": ["du", "-s", tree],
+                    "gdu": ["gdu", "-n", "-p", "-c", tree]}, folder)
+    what = f"a walk through {FILES:,} files in {FOLDERS:,} folders, {threads} threads"
+    ratio(what, took["ours"], "du -s", took["du"], 0.52)
+    ratio(what, took["ours"], "gdu -npc", took["gdu"], 0.5)
+    one = ["taskset", "-c", str(min(os.sched_getaffinity(0)))]
+    took = medians({"ours": [*one, build / "bench/walk", tree, "1"], "du": [*one, "du", "-s", tree]}, folder)
+    ratio("the same on one processor, one thread", took["ours"], "du -s", took["du"], 0.97)
+    shutil.rmtree(tree)
+
+
+def measure_worker(row, build, folder):
+    empty = folder / "empty"
+    empty.mkdir()
+    said = subprocess.run([build / "bench/walk-worker", build / "ombrel", empty, "400"], check=True, capture_output=True, text=True)
+    nothing, measuring, _listing = (float(each) * 1000 for each in said.stdout.split())
+    row("a worker that measures an empty folder", f"{measuring:.2f} ms, {measuring - nothing:.2f} ms more", "at most 0.60 ms more",
+        measuring - nothing <= 0.6, "`/bin/true`", f"{nothing:.2f} ms")
+
+
+def measure_scan(ratio, build, folder):
+    figures = folder / "scan.json"
+    subprocess.run([SOURCES / "bench/measure-scan", build / "ombrel", folder, str(HOME_FILES), figures], check=True,
+                   stdout=subprocess.DEVNULL)
+    ours, by_hand = (each["median"] for each in json.loads(figures.read_text())["results"])
+    ratio(f"a scan of a home of {HOME_FILES:,} files", ours, "bench/scan-by-hand", by_hand, 0.42)
+
+
+def measure_status(row, build):
+    report = build / "hyperfine.json"
+    subprocess.run(["hyperfine", "-N", "--warmup", "20", "--runs", "400", "--export-json", report, "df /",
+                    f"{build / 'ombrel'} --status"], check=True, capture_output=True)
+    df, ombrel = (each["median"] * 1000 for each in json.loads(report.read_text())["results"])
+    row("`ombrel --status`", f"{ombrel:.2f} ms, {ombrel - df:.2f} ms more", "at most 2 ms more", ombrel - df <= 2, "`df /`",
+        f"{df:.2f} ms")
 
 
 # ---- without a display
@@ -77,15 +166,6 @@ def drawing(build):
             # The time on the processor: others may be busy.
             slowest[kind] = max(slowest.get(kind, (0, "")), (each["cpu_time"], style))
     return {f"{kind} ({style})": microseconds for kind, (microseconds, style) in slowest.items()}
-
-
-def status(build):
-    """By how many milliseconds `ombrel --status` takes longer than a process that does nothing; medians."""
-    report = build / "hyperfine.json"
-    subprocess.run(["hyperfine", "-N", "--warmup", "20", "--runs", "400", "--export-json", report, "/bin/true",
-                    f"{build / 'ombrel'} --status"], check=True, capture_output=True)
-    nothing, ombrel = (each["median"] for each in json.loads(report.read_text())["results"])
-    return (ombrel - nothing) * 1000
 
 
 # ---- on a desktop
@@ -184,17 +264,32 @@ def measure_clicks(row):
             return end - begin
 
         milliseconds = statistics.median(open_and_close() for _click in range(CLICKS)) * 1000
-        row("left click to the popover", "< 60 ms", f"{milliseconds:.0f} ms", milliseconds < 60)
+        row("left click to the popover", f"{milliseconds:.0f} ms", "less than 60 ms", milliseconds < 60)
         time.sleep(1)
         memory, files = private_megabytes(application.pid), descriptors(application.pid)
         for _opening in range(OPENINGS):
             open_and_close()
         time.sleep(1)
         growth, more = private_megabytes(application.pid) - memory, descriptors(application.pid) - files
-        row(f"private memory after {OPENINGS} openings", "< 1 MB more", f"{growth:+.2f} MB", growth < 1)
-        row(f"descriptors after {OPENINGS} openings", "as many", f"{more:+d} of {files}", more == 0)
+        row(f"private memory after {OPENINGS} openings", f"{growth:+.2f} MB", "less than 1 MB more", growth < 1)
+        row(f"descriptors after {OPENINGS} openings", f"{more:+d} of {files}", "as many", more == 0)
     finally:
         place.close()
+
+
+def measure_window(row, build):
+    """The window with 400 finds, on a display of its own."""
+    place = desktop()
+    try:
+        said = subprocess.run([build / "bench/cleanup_window_bench"], check=True, capture_output=True, text=True,
+                              env=place.environment).stdout
+    finally:
+        place.close()
+    for what, most in (("400 finds: the first screenful is painted after", 100), ("400 finds: the longest stall meanwhile", 50),
+                       ("scrolling: a frame", 16)):
+        milliseconds = float(re.search(re.escape(what) + r" +median +([0-9.]+) ms", said)[1])
+        row(what.replace("400 finds: ", "the window with 400 finds: ").replace("scrolling:", "scrolling in it:"),
+            f"{milliseconds:.1f} ms", f"less than {most} ms", milliseconds < most)
 
 
 # ---- doing nothing
@@ -225,11 +320,11 @@ def measure_idle(row, seconds, trace_seconds):
         busy = sum(nanoseconds for _name, nanoseconds, _switches in after.values()) - sum(
             nanoseconds for _name, nanoseconds, _switches in before.values())
         percent = busy / 1e9 / passed * 100
-        row(f"processor while idle for {passed:.0f} s", "< 0.05 %", f"{percent:.4f} %", percent < 0.05)
+        row(f"processor while idle for {passed:.0f} s", f"{percent:.4f} %", "less than 0.05 %", percent < 0.05)
         wakes = [f"{name} {switches - before.get(task, (0, 0, 0))[2]}" for task, (name, _time, switches) in after.items()]
-        row(f"times a thread slept in {passed:.0f} s", "the timer's", ", ".join(wakes), True)
+        print(f"... times a thread slept in {passed:.0f} s: {', '.join(wakes)}", flush=True)
         memory = private_megabytes(application.pid)
-        row("private memory", "< 30 MB", f"{memory:.1f} MB", memory < 30)
+        row("private memory while idle", f"{memory:.1f} MB", "less than 30 MB", memory < 30)
         return trace(place, application.pid, trace_seconds) if trace_seconds and shutil.which("strace") else {}
     finally:
         place.close()
