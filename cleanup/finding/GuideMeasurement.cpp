@@ -38,12 +38,12 @@ class Measurement {
 public:
     Measurement(ScanWorkers& workers, const CleanupPlaces& places, SystemTime now, Deadline deadline)
         : workers_(workers),
-          home_(places.home),
+          places_(places),
           now_(now),
           deadline_(deadline) {}
 
     void measure(const CleanupAvenue::Place& place) {
-        const auto path = expandedPlace(place.path, home_);
+        const auto path = pathOf(place.path);
         switch (place.kind) {
         case Kind::whole: return measureMatches("/", path.relative_path());
         case Kind::diskImages: return measureDiskImages(path);
@@ -68,6 +68,10 @@ public:
     }
 
 private:
+    [[nodiscard]] fs::path pathOf(std::string_view pattern) const {
+        return pattern.starts_with('/') ? places_.root / pattern.substr(1) : expandedPlace(pattern, places_.home);
+    }
+
     // The visible entries of a folder; none if it cannot be listed, and then that is noted.
     std::vector<fs::path> entries(const fs::path& folder) {
         if (!isReadable(folder))
@@ -174,7 +178,7 @@ private:
         std::set<std::string> installed;
         bool knowsSome = false;
         for (const auto* pattern : flatpakFolders) {
-            const auto folder = expandedPlace(pattern, home_);
+            const auto folder = pathOf(pattern);
             if (folderAccess(folder) == FolderAccess::none)
                 continue;
             const bool before = std::exchange(missedSomething_, false);
@@ -194,7 +198,7 @@ private:
     }
 
     ScanWorkers& workers_;
-    const fs::path& home_;
+    const CleanupPlaces& places_;
     SystemTime now_;
     Deadline deadline_;
     std::vector<CleanupByteAmount> amounts_;

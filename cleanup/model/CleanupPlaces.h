@@ -14,6 +14,7 @@ struct CleanupPlaces {
     std::filesystem::path applications = "/Applications";
     std::filesystem::path systemApplications = "/System/Applications";
     HostSystem system = hostSystem();
+    std::filesystem::path root = "/"; ///< of the guide's places outside of the home folder
 
     /// Those of this user. Follows the links that lead to the home folder, once. Fails when there is no home folder.
     /// Blocking; any thread.
