@@ -3,6 +3,7 @@
 #include "base/AtomicFile.h"
 #include "base/StandardizedPath.h"
 #include "platform/UserSession.h"
+#include "platform/linux/LinkTargets.h"
 #include "platform/linux/SettingsText.h"
 
 #include <algorithm>
@@ -58,6 +59,13 @@ bool isOrContains(const std::filesystem::path& folder, const std::filesystem::pa
     return end == folder.end();
 }
 
+// Where a folder is, as far as it is there.
+std::filesystem::path withoutLinks(const std::filesystem::path& folder) {
+    const auto resolved = resolvedPath(folder);
+    return resolved || !folder.has_relative_path() ? resolved.value_or(folder)
+                                                   : withoutLinks(folder.parent_path()) / folder.filename();
+}
+
 } // namespace
 
 std::map<std::string, std::filesystem::path> userFolders(std::string_view text, const std::filesystem::path& home) {
@@ -81,8 +89,9 @@ std::filesystem::path downloadFolder(std::string_view text, const std::filesyste
     const auto named = folders.extract("XDG_DOWNLOAD_DIR");
     folders.merge(usualFolders(standardizedHome));
     folders.emplace("", standardizedHome);
-    if (named.empty() ||
-        std::ranges::any_of(folders, [&](const auto& other) { return isOrContains(named.mapped(), other.second); }))
+    if (named.empty() || std::ranges::any_of(folders, [&, real = withoutLinks(named.mapped())](const auto& other) {
+            return isOrContains(named.mapped(), other.second) || isOrContains(real, withoutLinks(other.second));
+        }))
         return standardizedHome / "Downloads";
     return named.mapped();
 }

@@ -13,7 +13,7 @@ namespace vantry {
                                                                        const std::filesystem::path& home);
 
 /// The download folder that this text names: "Downloads" in `home` if there is none, or if the one named is, or
-/// contains, the home folder or another of the user's folders.
+/// contains, the home folder or another of the user's folders, by its name or where links lead. Waits for no server.
 [[nodiscard]] std::filesystem::path downloadFolder(std::string_view text, const std::filesystem::path& home);
 
 } // namespace vantry

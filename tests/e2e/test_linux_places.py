@@ -308,10 +308,23 @@ class DownloadFolder(LinuxCase):
                 self.assert_moves()
 
     def test_a_link_instead_of_the_folder_is_not_followed(self):
-        self.download(self.home / "Documents")
-        (self.home / "Link").symlink_to("Documents")
+        self.download(self.home / "Elsewhere")
+        (self.home / "Link").symlink_to("Elsewhere")
         self.set_folders('XDG_DOWNLOAD_DIR="$HOME/Link"')
         self.assert_moves()
+
+    def test_a_value_that_leads_to_another_folder_of_the_user_counts_as_unset(self):
+        self.download(self.home / "Stuff")
+        (self.home / "Documents").symlink_to("Stuff")
+        (self.home / "Link").symlink_to("Stuff")
+        linked = self.folder / "linked home"
+        linked.symlink_to(self.home)
+        self.addCleanup(linked.unlink)
+        for value, environment in (("$HOME/Stuff", {}), ("$HOME/Link", {}), (f"{self.home}/Stuff", {"HOME": str(linked)}),
+                                   (f"{self.home}/Documents", {"HOME": str(linked)}), (self.home, {"HOME": str(linked)})):
+            with self.subTest(value=value):
+                self.set_folders(f'XDG_DOWNLOAD_DIR="{value}"')
+                self.assert_moves(self.home / "Downloads/old.deb", **environment)
 
 
 class LeftBehind(LinuxCase):

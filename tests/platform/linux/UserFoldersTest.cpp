@@ -68,6 +68,28 @@ TEST(UserFolders, ADownloadFolderThatIsOrHoldsAnotherFolderOfTheUserCountsAsUnse
         EXPECT_EQ(downloadFolder(text, "/home/ada"), folder) << text;
 }
 
+TEST(UserFolders, ADownloadFolderThatLeadsToAnotherFolderOfTheUserCountsAsUnset) {
+    namespace fs = std::filesystem;
+    const TemporaryFolder root;
+    const auto disk = fs::canonical(root.path()) / "disk";
+    const auto home = root / "home";
+    for (const char* name : {"Documents", "Stuff/Music", "Loads"})
+        fs::create_directories(disk / name);
+    fs::create_symlink(disk, home);
+    fs::create_symlink("Stuff", disk / "Pictures");
+    fs::create_symlink("Pictures", disk / "Link");
+    fs::create_symlink("Loads", disk / "Linked loads");
+    const std::string documents = "XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\nXDG_MUSIC_DIR=\"$HOME/Stuff/Music\"\n";
+    for (const auto& folder : {disk, disk.parent_path(), disk / "Documents", home / "Stuff", disk / "Stuff",
+                               home / "Link", disk / "Pictures", disk / "Videos" /* which is missing */})
+        for (const auto& asNamed : {home, disk})
+            EXPECT_EQ(downloadFolder(documents + "XDG_DOWNLOAD_DIR=\"" + folder.native() + "\"", asNamed),
+                      asNamed / "Downloads")
+                << folder;
+    for (const auto& folder : {disk / "Loads", home / "Loads", home / "Linked loads", disk / "missing"})
+        EXPECT_EQ(downloadFolder(documents + "XDG_DOWNLOAD_DIR=\"" + folder.native() + "\"", home), folder);
+}
+
 TEST(UserFolders, AreThoseOfTheConfigurationFolder) {
     const TemporaryFolder home;
     const auto write = [&](const char* folder, const char* name) {
