@@ -1,5 +1,7 @@
 #include "cleanup/finding/GuideMeasurement.h"
 
+#include "base/ByteSum.h"
+#include "base/StandardizedPath.h"
 #include "base/Text.h"
 #include "cleanup/finding/OldFileFinders.h"
 #include "cleanup/finding/UsageMeasurement.h"
@@ -12,8 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -26,26 +30,51 @@ using Kind = CleanupAvenue::Place::Kind;
 
 constexpr std::chrono::days oldEnough{30}; // for a cache that no app seems to use
 const std::array<std::string, 3> imageEndings{".qcow2", ".vdi", ".vmdk"};
-constexpr std::array flatpakFolders{"/var/lib/flatpak/app", "~/.local/share/flatpak/app"};
+constexpr std::string_view coreDump = "core."; // and a number
+constexpr auto* userInstallation = "${FLATPAK_USER_DIR:-${XDG_DATA_HOME:-~/.local/share}/flatpak}";
 
-bool isFolder(const fs::path& path) {
-    const auto facts = readItemFacts(path);
-    return facts && facts->kind == ItemFacts::Kind::folder;
+// Whether one of the two lies in the other, or both are the same; `pattern` may hold asterisks.
+bool overlap(const fs::path& path, const fs::path& pattern) {
+    const auto [ofPath, ofPattern] =
+        std::ranges::mismatch(path, pattern, [](const fs::path& name, const fs::path& part) {
+            return matchesPattern(name.native(), part.native());
+        });
+    return ofPath == path.end() || ofPattern == pattern.end();
 }
+
+// Where a link leads, without following a second one.
+fs::path targetOf(const fs::path& path) {
+    const auto facts = readItemFacts(path);
+    if (!facts || facts->kind != ItemFacts::Kind::symbolicLink)
+        return path;
+    std::error_code error;
+    const auto target = fs::read_symlink(path, error);
+    return error ? path : standardizedPath(path.parent_path() / target);
+}
+
+struct Task {
+    ScanWorkers& workers;
+    const CleanupPlaces& places;
+    SystemTime now;
+    Deadline latest;
+    const std::function<bool()>& isWanted;
+
+    [[nodiscard]] Deadline deadline() const { return isWanted() ? latest : Deadline::min(); }
+    [[nodiscard]] fs::path pathOf(std::string_view pattern) const {
+        return pattern.starts_with('/') ? places.root / pattern.substr(1) : expandedPlace(pattern, places.home);
+    }
+};
 
 // Measures the places of one avenue.
 class Measurement {
 public:
-    Measurement(ScanWorkers& workers, const CleanupPlaces& places, SystemTime now, Deadline deadline)
-        : workers_(workers),
-          places_(places),
-          now_(now),
-          deadline_(deadline) {}
+    explicit Measurement(const Task& task) : task_(task) {}
 
     void measure(const CleanupAvenue::Place& place) {
-        const auto path = pathOf(place.path);
+        const auto path = task_.pathOf(place.path);
         switch (place.kind) {
         case Kind::whole: return measureMatches("/", path.relative_path());
+        case Kind::coreDumps: return measureCoreDumps(path);
         case Kind::diskImages: return measureDiskImages(path);
         case Kind::oldCaches: return measureOldCaches(path);
         case Kind::leftBehind: return measureLeftBehind(path);
@@ -68,17 +97,33 @@ public:
     }
 
 private:
-    [[nodiscard]] fs::path pathOf(std::string_view pattern) const {
-        return pattern.starts_with('/') ? places_.root / pattern.substr(1) : expandedPlace(pattern, places_.home);
-    }
-
-    // The visible entries of a folder; none if it cannot be listed, and then that is noted.
-    std::vector<fs::path> entries(const fs::path& folder) {
-        if (!isReadable(folder))
-            return {};
-        auto children = workers_.shallowChildren(folder, deadline_);
+    // The visible entries of a folder, or of the one that a link leads to. Absent if it is missing; if it cannot be
+    // listed, that is noted as well.
+    std::optional<std::vector<fs::path>> listed(const fs::path& folder) {
+        const auto target = targetOf(folder);
+        if (!isReadable(target))
+            return std::nullopt;
+        auto children = task_.workers.shallowChildren(target, task_.deadline());
         missedSomething_ = missedSomething_ || !children.complete;
-        return std::move(children.urls);
+        return children.complete ? std::optional(std::move(children.urls)) : std::nullopt;
+    }
+    std::vector<fs::path> entries(const fs::path& folder) { return listed(folder).value_or(std::vector<fs::path>()); }
+
+    // Those that no avenue measures as a whole, and that are not mounted there.
+    std::vector<fs::path> entriesOfNoOther(const fs::path& folder) {
+        std::vector<fs::path> places;
+        for (const auto& avenue : CleanupAvenue::catalog(task_.places.system))
+            for (const auto& place : avenue.places)
+                if (place.kind == Kind::whole)
+                    places.push_back(task_.pathOf(place.path));
+        auto found = entries(folder);
+        std::erase_if(found, [&](const auto& entry) {
+            const auto named = folder / entry.filename(); // differs if the folder is a link
+            return isMountPoint(entry) || std::ranges::any_of(places, [&](const auto& place) {
+                       return overlap(entry, place) || overlap(named, place);
+                   });
+        });
+        return found;
     }
 
     bool isReadable(const fs::path& folder) {
@@ -89,6 +134,22 @@ private:
         case FolderAccess::unknown: break;
         }
         return true;
+    }
+
+    // What is at `path`; if that cannot be found out, this is noted.
+    std::optional<ItemFacts> factsOf(const fs::path& path) {
+        const auto facts = readItemFacts(path);
+        if (facts)
+            return *facts;
+        if (facts.error().kind == ErrorKind::permissionDenied)
+            sawUnreadable_ = true;
+        else if (facts.error().kind != ErrorKind::notFound)
+            missedSomething_ = true;
+        return std::nullopt;
+    }
+    bool isA(ItemFacts::Kind kind, const fs::path& path) {
+        const auto facts = factsOf(path);
+        return facts && facts->kind == kind;
     }
 
     // Measures what `pattern`, in which names may hold asterisks, stands for below `folder`.
@@ -104,64 +165,66 @@ private:
                 rest /= *later;
             for (const auto& entry : entries(place))
                 // A link beside what it leads to, such as a snap's "current", would count twice.
-                if (matchesPattern(entry.filename().native(), name->native()) && !isLink(entry) && !isMountPoint(entry))
+                if (matchesPattern(entry.filename().native(), name->native()) &&
+                    !isA(ItemFacts::Kind::symbolicLink, entry) && !isMountPoint(entry))
                     rest.empty() ? measureWhole(entry) : measureMatches(entry, rest);
             return;
         }
         measureWhole(place);
     }
 
-    static bool isLink(const fs::path& path) {
-        const auto facts = readItemFacts(path);
-        return facts && facts->kind == ItemFacts::Kind::symbolicLink;
-    }
-
     void measureWhole(const fs::path& path) {
-        const auto facts = readItemFacts(path);
-        if (!facts) {
-            sawUnreadable_ = sawUnreadable_ || facts.error().kind == ErrorKind::permissionDenied;
-            missedSomething_ = missedSomething_ || (facts.error().kind != ErrorKind::notFound &&
-                                                    facts.error().kind != ErrorKind::permissionDenied);
+        const auto facts = factsOf(path);
+        if (!facts)
             return;
-        }
         isLinked_ = isLinked_ || facts->kind == ItemFacts::Kind::symbolicLink;
         if (facts->kind == ItemFacts::Kind::folder ? !isReadable(path) : facts->kind != ItemFacts::Kind::regularFile)
             return;
-        add(path, workers_.diskUsage(path, {}, deadline_));
+        if (std::ranges::find(paths_, path) == paths_.end()) // else two patterns stand for it
+            add(path, task_.workers.diskUsage(path, {}, task_.deadline()));
     }
 
     void add(const fs::path& path, const DirectoryMetrics& usage) {
-        if (!seen_.insert(path).second)
-            return; // two patterns of one place
         paths_.push_back(path);
         amounts_.push_back(usage.complete   ? CleanupByteAmount::exact(usage.size)
                            : usage.size > 0 ? CleanupByteAmount::atLeast(usage.size)
                                             : CleanupByteAmount::unavailable());
     }
 
+    void measureCoreDumps(const fs::path& folder) {
+        for (const auto& entry : entries(folder)) {
+            const auto name = entry.filename().native();
+            if (name.starts_with(coreDump) && name.size() > coreDump.size() &&
+                name.find_first_not_of("0123456789", coreDump.size()) == std::string::npos &&
+                isA(ItemFacts::Kind::regularFile, entry))
+                measureWhole(entry);
+        }
+    }
+
     void measureDiskImages(const fs::path& folder) {
-        if (!isFolder(folder) || !isReadable(folder))
-            return;
-        const auto usage = workers_.diskUsage(folder, imageEndings, deadline_);
-        if (usage.size > 0)
-            add(folder, usage);
+        DirectoryMetrics images{.complete = true};
+        for (const auto& entry : entriesOfNoOther(folder)) {
+            const auto usage = task_.workers.diskUsage(entry, imageEndings, task_.deadline());
+            images.complete = addBytes(images.size, usage.size) && usage.complete && images.complete;
+        }
+        if (images.size > 0)
+            add(folder, images);
         else
-            missedSomething_ = missedSomething_ || !usage.complete;
+            missedSomething_ = missedSomething_ || !images.complete;
     }
 
     void measureOldCaches(const fs::path& caches) {
-        if (!isFolder(caches))
-            return;
-        const auto cutoff = cutoffDate(now_, oldEnough);
-        for (const auto& entry : entries(caches)) {
+        const auto cutoff = cutoffDate(task_.now, oldEnough);
+        for (const auto& entry : entriesOfNoOther(caches)) {
             const auto name = entry.filename().native();
-            const auto facts = readItemFacts(entry);
-            if (!facts || isMountPoint(entry) ||
-                std::ranges::any_of(cachesOfOthers(), [&](auto pattern) { return matchesPattern(name, pattern); }))
+            if (std::ranges::any_of(cachesOfOthers(), [&](auto pattern) { return matchesPattern(name, pattern); }))
+                continue;
+            const auto facts = factsOf(entry);
+            if (!facts)
                 continue;
             auto newest = facts->contentModificationDate;
             if (facts->kind == ItemFacts::Kind::folder) {
-                const auto inside = workers_.directoryMetrics(entry, deadline_);
+                const auto inside = task_.workers.directoryMetrics(entry, task_.deadline());
                 if (!inside.complete) {
                     missedSomething_ = true; // something in it may be new
                     continue;
@@ -173,37 +236,46 @@ private:
         }
     }
 
-    // Only where it is known what is installed.
-    void measureLeftBehind(const fs::path& data) {
-        std::set<std::string> installed;
-        bool knowsSome = false;
-        for (const auto* pattern : flatpakFolders) {
-            const auto folder = pathOf(pattern);
-            if (folderAccess(folder) == FolderAccess::none)
-                continue;
-            const bool before = std::exchange(missedSomething_, false);
-            for (const auto& application : entries(folder))
-                installed.insert(application.filename().native());
-            if (sawUnreadable_ || missedSomething_)
-                return;
-            missedSomething_ = before;
-            knowsSome = true;
+    // Which Flatpak applications are installed. Absent unless each installation was listed: one that is missing may
+    // be on a disk that is not there.
+    std::optional<std::set<fs::path>> installedApplications() {
+        const auto further = task_.pathOf("/etc/flatpak/installations.d");
+        if (folderAccess(further) != FolderAccess::none) {
+            const auto files = listed(further);
+            if (!files || !files->empty())
+                return std::nullopt;
         }
-        if (!knowsSome || !isFolder(data))
+        std::set<fs::path> installed;
+        for (const auto* installation : {"/var/lib/flatpak", userInstallation}) {
+            const auto folder = task_.pathOf(installation);
+            const auto inside = listed(folder);
+            if (!inside)
+                return std::nullopt;
+            if (std::ranges::none_of(*inside, [](const auto& entry) { return entry.filename() == "app"; }))
+                continue;
+            const auto applications = listed(folder / "app");
+            if (!applications)
+                return std::nullopt;
+            for (const auto& application : *applications)
+                installed.insert(application.filename());
+        }
+        return installed;
+    }
+
+    void measureLeftBehind(const fs::path& data) {
+        const auto applications = listed(data);
+        const auto installed = applications ? installedApplications() : std::nullopt;
+        if (!installed)
             return;
-        for (const auto& application : entries(data))
-            if (!installed.contains(application.filename().native()) && isFolder(application))
+        for (const auto& application : *applications)
+            if (!installed->contains(application.filename()) && isA(ItemFacts::Kind::folder, application))
                 for (const char* part : {"data", "config"})
                     measureWhole(application / part);
     }
 
-    ScanWorkers& workers_;
-    const CleanupPlaces& places_;
-    SystemTime now_;
-    Deadline deadline_;
+    const Task& task_;
     std::vector<CleanupByteAmount> amounts_;
     std::vector<fs::path> paths_;
-    std::set<fs::path> seen_;
     bool sawUnreadable_ = false;
     bool isLinked_ = false; ///< to another place, which is not followed
     bool missedSomething_ = false;
@@ -213,18 +285,20 @@ private:
 
 std::map<std::string, GuideUsage> measureGuide(ScanWorkers& workers, const CleanupPlaces& places, SystemTime now,
                                                Deadline deadline, const std::function<bool()>& isWanted) {
+    const Task task{workers, places, now, deadline, isWanted};
+    std::map<std::string, Measurement> measurements;
+    for (const bool searched : {false, true}) // those where nobody knows how much there is to measure come last
+        for (const auto& avenue : CleanupAvenue::catalog(places.system))
+            for (const auto& place : avenue.places)
+                if (searched == (place.kind != Kind::whole || place.path.contains('*'))) {
+                    if (!isWanted())
+                        return {};
+                    measurements.try_emplace(std::string(avenue.identifier), task).first->second.measure(place);
+                }
     std::map<std::string, GuideUsage> guide;
-    for (const auto& avenue : CleanupAvenue::catalog(places.system)) {
-        if (avenue.places.empty())
-            continue;
-        Measurement measurement(workers, places, now, deadline);
-        for (const auto& place : avenue.places) {
-            if (!isWanted())
-                return guide;
-            measurement.measure(place);
-        }
-        guide.emplace(avenue.identifier, measurement.take());
-    }
+    if (isWanted())
+        for (auto& [identifier, measurement] : measurements)
+            guide.emplace(identifier, measurement.take());
     return guide;
 }
 

@@ -12,9 +12,10 @@
 
 namespace vantry::CleanupScanner {
 
-/// Measures the places of the catalog's avenues that have some of their own, by workers, until `deadline`; ends early
-/// once `isWanted` says no. Nothing is found for removal, and nothing is changed. A link is never followed, nor is a
-/// mount entered that lies in a place. Blocking; any thread but the main one.
+/// Measures the places of the catalog's avenues that have some of their own, by workers, until `deadline`; empty once
+/// `isWanted` says no, which is asked before each worker. Nothing is found for removal, and nothing is changed. A place
+/// that is a link is not followed; a folder that is searched may be one. No mount is entered that lies in a place.
+/// Blocking; any thread but the main one.
 [[nodiscard]] std::map<std::string, GuideUsage> measureGuide(ScanWorkers& workers, const CleanupPlaces& places,
                                                              SystemTime now, Deadline deadline,
                                                              const std::function<bool()>& isWanted);

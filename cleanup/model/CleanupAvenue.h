@@ -35,8 +35,9 @@ struct CleanupAvenue {
     struct Place {
         enum class Kind {
             whole,      ///< everything at the path
-            diskImages, ///< the images of virtual machines at any depth below it
-            oldCaches,  ///< what lies directly in it, is no other avenue's, and has not changed for 30 days
+            coreDumps,  ///< the regular files directly in it whose names are "core." and a number
+            diskImages, ///< the images of virtual machines at any depth below it, outside of places that are `whole`
+            oldCaches,  ///< what lies directly in it, is in no place that is `whole`, and has not changed for 30 days
             leftBehind, ///< the folders below it of Flatpak applications that are not installed
         };
 

@@ -2,13 +2,18 @@
 
 #include "cleanup/model/CleanupAvenue.h"
 #include "tests/cleanup/finding/ScanFixture.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vantry::CleanupScanner {
@@ -32,6 +37,9 @@ protected:
                 }
     }
 
+    [[nodiscard]] static std::int64_t used(const std::filesystem::path& path) {
+        return diskUsageInProcess(path, {}, deadlineIn(std::chrono::seconds(60))).size;
+    }
     std::map<std::string, GuideUsage> measured() {
         return measureGuide(workers, environment.places, now, deadlineIn(std::chrono::seconds(60)),
                             [] { return true; });
@@ -94,27 +102,175 @@ TEST_F(Guide, CountsAnOldCacheOnlyWhenEverythingInItIsOld) {
     EXPECT_EQ(measured("appCaches"), (GuideUsage{State::unavailable, CleanupByteAmount::unavailable(), {}}));
 }
 
-TEST_F(Guide, CallsDataLeftBehindOnlyWhenItIsKnownWhatIsInstalled) {
-    const auto data = folderWithFile(".var/app/org.example.Gone/data", 4096, days(1));
-    folderWithFile(".var/app/org.example.Here/data", 4096, days(1));
-    const auto isEmpty = [&] { return measured("flatpakLeftBehind").paths.empty(); };
-    EXPECT_TRUE(isEmpty()) << "no list of applications";
-    const auto applications = directory(".local/share/flatpak/app");
-    directory(".local/share/flatpak/app/org.example.Here");
-    EXPECT_EQ(measured("flatpakLeftBehind").paths, std::vector{data});
-    workers.hung.insert(applications);
-    EXPECT_TRUE(isEmpty()) << "an incomplete list of applications";
-    EXPECT_EQ(measured("flatpakLeftBehind").state, State::unavailable);
+TEST_F(Guide, LeavesOutOldCachesThatAnotherEntryMeasures) {
+    std::map<std::string, ScopedEnvironment> moved;
+    for (const auto& [name, below] : {std::pair("GOMODCACHE", "go/mod"),
+                                      {"UV_CACHE_DIR", "my-uv"},
+                                      {"npm_config_cache", "npm"},
+                                      {"HF_HUB_CACHE", "models/hub"},
+                                      {"PIP_CACHE_DIR", "."}}) // which holds all of them
+        moved.try_emplace(name, name, (home() / ".cache" / below).c_str());
+    for (const char* name : {"go/mod", "my-uv", "npm/_cacache", "models/hub"})
+        folderWithFile(std::filesystem::path(".cache") / name, 4096, days(100));
+    folderWithFile(".cache/uvula", 4096, days(100));
+    EXPECT_TRUE(measured("appCaches").paths.empty()) << "all of it is pip's";
+    moved.erase("PIP_CACHE_DIR");
+    EXPECT_EQ(measured("appCaches").paths, std::vector{home() / ".cache/uvula"});
+    EXPECT_EQ(measured("uv").paths, std::vector{home() / ".cache/my-uv"});
 }
 
-TEST_F(Guide, EndsOnceNobodyWantsIt) {
-    folderWithFile(".cache/pip", 4096, days(1));
-    folderWithFile(".npm/_cacache", 4096, days(1));
-    int looks = 0;
-    const auto guide = measureGuide(workers, environment.places, now, deadlineIn(std::chrono::seconds(60)),
-                                    [&] { return ++looks < 5; });
-    EXPECT_EQ(looks, 5);
-    EXPECT_LT(guide.size(), 5U);
+TEST_F(Guide, LeavesOutDiskImagesInPlacesOfOtherEntries) {
+    const auto image = file(".local/share/machines/a.vdi", 4096, days(1));
+    const auto loose = file(".local/share/b.vdi", 8192, days(1));
+    for (const char* name : {"Trash/files", "containers/storage/x", "flatpak/app"})
+        file(std::filesystem::path(".local/share") / name / "other.vdi", 4096, days(1));
+    EXPECT_EQ(measured("virtualMachines"),
+              (GuideUsage{State::checked, CleanupByteAmount::exact(12288), {home() / ".local/share"}}));
+    workers.metrics[image.parent_path()] = {0, {}, false};
+    EXPECT_EQ(measured("virtualMachines").occupied, CleanupByteAmount::atLeast(8192));
+}
+
+TEST_F(Guide, CountsOnlyRegularFilesNamedByANumberAsCoreDumps) {
+    for (const char* name : {"core.c", "core.", "core.12a", "core.1.txt", "core.md", "score.1", "core.-1"})
+        file(name, 4096, days(1));
+    folderWithFile("core.2", 4096, days(1));
+    link("core.3", "core.c");
+    const auto dump = file("core.1234", 4096, days(1));
+    EXPECT_EQ(measured("coreDumps"), (GuideUsage{State::checked, CleanupByteAmount::exact(4096), {dump}}));
+}
+
+TEST_F(Guide, LooksThroughAFolderThatALinkLeadsTo) {
+    const auto old = folderWithFile("disk/old", 4096, days(100));
+    folderWithFile("disk/pip", 4096, days(100));
+    const ScopedEnvironment moved("UV_CACHE_DIR", folderWithFile("disk/my-uv", 4096, days(100)).c_str());
+    file("disk/images/a.vdi", 4096, days(1));
+    link(".cache", "disk"); // relative, as a person makes it
+    link(".local/share", home() / "disk");
+    EXPECT_EQ(measured("appCaches").paths, std::vector{old});
+    EXPECT_EQ(measured("pip").paths, std::vector{home() / ".cache/pip"});
+    EXPECT_EQ(measured("virtualMachines").state, State::checked);
+}
+
+TEST_F(Guide, ReportsWhatMayNotBeReadWhereverItLooks) {
+    folderWithFile(".cache/old", 4096, days(100));
+    folderWithFile(".cache/behind/closed", 4096, days(100));
+    file(".local/share/images/a.vdi", 4096, days(1));
+    directory(".var/app/org.example.App");
+    directory(".local/share/flatpak/app");
+    directory(root / "var/lib/flatpak");
+    const std::map<std::string, std::filesystem::path> folders{
+        {"appCaches", ".cache"}, {"virtualMachines", ".local/share"}, {"flatpakLeftBehind", ".var/app"}};
+    namespace fs = std::filesystem;
+    for (fs::path above = home(); above != "/tmp" && above != "/"; above = above.parent_path())
+        fs::permissions(above, fs::perms::others_all, fs::perm_options::add);
+    for (const auto& [identifier, folder] : folders)
+        for (const auto& closed : {at(folder), at(folder).parent_path()}) {
+            if (closed == home())
+                continue;
+            fs::permissions(closed, fs::perms::none);
+            const auto said = inChildProcess([&]() -> std::string {
+                return becomeUser(unknownUser()) ? std::string(title(measured(identifier).state)) : "no other user";
+            });
+            fs::permissions(closed, fs::perms::all);
+            if (said == "no other user")
+                GTEST_SKIP() << "has to become another user";
+            EXPECT_EQ(said, title(State::permissionNeeded)) << closed;
+        }
+}
+
+TEST_F(Guide, MeasuresPlacesOfKnownNumberBeforeItSearches) {
+    folderWithFile(".cache/old", 4096, days(100));
+    folderWithFile(".cache/JetBrains/one", 4096, days(100));
+    folderWithFile(".vagrant.d/boxes", 4096, days(1));
+    static_cast<void>(measured());
+    const auto last = std::ranges::find(workers.asked, "use of " + (home() / ".vagrant.d/boxes").native());
+    for (const char* searched : {".cache", ".cache/JetBrains"})
+        EXPECT_LT(last, std::ranges::find(workers.asked, "list " + (home() / searched).native())) << searched;
+}
+
+TEST_F(Guide, MeasuresAPlaceWithTwoPatternsOnce) {
+    const auto folder = folderWithFile("cache of compilers", 4096, days(1));
+    const ScopedEnvironment moved("CCACHE_DIR", folder.c_str());
+    EXPECT_EQ(measured("ccache").paths, std::vector{folder});
+    EXPECT_EQ(workers.timesAsked("use of " + folder.native()), 1);
+}
+
+class LeftBehind : public Guide {
+protected:
+    LeftBehind() {
+        folderWithFile(".var/app/org.example.Here/data", 4096, days(1));
+        directory(".local/share/flatpak/app/org.example.Here");
+        directory(root / "var/lib/flatpak/app/org.example.Other");
+    }
+    [[nodiscard]] GuideUsage leftBehind() { return measured("flatpakLeftBehind"); }
+
+    const std::filesystem::path gone = folderWithFile(".var/app/org.example.Gone/data", 4096, days(1));
+    const std::filesystem::path user = home() / ".local/share/flatpak";
+    const std::filesystem::path system = root / "var/lib/flatpak";
+};
+
+TEST_F(LeftBehind, IsWhatNoInstallationHas) {
+    const GuideUsage expected{State::checked, CleanupByteAmount::exact(used(gone)), {gone}};
+    EXPECT_EQ(leftBehind(), expected);
+    std::filesystem::remove_all(system / "app");
+    EXPECT_EQ(leftBehind(), expected) << "an installation without applications";
+    directory(root / "etc/flatpak/installations.d");
+    EXPECT_EQ(leftBehind(), expected) << "no further installation";
+}
+
+TEST_F(LeftBehind, IsNotKnownUnlessEachInstallationIsListed) {
+    const GuideUsage nothing{State::notPresent, CleanupByteAmount::exact(0), {}};
+    for (const auto& installation : {user, system}) {
+        const auto aside = installation.native() + " aside";
+        std::filesystem::rename(installation, aside);
+        EXPECT_EQ(leftBehind(), nothing) << "missing: " << installation;
+        link(installation, "nowhere");
+        EXPECT_EQ(leftBehind(), nothing) << "a link that leads nowhere: " << installation;
+        std::filesystem::remove(installation);
+        link(installation, aside);
+        EXPECT_EQ(leftBehind().paths, std::vector{gone}) << "a link: " << installation;
+        std::filesystem::remove(installation);
+        std::filesystem::rename(aside, installation);
+        for (const auto& hung : {installation, installation / "app"}) {
+            workers.hung = {hung};
+            EXPECT_EQ(leftBehind().state, State::unavailable) << hung;
+            EXPECT_TRUE(leftBehind().paths.empty()) << hung;
+        }
+        workers.hung.clear();
+    }
+    file(root / "etc/flatpak/installations.d/more.conf", 1, days(1));
+    EXPECT_EQ(leftBehind(), nothing) << "an installation somewhere else";
+}
+
+TEST_F(LeftBehind, LooksForTheUsersInstallationWhereVariablesMoveIt) {
+    std::filesystem::create_directories(home() / "data");
+    for (const auto& [name, value] : {std::pair("FLATPAK_USER_DIR", "data/mine"), {"XDG_DATA_HOME", "data"}}) {
+        const ScopedEnvironment moved(name, at(value).c_str());
+        EXPECT_TRUE(leftBehind().paths.empty()) << name;
+        const auto there = at(std::string(value) + (name == std::string("XDG_DATA_HOME") ? "/flatpak" : ""));
+        std::filesystem::rename(user, there);
+        EXPECT_EQ(leftBehind().paths, std::vector{gone}) << name;
+        EXPECT_EQ(measured("flatpak").paths, (std::vector{system, there})) << name;
+        std::filesystem::rename(there, user);
+    }
+}
+
+TEST_F(Guide, AsksNoWorkerAnyMoreOnceNobodyWantsIt) {
+    for (const char* name : {".cache/one", ".cache/two", ".cache/pip", ".cache/JetBrains/three", ".npm/_cacache"})
+        folderWithFile(name, 4096, days(100));
+    static_cast<void>(measured());
+    const auto all = workers.asked.size();
+    EXPECT_GT(all, 8U);
+    for (std::size_t enough = 0; enough < all; ++enough) {
+        workers.asked.clear();
+        workers.deadlines.clear();
+        const auto guide = measureGuide(workers, environment.places, now, deadlineIn(std::chrono::seconds(60)),
+                                        [&] { return workers.asked.size() < enough; });
+        EXPECT_TRUE(guide.empty());
+        // Without time, a worker is not even started.
+        EXPECT_LE(std::ranges::count_if(workers.deadlines, [](auto deadline) { return !hasPassed(deadline); }),
+                  static_cast<std::ptrdiff_t>(enough));
+    }
 }
 
 } // namespace

@@ -50,6 +50,7 @@ public:
     [[nodiscard]] DirectoryMetrics diskUsage(const std::filesystem::path& path, std::span<const std::string> endings,
                                              Deadline deadline) override {
         asked.push_back("use of " + path.native());
+        deadlines.push_back(deadline);
         if (const auto given = metrics.find(path); given != metrics.end())
             return given->second;
         return CleanupScanner::diskUsageInProcess(path, endings, deadline);

@@ -159,7 +159,7 @@ TEST(CleanupAvenueCatalog, OnLinuxWhatHasPlacesHasANameForProgramsAndNoCategory)
         if (!avenue.identifier.empty())
             EXPECT_TRUE(identifiers.insert(avenue.identifier).second) << avenue.identifier;
         for (const auto& place : avenue.places)
-            EXPECT_TRUE(place.path.starts_with('/') || place.path.starts_with("~/") || place.path.starts_with("${"))
+            EXPECT_TRUE(place.path.starts_with('/') || place.path.starts_with('~') || place.path.starts_with("${"))
                 << place.path;
     }
     EXPECT_EQ(identifiers.size(), 36U);
