@@ -1,7 +1,9 @@
 #include "cleanup/model/GuidePlaces.h"
 
 #include "base/StandardizedPath.h"
+#include "platform/UserSession.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -26,6 +28,16 @@ std::size_t closingBrace(std::string_view text) {
     return text.size();
 }
 
+// Whether a folder below it can be a program's own. The home folder may be named by a link that leads to it.
+bool isMeant(const std::string& folder, const std::filesystem::path& home) {
+    if (!folder.starts_with('/'))
+        return false;
+    const auto standardized = standardizedPath(folder);
+    return std::ranges::none_of(std::array{home, homeFolder().value_or(home)}, [&](const auto& other) {
+        return std::ranges::mismatch(standardized, other).in1 == standardized.end();
+    });
+}
+
 std::string expanded(std::string_view pattern, const std::filesystem::path& home) {
     if (pattern.starts_with('~'))
         return home.native() + std::string(pattern.substr(1));
@@ -36,11 +48,10 @@ std::string expanded(std::string_view pattern, const std::filesystem::path& home
     const auto colon = inside.find(defaultBegin);
     const std::string name(inside.substr(0, colon));
     const char* value = std::getenv(name.c_str());
-    std::string_view folder = value ? value : "";
-    if (name == "GOPATH")
-        folder = folder.substr(0, folder.find(':'));
-    return (folder.starts_with('/') ? std::string(folder)
-                                    : expanded(inside.substr(colon + defaultBegin.size()), home)) +
+    std::string folder = value ? value : "";
+    if (name == "GOPATH" || name == "CONDA_PKGS_DIRS")
+        folder.resize(std::min(folder.find_first_of(":,"), folder.size()));
+    return (isMeant(folder, home) ? folder : expanded(inside.substr(colon + defaultBegin.size()), home)) +
            std::string(pattern.substr(end + 1));
 }
 
@@ -67,7 +78,9 @@ std::span<const std::string_view> cachesOfOthers() {
                                       "JetBrains"sv, "ccache"sv, "chromium"sv, "go-build"sv, "google-chrome"sv,
                                       "huggingface"sv, "mozilla"sv, "pip"sv, "thumbnails"sv, "uv"sv,
                                       // installed programs and virtual environments
-                                      "Cypress"sv, "ms-playwright"sv, "pypoetry"sv,
+                                      "Cypress"sv, "ms-playwright"sv, "pre-commit"sv, "puppeteer"sv, "pypoetry"sv,
+                                      // files that are still to be uploaded
+                                      "rclone"sv,
                                       // a mount, and what crashes or is rebuilt while it is in use
                                       "doc"sv, "evolution"sv, "ibus"sv, "kwin"sv, "mesa_shader_cache*"sv,
                                       "plasmashell"sv, "qtshadercache-*"sv};

@@ -9,7 +9,8 @@ namespace vantry {
 
 /// The path that a pattern of a `CleanupAvenue::Place` stands for, standardized; an asterisk in it stands for any
 /// characters of one visible name. "~" at the beginning is `home`, and "${NAME:-pattern}" the variable's value if that
-/// is absolute, else the pattern. Of a list, as in GOPATH, the first element counts. Reads the environment; any thread.
+/// is absolute and neither is nor holds the home folder, else the pattern. Of a list, as in GOPATH, the first element
+/// counts. Reads the environment; any thread.
 [[nodiscard]] std::filesystem::path expandedPlace(std::string_view pattern, const std::filesystem::path& home);
 
 /// Whether `name` is what `pattern` stands for, in which an asterisk stands for any characters.

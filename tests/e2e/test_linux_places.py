@@ -152,6 +152,12 @@ class Overrides(LinuxCase):
     MOVES = [("PIP_CACHE_DIR", "", "pip", ".cache/pip"),
              ("UV_CACHE_DIR", "", "uv", ".cache/uv"),
              ("npm_config_cache", "_cacache", "npm", ".npm/_cacache"),
+             ("NPM_CONFIG_CACHE", "_cacache", "npm", ".npm/_cacache"),
+             ("npm_config_cache", "_logs", "oldLogs", ".npm/_logs"),
+             ("NPM_CONFIG_CACHE", "_logs", "oldLogs", ".npm/_logs"),
+             ("CONDA_PKGS_DIRS", "", "conda", "miniconda3/pkgs"),
+             ("CONDA_PKGS_DIRS", "", "conda", ".conda/pkgs"),
+             ("FLATPAK_USER_DIR", "", "flatpak", ".local/share/flatpak"),
              ("CARGO_HOME", "registry", "cargo", ".cargo/registry"),
              ("CARGO_HOME", "git", "cargo", ".cargo/git"),
              ("GOCACHE", "", "goBuild", ".cache/go-build"),
@@ -172,6 +178,10 @@ class Overrides(LinuxCase):
              ("XDG_CACHE_HOME", "ccache", "ccache", ".cache/ccache"),
              ("XDG_CACHE_HOME", "huggingface/hub", "huggingface", ".cache/huggingface/hub"),
              ("XDG_CACHE_HOME", "mozilla", "browserCaches", ".cache/mozilla"),
+             ("XDG_CONFIG_HOME", "Code/Cache", "vscode", ".config/Code/Cache"),
+             ("XDG_DATA_HOME", "flatpak", "flatpak", ".local/share/flatpak"),
+             ("XDG_DATA_HOME", "pnpm/store", "pnpm", ".local/share/pnpm/store"),
+             ("XDG_DATA_HOME", "containers/storage", "podman", ".local/share/containers/storage"),
              ("XDG_DATA_HOME", "Trash", "trash", ".local/share/Trash"),
              ("XDG_DATA_HOME", "xorg/Xorg.0.log.old", "oldLogs", ".local/share/xorg/Xorg.0.log.old"),
              ("XDG_DATA_HOME", "images/disk.qcow2", "virtualMachines", ".local/share/images/disk.qcow2"),
@@ -201,6 +211,11 @@ class Overrides(LinuxCase):
             for value in ("", base.name, f"./{base.name}"):
                 self.assert_measured(self.report(cwd=base.parent, **{variable: value}), guide, [default])
 
+    def test_a_value_that_is_or_holds_the_home_folder_counts_as_unset(self):
+        for variable, _base, guide, default, _moved in self.moves():
+            for value in (self.home, f"{self.home}/", f"{self.home}/x/..", self.folder, "/"):
+                self.assert_measured(self.report(**{variable: str(value)}), guide, [default])
+
     def test_a_variable_that_leads_nowhere_leaves_nothing_to_measure(self):
         for variable, _base, guide, _default, _moved in self.moves():
             self.assert_measured(self.report(**{variable: str(self.home / "nowhere")}), guide, [])
@@ -223,7 +238,7 @@ class Overrides(LinuxCase):
 
     def test_what_is_protected_in_a_cache_folder_stays_so_when_the_folder_is_elsewhere(self):
         cache = self.home / "moved"
-        for name in ("pypoetry", "ms-playwright", "Cypress", "mesa_shader_cache_db", "kwin", "doc", "ibus", "evolution"):
+        for name in ("pypoetry", "ms-playwright", "Cypress", "puppeteer", "pre-commit", "rclone", "mesa_shader_cache_db", "kwin", "doc", "ibus", "evolution"):
             self.make(cache / name)
         report = self.report(XDG_CACHE_HOME=str(cache))
         self.assert_guide(report, {})

@@ -19,6 +19,7 @@ TEST(GuidePlaces, APatternIsExpandedByTheHomeFolderAndTheEnvironment) {
     const ScopedEnvironment relative("OMBREL_C", "c");
     const ScopedEnvironment empty("OMBREL_D", "");
     const ScopedEnvironment list("GOPATH", "/disk/one:/disk/two");
+    const ScopedEnvironment folders("CONDA_PKGS_DIRS", "/disk/one,/disk/two");
     const std::pair<const char*, const char*> cases[] = {
         {"/var/crash", "/var/crash"},
         {"~", "/home/ada"},
@@ -32,9 +33,23 @@ TEST(GuidePlaces, APatternIsExpandedByTheHomeFolderAndTheEnvironment) {
         {"${OMBREL_A:-${OMBREL_C:-~/.c}/y}/x", "/home/ada/.c/y/x"},
         {"${OMBREL_B:-${OMBREL_A:-~/.a}/y}/*", "/disk/b/*"},
         {"${GOPATH:-~/go}/pkg", "/disk/one/pkg"},
+        {"${CONDA_PKGS_DIRS:-~/conda}", "/disk/one"},
     };
     for (const auto& [pattern, path] : cases)
         EXPECT_EQ(expandedPlace(pattern, "/home/ada"), path) << pattern;
+}
+
+TEST(GuidePlaces, AVariableThatIsOrHoldsTheHomeFolderCountsAsUnset) {
+    const ScopedEnvironment asNamed("HOME", "/link/to/ada");
+    for (const char* value : {"/home/ada", "/home/ada/", "/home/./ada", "/home/ada/x/..", "/home", "/", "/link/to/ada/",
+                              "/link/to", "/home/ada:/disk"}) {
+        const ScopedEnvironment set("GOPATH", value);
+        EXPECT_EQ(expandedPlace("${GOPATH:-~/.go}", "/home/ada"), "/home/ada/.go") << value;
+    }
+    for (const char* value : {"/home/ada/x", "/home/adam", "/home/ad", "/link/to/adam"}) {
+        const ScopedEnvironment set("GOPATH", value);
+        EXPECT_EQ(expandedPlace("${GOPATH:-~/.go}", "/home/ada"), value);
+    }
 }
 
 TEST(GuidePlaces, AnAsteriskStandsForAnyCharacters) {
@@ -70,7 +85,8 @@ TEST(GuidePlaces, WhatOneAvenueMeasuresInTheCacheFolderIsNotCountedByAnother) {
     EXPECT_GE(measured.size(), 10U);
     for (const auto& name : measured)
         EXPECT_EQ(std::ranges::count(cachesOfOthers(), name), 1) << name;
-    for (const char* name : {"doc", "ms-playwright", "pypoetry", "mesa_shader_cache", "mesa_shader_cache_db"})
+    for (const char* name : {"doc", "ms-playwright", "puppeteer", "pre-commit", "pypoetry", "rclone",
+                             "mesa_shader_cache", "mesa_shader_cache_db"})
         EXPECT_TRUE(std::ranges::any_of(cachesOfOthers(), [&](auto other) { return matchesPattern(name, other); }))
             << name;
 }
