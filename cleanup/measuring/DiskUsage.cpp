@@ -1,16 +1,21 @@
 #include "cleanup/measuring/DiskUsage.h"
 
 #include "base/ByteSum.h"
+#include "base/Format.h"
+#include "base/UniqueFd.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
-#include <fts.h>
+#include <dirent.h>
+#include <fcntl.h>
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
+#include <tuple>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace vantry::CleanupScanner {
 
@@ -29,9 +34,8 @@ private:
     std::unordered_set<ino_t> inodes_;
 };
 
-bool isCounted(const FTSENT& entry, std::span<const std::string> endings) {
-    const std::string_view name(entry.fts_name, entry.fts_namelen);
-    return endings.empty() || (entry.fts_info == FTS_F && std::ranges::any_of(endings, [&](const auto& ending) {
+bool isCounted(std::string_view name, const struct stat& facts, std::span<const std::string> endings) {
+    return endings.empty() || (S_ISREG(facts.st_mode) && std::ranges::any_of(endings, [&](const auto& ending) {
                                    return name.ends_with(ending);
                                }));
 }
@@ -40,37 +44,56 @@ bool isCounted(const FTSENT& entry, std::span<const std::string> endings) {
 
 DirectoryMetrics diskUsageInProcess(const std::filesystem::path& path, std::span<const std::string> endings,
                                     Deadline deadline) {
-    std::string root = path.native();
-    const std::array<char*, 2> roots{root.data(), nullptr};
-    const std::unique_ptr<FTS, decltype([](FTS* walk) { fts_close(walk); })> walk(
-        fts_open(roots.data(), FTS_PHYSICAL | FTS_XDEV | FTS_NOCHDIR, nullptr));
-    if (!walk)
+    struct stat root = {};
+    if (lstat(path.c_str(), &root) != 0)
         return {};
     DirectoryMetrics usage{.complete = true};
     SeenFiles seen;
-    for (;;) {
-        errno = 0;
-        const FTSENT* entry = fts_read(walk.get());
-        if (!entry) {
-            usage.complete = usage.complete && errno == 0;
-            return usage;
-        }
-        switch (entry->fts_info) {
-        case FTS_D: // counted when it is left: then it is known whether it could be read
-        case FTS_DC: continue;
-        case FTS_NS:
-        case FTS_ERR:
-            usage.complete = usage.complete && entry->fts_level > 0 && entry->fts_errno == ENOENT; // gone since
-            continue;
-        case FTS_DNR: usage.complete = false; break;
-        default: break;
-        }
-        if (isCounted(*entry, endings) && seen.isFirst(*entry->fts_statp) &&
-            !addBytes(usage.size, bytesInBlock * entry->fts_statp->st_blocks))
+    std::vector<std::string> folders; // whose entries are still to be counted
+    const auto count = [&](std::string_view name, std::string place, const struct stat& facts) {
+        if (isCounted(name, facts, endings) && seen.isFirst(facts) &&
+            !addBytes(usage.size, bytesInBlock * facts.st_blocks))
             usage.complete = false;
-        if (hasPassed(deadline))
-            return {.size = usage.size, .complete = false};
+        if (S_ISDIR(facts.st_mode))
+            folders.push_back(std::move(place));
+    };
+    count(path.filename().native(), path.native(), root);
+    bool isEmpty = S_ISDIR(root.st_mode);
+    while (!folders.empty()) {
+        const auto folder = std::move(folders.back());
+        folders.pop_back();
+        UniqueFd fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        const std::unique_ptr<DIR, decltype([](DIR* list) { closedir(list); })> list(fd ? fdopendir(fd.get())
+                                                                                        : nullptr);
+        if (!list) {
+            usage.complete = usage.complete && errno == ENOENT; // gone since
+            isEmpty = false;
+            continue;
+        }
+        std::ignore = fd.release(); // the list owns it
+        for (;;) {
+            errno = 0;
+            const auto* entry = readdir(list.get());
+            if (!entry)
+                break;
+            const std::string_view name(entry->d_name);
+            if (name == "." || name == "..")
+                continue;
+            isEmpty = false;
+            struct stat facts = {};
+            if (fstatat(dirfd(list.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
+                usage.complete = usage.complete && errno == ENOENT;
+            else if (facts.st_dev == root.st_dev) // else something is mounted there
+                count(name, formatted("{}/{}", folder, name), facts);
+            if (hasPassed(deadline)) // a single folder may hold millions
+                return {.size = usage.size, .complete = false};
+        }
+        usage.complete = usage.complete && errno == 0;
     }
+    if (isEmpty)
+        usage.size = 0;
+    usage.complete = usage.complete && !hasPassed(deadline);
+    return usage;
 }
 
 } // namespace vantry::CleanupScanner

@@ -113,6 +113,20 @@ class Mounted(LinuxCase):
                 self.assert_measured(self.report(), guide, [place])
                 self.assertLess(self.du([place]), 1 << 20)
 
+    def test_a_mount_inside_of_a_place_does_not_count_itself(self):
+        # Unlike the root of a tmpfs, a folder and a file that are bound from a disk occupy some of it.
+        disk = self.folder / "disk"
+        self.addCleanup(self.space.run, ["rm", "-rf", disk])
+        fill(disk, {"folder/inner": 4, "file": 80})
+        place = self.mount(".cargo/registry")
+        inside = self.space.path(str(place))
+        fill(inside, {"folder": {}, "file": 4})
+        for name in ("folder", "file"):
+            self.assertEqual(self.space.run(["mount", "--bind", disk / name, place / name]).stderr, b"")
+            self.addCleanup(self.space.run, ["umount", place / name])
+            self.assertGreater(os.lstat(disk / name).st_blocks, 0)
+        self.assert_measured(self.report(), "cargo", [place])
+
     def test_a_disk_image_on_another_file_system_is_not_counted(self):
         own = self.home / ".local/share/images/own.qcow2"
         fill(own, 64)

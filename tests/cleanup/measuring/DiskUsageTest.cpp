@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <sys/stat.h>
@@ -68,6 +69,28 @@ TEST_F(DiskUsage, IsIncompleteWithoutTimeAndWhereNothingIs) {
     fs::create_directories(folder / "a");
     EXPECT_FALSE(diskUsageInProcess(folder, {}, deadlineIn(seconds(-1))).complete);
     EXPECT_EQ(used(root / "missing"), DirectoryMetrics());
+}
+
+TEST_F(DiskUsage, OfAFolderWithNothingInItIsNothing) {
+    fs::create_directories(folder);
+    EXPECT_EQ(used(folder), (DirectoryMetrics{.size = 0, .complete = true}));
+    fs::create_directories(folder / "a");
+    EXPECT_EQ(used(folder), (DirectoryMetrics{.size = blocks(folder) + blocks(folder / "a"), .complete = true}));
+}
+
+TEST_F(DiskUsage, OfAWideFolderEndsAtTheDeadlineAndKeepsWhatWasCounted) {
+    fs::create_directories(folder);
+    for (int i = 0; i < 5000; ++i)
+        writeFile(folder / std::to_string(i), "x");
+    const auto timeOf = [&](Deadline deadline) {
+        const auto before = std::clock();
+        const auto usage = diskUsageInProcess(folder, {}, deadline);
+        EXPECT_EQ(usage.complete, !hasPassed(deadline));
+        EXPECT_GT(usage.size, 0);
+        return std::clock() - before;
+    };
+    const auto whole = timeOf(deadlineIn(seconds(60)));
+    EXPECT_LT(timeOf(deadlineIn(seconds(-1))) * 10, whole);
 }
 
 TEST_F(DiskUsage, IsALowerBoundWhenAFolderMayNotBeRead) {
