@@ -149,7 +149,12 @@ AvenueStatus avenueStatus(const CleanupAvenue& avenue, const CleanupScanReport& 
 }
 
 bool offersCommand(const CleanupAvenue& avenue, const CleanupScanReport& report) {
-    return !avenue.command.empty() && avenueState(avenue, report) != AvenueState::notPresent;
+    const auto measured = report.guide.find(std::string(avenue.identifier));
+    if (avenue.command.empty() || measured == report.guide.end())
+        return false;
+    const auto& [state, occupied, paths, note] = measured->second;
+    return state == CleanupScanState::permissionNeeded ? avenue.places.front().kind == CleanupAvenue::Place::Kind::whole
+                                                       : occupied.knownBytes().value_or(0) > 0;
 }
 
 AvenueRowContent avenueRow(const CleanupAvenue& avenue, const CleanupScanReport& report, HostSystem system) {

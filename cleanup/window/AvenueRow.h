@@ -74,7 +74,8 @@ struct AvenueTarget {
                                         const std::filesystem::path& downloads,
                                         const std::filesystem::path& applications);
 
-/// Whether the avenue's command is shown: not where there is nothing that it could work on.
+/// Whether the avenue's command is shown: once something was measured for it to work on, or where access is needed that
+/// the command may have, unless it is not known what would be found there.
 [[nodiscard]] bool offersCommand(const CleanupAvenue& avenue, const CleanupScanReport& report);
 
 /// The button that copies the avenue's command.

@@ -131,6 +131,69 @@ TEST(AvenueStatus, SaysNotMeasuredYetBeforeTheFirstScanHasEnded) {
               (AvenueStatus{"Checked Automatically", "Not measured yet", SystemColor::green}));
 }
 
+// Places of its own.
+TEST(AvenueStatus, OfAnAvenueThatIsMeasuredSaysWhatIsKnownAndOffersACommandForWhatIsThere) {
+    using enum CleanupAvenue::Mode;
+    using Usage = GuideUsage;
+    struct Case {
+        std::optional<Usage> usage;
+        AvenueStatus status;
+        bool offersCommand;
+    };
+    const std::vector<std::filesystem::path> paths{"/home/ada/.cache/tool"};
+    auto avenue = avenueOf({}, manageInApp);
+    avenue.identifier = "tool";
+    avenue.places = {{"~/.cache/tool"}};
+    const auto reportWith = [](const std::optional<Usage>& usage) {
+        auto report = reportOf({});
+        if (usage)
+            report.guide["tool"] = *usage;
+        return report;
+    };
+    avenue.command = "tool clean";
+    for (const auto& [usage, status, isOffered] :
+         {Case{{}, {"Use Its Own Command", "Not measured yet", SystemColor::blue}, false},
+          Case{Usage{checked, Amount::exact(2000), paths},
+               {"Use Its Own Command", "2 KB used here", SystemColor::blue},
+               true},
+          Case{Usage{limited, Amount::atLeast(2000), paths},
+               {"Use Its Own Command", "At least 2 KB seen", SystemColor::blue},
+               true},
+          Case{Usage{checked, Amount::exact(0), paths},
+               {"Use Its Own Command", "0 B used here", SystemColor::blue},
+               false},
+          Case{Usage{permissionNeeded, Amount::unavailable(), {}},
+               {"Folder Access Needed", "Size unavailable", SystemColor::red},
+               true},
+          Case{Usage{relocated, Amount::exact(0), {}},
+               {"Stored Somewhere Else", "Size unavailable", SystemColor::blue},
+               false},
+          Case{Usage{unavailable, Amount::unavailable(), paths},
+               {"Couldn’t Check", "Size unavailable", SystemColor::orange},
+               false},
+          Case{Usage{notPresent, Amount::exact(0), {}},
+               {"Folder Not Found", "0 B used here", SystemColor::secondaryLabel},
+               false}}) {
+        const auto report = reportWith(usage);
+        EXPECT_EQ(avenueStatus(avenue, report, HostSystem::linuxDesktop), status);
+        EXPECT_EQ(offersCommand(avenue, report), isOffered) << status.primary << ", " << status.secondary;
+        EXPECT_EQ(avenueRow(avenue, report, HostSystem::linuxDesktop).detail.contains("tool clean"), isOffered);
+    }
+
+    // What is searched for is not known to be there.
+    avenue.places = {{"~/.var/app", CleanupAvenue::Place::Kind::leftBehind}};
+    EXPECT_FALSE(offersCommand(avenue, reportWith(Usage{permissionNeeded, Amount::unavailable(), {}})));
+
+    avenue.command = {};
+    const auto measured = reportWith(Usage{checked, Amount::exact(2000), paths});
+    EXPECT_EQ(avenueStatus(avenue, measured, HostSystem::linuxDesktop),
+              (AvenueStatus{"Left to Its Owner", "2 KB used here", SystemColor::blue}));
+    EXPECT_FALSE(offersCommand(avenue, measured));
+    avenue.mode = macOSManaged;
+    EXPECT_EQ(avenueStatus(avenue, measured, HostSystem::linuxDesktop),
+              (AvenueStatus{"Protected by the System", "2 KB used here", SystemColor::purple}));
+}
+
 TEST(AvenueRow, ShowsTheAvenue) {
     EXPECT_EQ(avenueRow(avenueOf({}, CleanupAvenue::Mode::macOSManaged), {}, HostSystem::macOS),
               (AvenueRowContent{.symbolName = "symbol",

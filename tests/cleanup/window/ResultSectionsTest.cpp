@@ -111,7 +111,10 @@ TEST(StorageGuideSections, AButtonIsWhereTheAvenueHasAnAction) {
 
 TEST(StorageGuideSections, OnLinuxACommandCanBeCopiedAndStandsBelowTheExplanation) {
     auto report = reportOf({});
-    report.guide["npm"] = {CleanupScanState::checked, CleanupByteAmount::exact(7'000'000), {"/home/ada/.npm/_cacache"}};
+    for (const auto& avenue : CleanupAvenue::catalog(HostSystem::linuxDesktop))
+        if (!avenue.places.empty())
+            report.guide[std::string(avenue.identifier)] = {
+                CleanupScanState::checked, CleanupByteAmount::exact(7'000'000), {"/a place"}};
     std::size_t commands = 0;
     for (const auto& section : storageGuideSections(report, HostSystem::linuxDesktop, plainButton))
         for (const auto& row : section.avenues) {
@@ -123,15 +126,16 @@ TEST(StorageGuideSections, OnLinuxACommandCanBeCopiedAndStandsBelowTheExplanatio
             EXPECT_EQ(row.button->tooltip, copy->command);
             EXPECT_TRUE(row.button->enabled);
             EXPECT_TRUE(row.detail.ends_with("\n" + copy->command)) << row.detail;
-            EXPECT_EQ(row.usage, row.title == "npm" ? "7 MB used here" : "Not measured yet");
+            EXPECT_EQ(row.usage, "7 MB used here");
         }
     EXPECT_EQ(commands, 21);
 
     report.guide["trash"] = {CleanupScanState::checked, CleanupByteAmount::exact(0), {}, "It is emptied on Mondays."};
     EXPECT_EQ(storageGuideSections(report, HostSystem::linuxDesktop, plainButton)[5].avenues[0].detail,
-              "Empty it in the file manager. Its files stay recoverable until then. It is emptied on Mondays.");
+              "What is in it stays recoverable until it is deleted. Empty it in the file manager. It is emptied on "
+              "Mondays.");
 
-    report.guide["npm"].state = CleanupScanState::notPresent;
+    report.guide["npm"] = {CleanupScanState::notPresent, CleanupByteAmount::exact(0), {}};
     const auto sections = storageGuideSections(report, HostSystem::linuxDesktop, plainButton);
     const auto& absent = sections[3].avenues.back();
     EXPECT_EQ(absent.title, "npm");
