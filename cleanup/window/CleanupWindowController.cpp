@@ -33,8 +33,7 @@ void CleanupWindowController::scan() {
     state_.activity = Activity::scanning;
     state_.selected.clear();
     state_.copiedCommand.clear();
-    if (const auto isWanted = std::exchange(guideIsWanted_, nullptr))
-        isWanted->store(false);
+    stopMeasuringGuide();
     if (state_.canOpen.empty())
         findOutWhatCanBeOpened();
     updateSelectionSummary();
@@ -68,6 +67,7 @@ void CleanupWindowController::finishScan(CleanupScanReport report) {
 void CleanupWindowController::measureGuide() {
     if (!services_.measureGuide)
         return;
+    stopMeasuringGuide();
     guideIsWanted_ = std::make_shared<std::atomic<bool>>(true);
     backgroundQueue_->submit(QualityOfService::utility, [weak = weak_from_this(), queue = mainQueue_,
                                                          measure = services_.measureGuide, isWanted = guideIsWanted_] {
@@ -84,6 +84,11 @@ void CleanupWindowController::measureGuide() {
                 self->render();
             });
     });
+}
+
+void CleanupWindowController::stopMeasuringGuide() {
+    if (const auto isWanted = std::exchange(guideIsWanted_, nullptr))
+        isWanted->store(false);
 }
 
 // ---- the controls
@@ -194,7 +199,10 @@ void CleanupWindowController::cancelPressed() {
     render();
 }
 
-void CleanupWindowController::windowClosed() { cancelPressed(); }
+void CleanupWindowController::windowClosed() {
+    stopMeasuringGuide();
+    cancelPressed();
+}
 
 void CleanupWindowController::confirm(const Candidates& selected, const std::vector<std::string>& failureLines) {
     if (!failureLines.empty()) {
@@ -237,6 +245,11 @@ void CleanupWindowController::finishMove(const MoveOutcome& outcome) {
         forget(moved);
     for (const auto& item : outcome.misplaced)
         forget(item.candidate);
+    if (!outcome.moved.empty()) {
+        state_.report.guide.erase("trash"); // it holds more than was measured
+        if (guideIsWanted_)
+            measureGuide(); // the Trash may have been measured before
+    }
     state_.activity = Activity::idle;
     state_.summary = movedText(outcome.moved.size(), outcome.failureLines.size(), outcome.recordWritten);
     updateSelectionSummary();
@@ -255,8 +268,7 @@ void CleanupWindowController::forget(const CleanupCandidate& gone) {
 }
 
 void CleanupWindowController::applicationWillTerminate() {
-    if (guideIsWanted_)
-        guideIsWanted_->store(false);
+    stopMeasuringGuide();
     services_.stopScanning();
     if (move_)
         move_->stop(services_.longestEnding);

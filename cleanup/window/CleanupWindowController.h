@@ -45,7 +45,7 @@ public:
 
     /// Escape was pressed in the window: gives up a running check of the selected files, so that nothing moves.
     void cancelPressed();
-    /// The user closed the window: same as `cancelPressed`.
+    /// The user closed the window: same as `cancelPressed`; the guide is not measured further.
     void windowClosed();
     /// The process is about to exit. Ends a running scan with its workers. Lets a move finish its current file and
     /// write its record, waiting at most `CleanupServices::longestEnding`.
@@ -63,6 +63,7 @@ private:
 
     void finishScan(CleanupScanReport report);
     void measureGuide();
+    void stopMeasuringGuide();
 
     // The steps of a move; any of them may end it.
     void validate(Candidates selected, Check checked);
@@ -90,7 +91,7 @@ private:
     std::shared_ptr<Workspace> workspace_;
     CleanupServices services_;
     CleanupWindowState state_;
-    std::shared_ptr<std::atomic<bool>> guideIsWanted_; ///< of the last measurement; null once its result is shown
+    std::shared_ptr<std::atomic<bool>> guideIsWanted_; ///< of the last measurement; null once it is shown or given up
     int checkNumber_ = 0;                              ///< number of the last check that was started or given up
     std::shared_ptr<MoveControl> move_;                ///< of the last move that was started
     CleanupWindowContent content_;                     ///< as last rendered

@@ -286,18 +286,30 @@ protected:
         disk.measureGuide = [this](const std::function<bool()>& isWanted) {
             ++measured;
             wanted = isWanted;
+            if (const auto now = std::exchange(meanwhile, nullptr))
+                now();
             return std::map<std::string, GuideUsage>{
-                {"npm", {CleanupScanState::checked, CleanupByteAmount::exact(1000 * measured), {}}}};
+                {"npm", {CleanupScanState::checked, CleanupByteAmount::exact(1000 * measured), {}}},
+                {"trash", {CleanupScanState::checked, CleanupByteAmount::exact(1000 * measured), {}}}};
         };
         controller =
             std::make_shared<CleanupWindowController>(shell, mainQueue, backgroundQueue, workspace, disk.services());
     }
-    [[nodiscard]] std::string npm() const {
+    [[nodiscard]] std::string usageOf(const char* title) const {
         for (const auto& section : shown().sections)
             for (const auto& row : section.avenues)
-                if (row.title == "npm")
+                if (row.title == title)
                     return row.usage;
         return "no row";
+    }
+    [[nodiscard]] std::string npm() const { return usageOf("npm"); }
+    // The guide is measured, and its amounts wait to be shown.
+    void measureTheGuide() {
+        disk.report = reportOf({logAt("/l/a"), logAt("/l/b")});
+        controller->showAndScan();
+        finishTheScan();
+        ASSERT_TRUE(backgroundQueue->runNext());
+        ASSERT_EQ(measured, 1);
     }
     void finishTheScan() {
         ASSERT_TRUE(backgroundQueue->runNext());
@@ -305,6 +317,7 @@ protected:
     }
     int measured = 0;
     std::function<bool()> wanted;
+    std::function<void()> meanwhile; ///< happens while the guide is measured, once
 };
 
 TEST_F(MeasuredGuide, ComesAfterTheCandidatesWhichCanBeUsedMeanwhile) {
@@ -347,15 +360,68 @@ TEST_F(MeasuredGuide, IsNotMeasuredForAScanThatIsFollowedByAnother) {
     EXPECT_EQ(measured, 1);
 }
 
-TEST_F(MeasuredGuide, IsNoLongerWantedAtTheEnd) {
-    openWith({});
-    controller->scanPressed();
-    finishTheScan();
-    ASSERT_TRUE(backgroundQueue->runNext());
+TEST_F(MeasuredGuide, IsNoLongerWantedNorShownAtTheEnd) {
+    measureTheGuide();
+    controller->modeChanged(CleanupWindowMode::storageGuide);
     controller->applicationWillTerminate();
     EXPECT_FALSE(wanted());
-    controller.reset();
     settle();
+    EXPECT_EQ(npm(), "Not measured yet");
+}
+
+TEST_F(MeasuredGuide, OutlivesNoController) {
+    measureTheGuide();
+    controller.reset();
+    EXPECT_FALSE(wanted());
+    settle();
+}
+
+TEST_F(MeasuredGuide, IsNoLongerWantedNorShownOnceTheWindowIsClosed) {
+    measureTheGuide();
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    controller->windowClosed();
+    EXPECT_FALSE(wanted());
+    settle();
+    EXPECT_EQ(npm(), "Not measured yet");
+    controller->showAndScan();
+    settle();
+    EXPECT_EQ(npm(), "2 KB used here");
+}
+
+TEST_F(MeasuredGuide, IsShownBehindASheetWithoutDisturbingIt) {
+    measureTheGuide();
+    tick("/l/a");
+    controller->trashPressed();
+    ASSERT_TRUE(mainQueue->runNext()); // shown while the file is checked
+    EXPECT_EQ(enabledButtons(), "busy");
+    settle();
+    ASSERT_TRUE(shell.alert);
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    EXPECT_EQ(npm(), "1 KB used here");
+    answer(AlertAnswer::first);
+    settle();
+    EXPECT_THAT(recorded(), ElementsAre("/l/a"));
+}
+
+TEST_F(MeasuredGuide, KnowsNothingOfTheTrashAfterAMove) {
+    openWith({logAt("/l/a"), logAt("/l/b")});
+    move({"/l/a"});
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    EXPECT_EQ(usageOf("Trash"), "Not measured yet");
+    EXPECT_EQ(npm(), "1 KB used here");
+    EXPECT_EQ(measured, 1);
+}
+
+TEST_F(MeasuredGuide, IsMeasuredAgainWhenAMoveEndsMeanwhile) {
+    meanwhile = [this] {
+        const auto first = wanted;
+        move({"/l/a"});
+        EXPECT_FALSE(first());
+    };
+    openWith({logAt("/l/a"), logAt("/l/b")});
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    EXPECT_EQ(measured, 2);
+    EXPECT_EQ(usageOf("Trash"), "2 KB used here");
 }
 
 TEST_F(CleanupWindow, ButtonsThatOpenNothingAreDisabled) {
