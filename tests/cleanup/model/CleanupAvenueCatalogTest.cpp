@@ -167,6 +167,23 @@ TEST(CleanupAvenueCatalog, OnLinuxWhatHasPlacesHasANameForProgramsAndNoCategory)
         EXPECT_TRUE(avenue.places.empty() && avenue.command.empty()) << avenue.title;
 }
 
+TEST(CleanupAvenueCatalog, OnLinuxACommandThatRemovesMoreOrLessThanWhatIsThereSaysSo) {
+    const std::map<std::string_view, std::string> said{
+        {"ccache -C", "removes all of them"},
+        {"go clean -cache", "removes all of them"},
+        {"go clean -modcache", "removes all of them"},
+        {"docker image prune", "removes only images that have no name and no container"},
+        {"podman image prune", "removes only images that have no name and no container"},
+        {"sudo dnf clean packages", "removes only the packages"}};
+    std::size_t found = 0;
+    for (const CleanupAvenue& avenue : CleanupAvenue::catalog(HostSystem::linuxDesktop))
+        if (const auto expected = said.find(avenue.command); expected != said.end()) {
+            ++found;
+            EXPECT_THAT(std::string(avenue.detail), testing::HasSubstr(expected->second)) << avenue.command;
+        }
+    EXPECT_EQ(found, said.size());
+}
+
 TEST(CleanupAvenueCatalog, HasThisManyAvenuesOfEachModeAndInEachArea) {
     EXPECT_EQ(countsBy(&CleanupAvenue::mode), (std::map<Mode, int>{{Mode::scanned, 13},
                                                                    {Mode::manageInApp, 12},
