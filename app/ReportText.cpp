@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Utf8.h"
 #include "cleanup/model/CleanupAvenue.h"
+#include "cleanup/window/AvenueRow.h"
 #include "platform/TextFormat.h"
 
 #include <algorithm>
@@ -218,9 +219,8 @@ void appendGuide(Report& report, const CleanupScanReport& scanned, const std::fi
         report.line(formatted("{:>10}  {}{}", bytes ? byteCountText(*bytes) : "", avenue.title, remark));
         for (const auto& path : usage->paths)
             report.line(formatted("{:12}{}", "", report.styled(Style::faded, shortPath(path, home))));
-        if (!usage->note.empty())
-            report.paragraph(usage->note, 12);
-        if (!avenue.command.empty())
+        report.paragraph(inWordsOf(system, avenue.detail) + (usage->note.empty() ? "" : " " + usage->note), 12);
+        if (offersCommand(avenue, scanned))
             report.line(formatted("{:12}{}", "", avenue.command));
     }
 }
@@ -273,6 +273,7 @@ Json guideJson(const CleanupAvenue& avenue, const GuideUsage& usage) {
         paths.push_back(path.native());
     return {{"guideId", avenue.identifier},
             {"title", avenue.title},
+            {"detail", avenue.detail},
             {"area", title(avenue.area)},
             {"areaId", identifier(avenue.area)},
             {"state", title(usage.state)},

@@ -1,5 +1,7 @@
 #include "app/ReportText.h"
 
+#include "cleanup/model/CleanupAvenue.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -156,6 +158,10 @@ TEST(ReportText, FitsATerminalExceptForNamesAndPaths) {
         scanned.states[row.value] = CleanupScanState::limited;
         scanned.metrics[row.value] = {CleanupByteAmount::atLeast(999'999'999'999), 999'999'999'999, 99'999};
     }
+    for (const auto& avenue : CleanupAvenue::catalog(HostSystem::linuxDesktop))
+        if (!avenue.places.empty())
+            scanned.guide[std::string(avenue.identifier)] = {
+                CleanupScanState::limited, CleanupByteAmount::atLeast(999'999'999'999), {"/x"}};
     for (const auto system : {HostSystem::macOS, HostSystem::linuxDesktop}) {
         std::istringstream lines(reportText(scanned, "/home/ada", false, system));
         for (std::string line; std::getline(lines, line);)
@@ -178,6 +184,35 @@ TEST(ReportText, OnLinuxLeavesOutCategoriesWithoutAPlace) {
     const auto onLinux = reportText(scanned, "/home/ada", false, HostSystem::linuxDesktop);
     EXPECT_THAT(onLinux, Not(HasSubstr("Xcode Archives")));
     EXPECT_THAT(onLinux, HasSubstr("Temporary App Files"));
+}
+
+TEST(ReportText, OnLinuxExplainsThePlacesOfTheGuideWithTheirCommands) {
+    auto scanned = report();
+    scanned.guide = {
+        {"uv", {CleanupScanState::limited, CleanupByteAmount::atLeast(2'000'000), {"/home/ada/.cache/uv"}}},
+        {"trash", {CleanupScanState::checked, CleanupByteAmount::exact(0), {"/t"}, "A note."}},
+        {"docker", {CleanupScanState::permissionNeeded, CleanupByteAmount::unavailable(), {}}},
+        {"npm", {CleanupScanState::unavailable, CleanupByteAmount::unavailable(), {}}},
+        {"pip", {CleanupScanState::notPresent, CleanupByteAmount::exact(0), {}}}};
+    const auto text = reportText(scanned, "/home/ada", false, HostSystem::linuxDesktop);
+    EXPECT_THAT(text, HasSubstr("\nOther places, which Ombrel only measures\n"
+                                "      2 MB  uv, at least\n"
+                                "            ~/.cache/uv\n"
+                                "            Environments may link into it: it is never safe to change it\n"
+                                "              directly.\n"
+                                "            uv cache prune\n"));
+    EXPECT_THAT(text, HasSubstr("            npm: Couldn’t Check\n"));
+    EXPECT_THAT(text, Not(HasSubstr("npm cache verify"))) << "nothing is known to be there";
+    EXPECT_THAT(text, HasSubstr("            Docker: Folder Access Needed\n"));
+    EXPECT_THAT(text, HasSubstr("            docker image prune\n"));
+    EXPECT_THAT(text, HasSubstr("       0 B  Trash\n            /t\n"));
+    EXPECT_THAT(text, HasSubstr("file manager. A note.\n"));
+    EXPECT_THAT(text, Not(HasSubstr("pip")));
+    const auto guide = Json::parse(reportJson(scanned))["guide"];
+    ASSERT_EQ(guide.size(), scanned.guide.size());
+    for (const auto& entry : guide)
+        if (entry["guideId"] == "uv")
+            EXPECT_EQ(entry["detail"], "Environments may link into it: it is never safe to change it directly.");
 }
 
 TEST(ReportText, ColoursAreTheOnlyDifferenceOnATerminal) {
