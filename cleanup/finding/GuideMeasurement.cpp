@@ -308,7 +308,7 @@ std::map<std::string, GuideUsage> measureGuide(const ScanEnvironment& environmen
     WorkerHost workers(environment.workers);
     auto guide = measureGuide(workers, environment.places, environment.now(), deadlineIn(longest), isWanted);
     if (const auto trash = guide.find("trash"); trash != guide.end())
-        if (const auto kept = trashRetention())
+        if (const auto kept = trashRetention(environment.workers.stopSwitch))
             trash->second.note = "GNOME deletes what has been in it for " +
                                  countText(static_cast<std::size_t>(kept->count()), "day") + ".";
     return guide;

@@ -122,6 +122,8 @@ TrashMove moveToTrash(const PinnedFile& file, const PinnedFileFacts& checked) {
 }
 
 // Only the guide of Linux says so.
-std::optional<std::chrono::days> trashRetention() { return std::nullopt; }
+std::optional<std::chrono::days> trashRetention(const std::shared_ptr<StopSwitch>& /*stopSwitch*/) {
+    return std::nullopt;
+}
 
 } // namespace vantry

@@ -13,23 +13,24 @@ namespace vantry {
 namespace {
 
 // As `gsettings` prints it.
-std::string privacySetting(const char* key) {
+std::string privacySetting(const char* key, const std::shared_ptr<StopSwitch>& stopSwitch) {
     constexpr std::size_t longest = 4096;
     constexpr std::chrono::seconds longestAnswer{1};
-    const auto printed = programOutput("/usr/bin/env", {"gsettings", "get", "org.gnome.desktop.privacy", key}, longest,
-                                       deadlineIn(longestAnswer));
+    auto program = SupervisedChild::start("/usr/bin/env", {"gsettings", "get", "org.gnome.desktop.privacy", key},
+                                          ChildOutput::pipe, stopSwitch);
+    const auto printed = program ? program->outputToEnd(longest, deadlineIn(longestAnswer)) : std::nullopt;
     return std::string(trimmed(printed.value_or("")));
 }
 
 } // namespace
 
-std::optional<std::chrono::days> trashRetention() {
+std::optional<std::chrono::days> trashRetention(const std::shared_ptr<StopSwitch>& stopSwitch) {
     constexpr std::string_view typeOfAge = "uint32 ";
     const char* desktop = std::getenv("XDG_CURRENT_DESKTOP");
     if (!std::string_view(desktop ? desktop : "").contains("GNOME") ||
-        privacySetting("remove-old-trash-files") != "true")
+        privacySetting("remove-old-trash-files", stopSwitch) != "true")
         return std::nullopt;
-    const auto age = privacySetting("old-files-age");
+    const auto age = privacySetting("old-files-age", stopSwitch);
     unsigned days = 0;
     if (!age.starts_with(typeOfAge))
         return std::nullopt;

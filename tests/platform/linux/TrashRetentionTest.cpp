@@ -17,6 +17,7 @@ using std::chrono::days;
 
 TEST(TrashRetention, IsTheSettingOfGnomeInItsSession) {
     const TemporaryFolder programs;
+    const auto stopSwitch = StopSwitch::create().value();
     const ScopedEnvironment path("PATH", (programs.path().native() + ":/usr/bin:/bin").c_str());
     const auto gnomeSays = [&](const std::string& removes, const std::string& age) {
         writeFile(programs / "gsettings", "#!/bin/sh\ncase \"$*\" in\n"
@@ -26,7 +27,7 @@ TEST(TrashRetention, IsTheSettingOfGnomeInItsSession) {
                                               "'get org.gnome.desktop.privacy old-files-age') " +
                                               age + " ;;\nesac\n");
         chmod((programs / "gsettings").c_str(), 0755);
-        return trashRetention();
+        return trashRetention(stopSwitch);
     };
     const ScopedEnvironment gnome("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
     EXPECT_EQ(gnomeSays("echo true", "echo uint32 30"), days(30));
@@ -40,8 +41,11 @@ TEST(TrashRetention, IsTheSettingOfGnomeInItsSession) {
                                        {"echo true", "echo uint32 -1"},
                                        {"echo true", "exec sleep 600"}})
         EXPECT_EQ(gnomeSays(removes, age), std::nullopt) << removes << ", " << age;
+    EXPECT_TRUE(stopSwitch->stop());
+    EXPECT_EQ(gnomeSays("echo true", "echo uint32 30"), std::nullopt) << "stopped";
+    EXPECT_EQ(trashRetention(nullptr), days(30));
     const ScopedEnvironment other("XDG_CURRENT_DESKTOP", "XFCE");
-    EXPECT_EQ(gnomeSays("echo true", "echo uint32 30"), std::nullopt);
+    EXPECT_EQ(trashRetention(nullptr), std::nullopt);
 }
 
 } // namespace
