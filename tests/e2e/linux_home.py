@@ -28,7 +28,7 @@ SYSTEM_IDS = {"coreDumps", "journal", "aptArchives", "dnfCache", "pacmanCache", 
 
 # What the owners recommend. An entry that is not named here has no command.
 COMMANDS = {
-    "journal": {"journalctl --vacuum-size=500M", "sudo journalctl --vacuum-size=500M"},
+    "journal": {"sudo journalctl --vacuum-size=500M"},
     "coreDumps": {"coredumpctl list"},
     "aptArchives": {"sudo apt-get clean"},
     "dnfCache": {"sudo dnf clean packages"},
