@@ -109,7 +109,7 @@ private:
     }
     std::vector<fs::path> entries(const fs::path& folder) { return listed(folder).value_or(std::vector<fs::path>()); }
 
-    // Those that no avenue measures as a whole, and that are not mounted there.
+    // Those that can be looked up, that no avenue measures as a whole, and that are not mounted there.
     std::vector<fs::path> entriesOfNoOther(const fs::path& folder) {
         std::vector<fs::path> places;
         for (const auto& avenue : CleanupAvenue::catalog(task_.places.system))
@@ -119,9 +119,9 @@ private:
         auto found = entries(folder);
         std::erase_if(found, [&](const auto& entry) {
             const auto named = folder / entry.filename(); // differs if the folder is a link
-            return isMountPoint(entry) || std::ranges::any_of(places, [&](const auto& place) {
-                       return overlap(entry, place) || overlap(named, place);
-                   });
+            return !factsOf(entry) || isMountPoint(entry) || std::ranges::any_of(places, [&](const auto& place) {
+                return overlap(entry, place) || overlap(named, place);
+            });
         });
         return found;
     }
