@@ -19,16 +19,16 @@ void answer(AppDelegate& delegate, InstanceRequest request) {
 
 ProcessEvents::ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDelegate> delegate,
                              std::unique_ptr<SingleInstance> instance, int terminationDescriptor)
-    : instance_(std::move(instance)) {
+    : delegate_(std::move(delegate)),
+      instance_(std::move(instance)) {
     if (instance_) {
         touching_ = queue.repeatEvery(std::chrono::hours(1), [instance = instance_.get()] { instance->touch(); });
-        requests_ =
-            queue.whenReadable(instance_->descriptor(), [from = instance_.get(), delegate = std::move(delegate)] {
-                const auto target = delegate.lock();
-                while (const auto request = from->receive())
-                    if (target)
-                        answer(*target, *request);
-            });
+        requests_ = queue.whenReadable(instance_->descriptor(), [from = instance_.get(), delegate = delegate_] {
+            const auto target = delegate.lock();
+            while (const auto request = from->receive())
+                if (target)
+                    answer(*target, *request);
+        });
     }
     if (terminationDescriptor >= 0)
         termination_ = queue.whenReadable(terminationDescriptor, [terminationDescriptor, &shell] {
@@ -36,6 +36,14 @@ ProcessEvents::ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDe
             [[maybe_unused]] const auto length = read(terminationDescriptor, &signal, 1);
             shell.terminate();
         });
+}
+
+void ProcessEvents::applicationWillTerminate() {
+    requests_.reset();
+    touching_.reset();
+    instance_.reset();
+    if (const auto target = delegate_.lock())
+        target->applicationWillTerminate();
 }
 
 } // namespace vantry

@@ -15,7 +15,12 @@ public:
     ProcessEvents(MainQueue& queue, Shell& shell, std::weak_ptr<AppDelegate> delegate,
                   std::unique_ptr<SingleInstance> instance, int terminationDescriptor);
 
+    /// The process is about to exit, which a running move may delay. Gives up the instance first, so that a start
+    /// during the delay becomes the next one, then tells the delegate. May be called more than once.
+    void applicationWillTerminate();
+
 private:
+    std::weak_ptr<AppDelegate> delegate_;
     std::unique_ptr<SingleInstance> instance_;
     std::unique_ptr<Subscription> requests_;
     std::unique_ptr<Subscription> touching_;

@@ -81,13 +81,13 @@ struct Interface {
 
 // Called before anything is destroyed, so that a move in progress stops after the current file and writes its record.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
-    _interface.delegate->applicationWillTerminate();
+    _interface.events->applicationWillTerminate();
     return NSTerminateNow;
 }
 
 // `run` does not return; the process ends after this.
 - (void)applicationWillTerminate:(NSNotification*)notification {
-    _interface.delegate->applicationWillTerminate();
+    _interface.events->applicationWillTerminate();
     _interface.events.reset();
     _interface.delegate.reset();
     _interface.shell.reset();

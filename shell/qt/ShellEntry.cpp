@@ -55,9 +55,9 @@ std::shared_ptr<const WindowList> windowList() {
 }
 
 // Qt calls exit() when it loses the display. A move in progress must stop cleanly then, too.
-void terminateAtExit(const std::shared_ptr<AppDelegate>& delegate) {
-    static std::weak_ptr<AppDelegate> running;
-    running = delegate;
+void terminateAtExit(const std::shared_ptr<ProcessEvents>& events) {
+    static std::weak_ptr<ProcessEvents> running;
+    running = events;
     std::atexit([] {
         if (const auto target = running.lock())
             target->applicationWillTerminate();
@@ -93,12 +93,12 @@ int runShell(ShellLaunch launch) {
         shell, makeAppServices(mainQueue, std::make_shared<QtPreferencesStore>(), std::make_shared<QtWorkspace>(),
                                windowList(), std::move(launch.arguments)));
     shell.setDelegate(delegate);
-    terminateAtExit(delegate);
-    const ProcessEvents events(*mainQueue, shell, delegate, std::move(launch.instance),
-                               catchTerminationSignals().value_or(-1));
+    const auto events = std::make_shared<ProcessEvents>(*mainQueue, shell, delegate, std::move(launch.instance),
+                                                        catchTerminationSignals().value_or(-1));
+    terminateAtExit(events);
     delegate->applicationDidFinishLaunching();
     const int status = QApplication::exec();
-    delegate->applicationWillTerminate();
+    events->applicationWillTerminate();
     mainQueue->close();
     return status;
 }

@@ -119,6 +119,25 @@ TEST_F(LaterStarts, AreNotReceivedAfterTheEventsEnd) {
     EXPECT_TRUE(next && *next) << "the place is free again";
 }
 
+TEST_F(LaterStarts, BecomeTheInstanceWhileThisOneWaitsForItsEnd) {
+    auto services = world.appServices();
+    bool claimed = false;
+    services.makeCleanupServices = [&] {
+        auto cleanup = world.cleanup.services();
+        cleanup.stopScanning = [&] {
+            const auto next = SingleInstance::claim(folder.path(), name);
+            claimed = next && *next;
+        };
+        return cleanup;
+    };
+    launchWith(std::move(services));
+    listen();
+    delegate->showCleanupWindow();
+    events->applicationWillTerminate();
+    EXPECT_TRUE(claimed);
+    events->applicationWillTerminate();
+}
+
 TEST_F(LaterStarts, AreNotNeededWithoutAnInstance) {
     launchAndSettle();
     const ProcessEvents none(*world.mainQueue, shell, delegate, nullptr, -1);

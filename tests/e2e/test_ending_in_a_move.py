@@ -7,7 +7,7 @@ import signal
 import unittest
 
 from cleanup_case import CleanupCase, MIB
-from waiting import wait_until
+from waiting import holds, wait_until
 
 FILES = {f"Library/Logs/{name}.log": size * MIB for size, name in enumerate(("one", "two", "three", "four", "five", "six"), 1)}
 QUESTION = "Move 6 selected items to the Trash?"
@@ -95,6 +95,14 @@ class EndingInAMove(CleanupCase):
         self.desktop.screen.display.sync()
         self.assertEqual(application.wait_for_end(), 1)
         self.assertIn(self.check(home), (2, 3))
+
+    def test_a_start_during_the_end_becomes_the_next_application(self):
+        home, application, log = self.hold_up("the sync after a move", 30, 2)
+        application.signal(signal.SIGTERM)
+        wait_until(lambda: not any(path.is_socket() for path in self.desktop.runtime.iterdir()), "the end to begin")
+        holds(lambda: "exit_group(" not in log.read_text(), "the wait for the disk")
+        self.start(home=home).wait_for_strip()
+        wait_until(lambda: "exit_group(0" in log.read_text(), "the end of the application")
 
     def test_a_disk_that_hangs_does_not_keep_it_from_ending(self):
         home, application, log = self.hold_up("the sync after a move", 30, 2)

@@ -36,14 +36,15 @@ protected:
     }
 
     /// Runs the application; `block` acts as the user.
-    static int run(std::vector<std::string> arguments, const std::function<void()>& block) {
+    static int run(std::vector<std::string> arguments, const std::function<void()>& block,
+                   std::unique_ptr<SingleInstance> instance = nullptr) {
         Desktop::get().whileRunning = [&block] {
             EXPECT_TRUE(runUntil([] { return textOf(statusButton().toolTip).find(" used, ") != std::string::npos; }));
             block();
             EXPECT_TRUE(HasFatalFailure() || runUntil([] { return Desktop::get().hasEnded; }));
             [[NSApplication sharedApplication] terminate:nil]; // in case of a failure
         };
-        const int status = ombrelShellEntry({.arguments = std::move(arguments), .instance = nullptr});
+        const int status = ombrelShellEntry({.arguments = std::move(arguments), .instance = std::move(instance)});
         Desktop::get().whileRunning = nullptr;
         return status;
     }
@@ -161,6 +162,20 @@ TEST_F(AppKitApplication, EndsOnASignalWhileASheetAsks) {
         raise(SIGTERM);
     });
     EXPECT_TRUE(std::filesystem::exists(home / "Downloads/Painter.dmg"));
+}
+
+TEST_F(AppKitApplication, GivesUpTheInstanceWhenItBeginsToEnd) {
+    const auto claim = [this] { return SingleInstance::claim(home.path(), "test").value_or(nullptr); };
+    run(
+        {},
+        [&] {
+            NSApplication* const application = [NSApplication sharedApplication];
+            EXPECT_FALSE(claim());
+            EXPECT_EQ([application.delegate applicationShouldTerminate:application], NSTerminateNow);
+            EXPECT_TRUE(claim());
+            quitByMenu();
+        },
+        claim());
 }
 
 TEST_F(AppKitApplication, SaysSoWhereThereIsNoWindowServer) {
