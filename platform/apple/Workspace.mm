@@ -1,5 +1,6 @@
 #include "platform/apple/Services.h"
 
+#include "platform/ItemFacts.h"
 #include "platform/apple/FoundationValues.h"
 
 #include <AppKit/AppKit.h>
@@ -100,11 +101,7 @@ public:
         }
     }
     bool canOpenItem(const std::filesystem::path& path) const override {
-        @autoreleasepool {
-            BOOL isFolder = NO; // an application is one too
-            NSString* text = urlFromPath(path).path;
-            return text && [[NSFileManager defaultManager] fileExistsAtPath:text isDirectory:&isFolder] && isFolder;
-        }
+        return folderAccess(path) != FolderAccess::none; // an application is a folder too
     }
     void copyText(const std::string& text) override {
         @autoreleasepool {

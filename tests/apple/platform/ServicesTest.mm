@@ -3,6 +3,7 @@
 #include "platform/apple/Services.h"
 
 #include "tests/apple/AppKitFixture.h"
+#include "tests/platform/contract/ItemFactsFixture.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -140,6 +141,18 @@ TEST_F(AppleServices, FoldersAndApplicationsCanBeOpenedAndItemsRevealed) {
     EXPECT_FALSE(workspace->canOpenItem(folder / "missing"));
     workspace->revealItem(folder / "file");
     EXPECT_THAT(Desktop::get().revealed, ElementsAre((folder / "file").native()));
+}
+
+// As on a network volume, which is not asked.
+TEST_F(AppleServices, AFolderThatCannotBeLookedUpMayBeOpened) {
+    struct Nobody : Items {
+        using Items::asNobody;
+    };
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "closed/folder");
+    std::filesystem::permissions(folder / "closed", {});
+    EXPECT_TRUE(Nobody::asNobody([&] { return makeWorkspace()->canOpenItem(folder / "closed/folder"); }));
+    std::filesystem::permissions(folder / "closed", std::filesystem::perms::owner_all);
 }
 
 TEST_F(AppleServices, ACopiedTextReplacesWhatWasOnThePasteboard) {
