@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -37,8 +38,11 @@ StripWindow::StripWindow(std::function<bool()> closesPopover, std::function<void
     placement_.setSingleShot(true);
     placement_.setInterval(untilBothAreTold);
     connect(&placement_, &QTimer::timeout, this, &StripWindow::place);
-    for (const QScreen* screen : QGuiApplication::screens())
+    const auto follow = [this](const QScreen* screen) {
         connect(screen, &QScreen::availableGeometryChanged, &placement_, qOverload<>(&QTimer::start));
+    };
+    std::ranges::for_each(QGuiApplication::screens(), follow);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, follow);
 }
 
 void StripWindow::setContent(const StatusItemContent& content) {
