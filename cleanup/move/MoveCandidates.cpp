@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "platform/FileCoordinator.h"
 
+#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -30,6 +31,11 @@ TrashMove moveOne(const MoveServices& services, const CleanupCandidate& candidat
 
 std::string failureLine(const CleanupCandidate& candidate, std::string_view reason) {
     return singleLine(candidate.title) + ": " + singleLine(reason);
+}
+
+std::string misplacedLine(const MisplacedItem& item) {
+    return failureLine(item.candidate,
+                       item.move.path.empty() ? item.move.reason : "it is at " + item.move.path.native());
 }
 
 std::vector<std::string> validationFailureLines(const MoveServices& services,
@@ -63,6 +69,9 @@ MoveOutcome moveCandidates(const MoveServices& services, std::span<const Cleanup
         }
     }
     outcome.recordWritten = record && services.saveHistory(outcome.moved, *record, RecordVersion::last);
+    if (control.isStopped())
+        for (const auto& item : outcome.misplaced)
+            std::fprintf(stderr, "ombrel: %s\n", misplacedLine(item).c_str());
     control.end();
     return outcome;
 }

@@ -27,6 +27,9 @@ struct MisplacedItem {
     bool operator==(const MisplacedItem&) const = default;
 };
 
+/// Where the item is, or else why it is not in its place, as a line.
+[[nodiscard]] std::string misplacedLine(const MisplacedItem& item);
+
 /// The result of a move. A candidate is in at most one of the lists, and in none if the move was stopped before it.
 struct MoveOutcome {
     std::vector<CleanupCandidate> moved;   ///< in the order of the move
@@ -36,7 +39,8 @@ struct MoveOutcome {
 };
 
 /// Moves the candidates to the Trash one by one until `control` stops it; continues after a failure. Writes the record
-/// again after each moved file, so that it is true however the process ends.
+/// again after each moved file, so that it is true however the process ends. A stopped move tells about misplaced items
+/// on standard error, because the process ends before a window can.
 [[nodiscard]] MoveOutcome moveCandidates(const MoveServices& services, std::span<const CleanupCandidate> candidates,
                                          MoveControl& control);
 

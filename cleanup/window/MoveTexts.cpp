@@ -46,9 +46,7 @@ AlertContent confirmationAlert(const CandidateTotal& selected) {
 AlertContent misplacedAlert(std::span<const MisplacedItem> items) {
     std::string text;
     for (const auto& item : items)
-        text += failureLine(item.candidate,
-                            item.move.path.empty() ? item.move.reason : "it is at " + item.move.path.native()) +
-                "\n";
+        text += misplacedLine(item) + "\n";
     return {"Some items could not be put back",
             text + "\nAnother program interfered while they were being moved. Ombrel deleted nothing.",
             {"OK"}};

@@ -157,6 +157,18 @@ TEST_F(MoveCandidates, StopsBetweenTwoFilesAndWritesTheRecord) {
     EXPECT_EQ(disk.recorded(), outcome.moved);
 }
 
+TEST_F(MoveCandidates, AStoppedMoveTellsOnStandardErrorWhereAMisplacedItemIs) {
+    disk.moves["/l/a"] = {.outcome = TrashMove::Outcome::misplaced, .path = "/trash/files/a"};
+    for (const bool stops : {false, true}) {
+        if (stops)
+            disk.beforeMove = [this](const auto&) { control.stop(std::chrono::milliseconds(0)); };
+        testing::internal::CaptureStderr();
+        outcome = moveCandidates(disk.services().move, candidates, control);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), stops ? "ombrel: a: it is at /trash/files/a\n" : "");
+        EXPECT_EQ(outcome.misplaced.size(), 1U);
+    }
+}
+
 TEST_F(MoveCandidates, StoppingWaitsForTheFileInHandAndItsRecord) {
     std::size_t versionsOfTheRecord = 0;
     std::thread stopper;
