@@ -82,7 +82,6 @@ void AppDelegate::statusItemPressed(std::optional<MouseEvent> currentEvent) {
 }
 
 void AppDelegate::timerFired() {
-    readChoices(); // some hosts show the status item's menu without announcing it
     refreshStorage();
     refreshWallpaperTheme(false);
 }
