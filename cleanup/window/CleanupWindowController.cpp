@@ -269,6 +269,8 @@ void CleanupWindowController::forget(const CleanupCandidate& gone) {
 
 void CleanupWindowController::applicationWillTerminate() {
     stopMeasuringGuide();
+    if (move_)
+        move_->stop(std::chrono::milliseconds(0)); // it moves no further file while the scan ends
     services_.stopScanning();
     if (move_)
         move_->stop(services_.longestEnding);

@@ -32,6 +32,21 @@ TEST_F(CleanupWindowLifetime, TheEndOfTheProcessEndsAScan) {
     EXPECT_THAT(log.calls(), testing::ElementsAre("cleanup.stopScanning"));
 }
 
+TEST_F(CleanupWindowLifetime, NothingMovesAnyMoreWhileTheEndOfTheProcessEndsAScan) {
+    auto services = disk.services();
+    services.stopScanning = [this] { backgroundQueue->runNext(); };
+    controller = std::make_shared<CleanupWindowController>(shell, mainQueue, backgroundQueue, workspace, services);
+    openWith({logAt("/l/a")});
+    askToMove({"/l/a"});
+    answer(AlertAnswer::first);
+    backgroundQueue->runNext();
+    mainQueue->runNext();
+    ASSERT_EQ(backgroundQueue->waitingCount(), 1) << "the move";
+    controller->applicationWillTerminate();
+    EXPECT_EQ(backgroundQueue->waitingCount(), 0);
+    EXPECT_EQ(log.count("cleanup.move"), 0);
+}
+
 TEST_F(CleanupWindowLifetime, AScanThatHasEndedShowsNothing) {
     controller->showAndScan();
     backgroundQueue->runNext();
