@@ -96,10 +96,12 @@ void CleanupWindowController::stopMeasuringGuide() {
 void CleanupWindowController::scanPressed() { scan(); }
 
 void CleanupWindowController::modeChanged(CleanupWindowMode mode) {
-    state_.mode = mode;
+    const bool isOther = std::exchange(state_.mode, mode) != mode;
     state_.copiedCommand.clear();
     updateSelectionSummary();
     render();
+    if (isOther)
+        shell_.scrollCleanupResultsToTop();
 }
 
 void CleanupWindowController::candidateSelectionChanged(std::string_view identifier, bool isOn) {

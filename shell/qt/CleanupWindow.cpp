@@ -208,14 +208,11 @@ void CleanupWindow::renderCleanupWindow(const CleanupWindowContent& content) {
     if (content == content_)
         return;
     QWidget* focused = focusWidget();
-    const bool otherMode = content.modeControl != content_.modeControl;
     const bool sameResults = content.emptyState == content_.emptyState && content.sections == content_.sections;
     showContent(content);
     keepKeyboard(focused);
     if (!sameResults)
         results_->setContent(content.emptyState, content.sections);
-    if (otherMode)
-        results_->scrollToTop();
 }
 
 void CleanupWindow::showContent(const CleanupWindowContent& content) {

@@ -203,7 +203,7 @@ TEST_F(CleanupWindow, KeepsItsResultsWhileItIsClosedAndScansAgainWhenItIsOpened)
     EXPECT_THAT(rows(), ElementsAre("b"));
 }
 
-TEST_F(CleanupWindow, ChangingTheModeDrawsAgainWithoutScanning) {
+TEST_F(CleanupWindow, ChangingTheModeDrawsAgainFromTheTopWithoutScanning) {
     openWith({logAt("/l/a", 3'000'000)});
     tick("/l/a");
     const auto before = shown();
@@ -220,7 +220,10 @@ TEST_F(CleanupWindow, ChangingTheModeDrawsAgainWithoutScanning) {
     EXPECT_EQ(shown().sections[0].avenues[1].status, "1 file");
     controller->modeChanged(CleanupWindowMode::filesFound);
     EXPECT_EQ(shown(), before) << "and back";
-    EXPECT_THAT(log.calls(), ElementsAre("shell.renderCleanupWindow", "shell.renderCleanupWindow"));
+    controller->modeChanged(CleanupWindowMode::filesFound); // the same once more
+    EXPECT_THAT(log.calls(),
+                ElementsAre("shell.renderCleanupWindow", "shell.scrollCleanupResultsToTop", "shell.renderCleanupWindow",
+                            "shell.scrollCleanupResultsToTop", "shell.renderCleanupWindow"));
 }
 
 TEST_F(CleanupWindow, TheModeCanChangeDuringTheFirstScan) {

@@ -166,10 +166,10 @@ TEST_F(CleanupWindowTest, KeepsItsContentWhileItIsClosed) {
     EXPECT_EQ(window.results().rowCount(), 9);
 }
 
-TEST_F(CleanupWindowTest, TheOtherModeStartsAtTheTop) {
+TEST_F(CleanupWindowTest, ResultsGoBackToTheTop) {
     show(cannedFiles(60));
     window.results().verticalScrollBar()->setValue(500);
-    window.renderCleanupWindow(cannedGuide());
+    window.scrollCleanupResultsToTop();
     EXPECT_EQ(window.results().verticalScrollBar()->value(), 0);
 }
 
