@@ -40,6 +40,14 @@ std::string countText(std::size_t count, std::string_view noun) {
     return formatted("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
+std::string joinedTexts(std::initializer_list<std::string_view> texts) {
+    std::string joined;
+    for (const auto text : texts)
+        if (!text.empty())
+            joined.append(joined.empty() ? "" : " · ").append(text);
+    return joined;
+}
+
 std::string asciiLowercase(std::string text) {
     std::ranges::transform(text, text.begin(), [](char character) {
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,9 @@ namespace vantry {
 
 /// "1 file", "2 files".
 [[nodiscard]] std::string countText(std::size_t count, std::string_view noun);
+
+/// The texts with " · " between them; empty ones are left out.
+[[nodiscard]] std::string joinedTexts(std::initializer_list<std::string_view> texts);
 
 /// `text` with A to Z in lower case; all other bytes stay.
 [[nodiscard]] std::string asciiLowercase(std::string text);

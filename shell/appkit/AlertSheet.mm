@@ -28,8 +28,10 @@ void showAlertSheet(const AlertContent& alert, std::function<void(AlertAnswer)> 
     sheet.messageText = nsString(alert.message);
     const std::string shownText = fittedInformativeText(alert, textWidth, widthOf);
     sheet.informativeText = nsString(shownText);
-    if (shownText != alert.informativeText)
+    if (shownText != alert.informativeText) {
         sheet.window.contentView.toolTip = nsString(alert.informativeText);
+        sheet.window.accessibilityHelp = nsString(alert.informativeText);
+    }
     for (const std::string& title : alert.buttons)
         [sheet addButtonWithTitle:nsString(title)]; // the first button is the default
     if (alert.buttons.size() > 1)

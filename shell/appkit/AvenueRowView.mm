@@ -1,5 +1,6 @@
 #include "shell/appkit/CleanupRowView.h"
 
+#include "base/Text.h"
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/CleanupLook.h"
 #include "shell/appkit/Stacks.h"
@@ -83,6 +84,8 @@ constexpr CGFloat buttonWidth = 170;
         _button.title = nsString(content.button->title);
         _button.toolTip = nsString(content.button->tooltip);
         _button.enabled = content.button->enabled;
+        // Several avenues open the same place, so the help names the avenue.
+        _button.accessibilityHelp = nsString(joinedTexts({content.title, content.button->tooltip}));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "shell/appkit/CleanupRowView.h"
 
+#include "base/Text.h"
 #include "platform/apple/FoundationValues.h"
 #include "shell/appkit/AppKitConversions.h"
 #include "shell/appkit/CleanupLook.h"
@@ -106,6 +107,8 @@ constexpr CGFloat badgeAlpha = 0.15;
     _checkBox.hidden = !content.symbolName.empty();
     _checkBox.identifier = identifier;
     _checkBox.accessibilityLabel = nsString(content.selectionAccessibilityLabel);
+    _checkBox.accessibilityHelp =
+        nsString(joinedTexts({content.reason, content.note, content.sizeText, content.sizeDetail, content.badge}));
     [self showSelection];
     _symbol.hidden = content.symbolName.empty();
     if (!content.symbolName.empty())

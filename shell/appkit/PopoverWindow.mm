@@ -44,7 +44,7 @@ void renderButton(NSButton* button, const ButtonContent& content) {
 void renderLabel(NSTextField* label, const LabelContent& content) {
     label.stringValue = nsString(content.text);
     if (label.maximumNumberOfLines > 1)
-        label.toolTip = label.stringValue; // the label may cut it off
+        label.toolTip = label.stringValue; // the label may cut it off, and such labels have no expansion tooltip
     label.textColor = nsColor(content.color);
 }
 

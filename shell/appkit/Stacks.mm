@@ -36,6 +36,7 @@ NSTextField* makeTextLabel(const Font& font, SystemColor color) {
     NSTextField* label = [NSTextField labelWithString:@""];
     setLook(label, font, color);
     label.lineBreakMode = NSLineBreakByTruncatingTail;
+    label.allowsExpansionToolTips = YES; // with the whole text of a label that cuts it off
     setHorizontalResistance(label, NSLayoutPriorityDefaultLow);
     return label;
 }

@@ -1,3 +1,4 @@
+#include "base/Text.h"
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/CleanupRowView.h"
 #include "shell/qt/QtCanvas.h"
@@ -43,9 +44,7 @@ int AvenueRowView::heightFor(const Content& content, int width, const CleanupRow
 void AvenueRowView::setContent(const Content& content) {
     content_ = content;
     setAccessibleName(qString(content.title));
-    QStringList parts{qString(content.detail), qString(content.status), qString(content.usage)};
-    parts.removeAll(QString());
-    setAccessibleDescription(parts.join(QStringLiteral(" · ")));
+    setAccessibleDescription(qString(joinedTexts({content.detail, content.status, content.usage})));
     if (content.button && !button_) {
         button_ = new QPushButton(this);
         button_->setFont(qFont(cleanupBodyFont, *this));
@@ -64,10 +63,7 @@ void AvenueRowView::setContent(const Content& content) {
         button_->setToolTip(plainToolTip(qString(content.button->tooltip)));
         button_->setEnabled(content.button->enabled);
         // Several avenues open the same place, so the description names the avenue.
-        const QString tooltip = qString(content.button->tooltip);
-        button_->setAccessibleDescription(tooltip.isEmpty()
-                                              ? qString(content.title)
-                                              : QStringLiteral("%1 · %2").arg(qString(content.title), tooltip));
+        button_->setAccessibleDescription(qString(joinedTexts({content.title, content.button->tooltip})));
     }
     update();
 }

@@ -1,3 +1,4 @@
+#include "base/Text.h"
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/CleanupRowView.h"
 #include "shell/qt/FigureText.h"
@@ -21,10 +22,7 @@ int candidateTextWidth(int width) {
 
 // What screen readers say after the title.
 QString descriptionOf(const CandidateRowContent& content) {
-    QStringList parts{qString(content.reason), qString(content.note), qString(content.sizeText),
-                      qString(content.sizeDetail), qString(content.badge)};
-    parts.removeAll(QString());
-    return parts.join(QStringLiteral(" · "));
+    return qString(joinedTexts({content.reason, content.note, content.sizeText, content.sizeDetail, content.badge}));
 }
 
 } // namespace

@@ -15,6 +15,11 @@ TEST(CountText, IsPluralExceptForOne) {
     EXPECT_EQ(countText(2, "low-risk file"), "2 low-risk files");
 }
 
+TEST(JoinedTexts, LeavesOutEmptyOnes) {
+    EXPECT_EQ(joinedTexts({"", "a", "", "b", "c", ""}), "a · b · c");
+    EXPECT_EQ(joinedTexts({"", ""}), "");
+}
+
 TEST(AsciiLowercase, ChangesTheLettersOfAsciiAlone) {
     EXPECT_EQ(asciiLowercase("AZaz@[`{09"), "azaz@[`{09");
     EXPECT_EQ(asciiLowercase("ÄÖ\xff"), "ÄÖ\xff");

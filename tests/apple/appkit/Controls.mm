@@ -50,7 +50,7 @@ std::string vantry::apple::nameOf(NSView* view) {
 @end
 
 @implementation NSControl
-@synthesize target, action, enabled, cell, font, alignment, lineBreakMode, controlSize;
+@synthesize target, action, enabled, cell, font, alignment, lineBreakMode, controlSize, allowsExpansionToolTips;
 @synthesize stringValue = _stringValue;
 
 - (instancetype)initWithFrame:(NSRect)frame {

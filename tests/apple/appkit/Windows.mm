@@ -34,7 +34,7 @@ std::vector<NSWindow*>& vantry::apple::visibleWindows() {
 }
 @synthesize title, contentView = _contentView, delegate, styleMask, minSize, releasedWhenClosed;
 @synthesize preventsApplicationTerminationWhenModal, appearance = _appearance;
-@synthesize collectionBehavior, opaque, level;
+@synthesize collectionBehavior, opaque, level, accessibilityHelp;
 
 // Defaults: documentation of the properties.
 - (instancetype)initWithContentRect:(NSRect)rect

@@ -290,6 +290,9 @@ TEST_F(AppKitCleanupWindow, IsRedrawnWhenTheAppearanceChanges) {
     withWindow(cannedFiles(6), usualSize, [&] {
         const auto colorOfTheFirstCard = [&] {
             CGContextRef picture = drawWindow(keyWindow());
+        EXPECT_EQ(
+            textOf(box.accessibilityHelp),
+            "Downloaded more than 21 days ago. Removing it does not uninstall the app. · Uses 100.0 MB · Low Risk");
             const Rgba color = colorAt(picture, 34, 90);
             CGContextRelease(picture);
             return color;
@@ -298,6 +301,20 @@ TEST_F(AppKitCleanupWindow, IsRedrawnWhenTheAppearanceChanges) {
         setAppearance(keyWindow(), Appearance::dark);
         EXPECT_TRUE(checkBoxes().front().superview.superview.superview.needsDisplay);
         EXPECT_LT(colorOfTheFirstCard().red, 0.2);
+    });
+}
+
+TEST_F(AppKitCleanupWindow, ButtonsOfAvenuesThatOpenTheSamePlaceTellTheAvenues) {
+    withWindow(cannedGuide(), usualSize, [&] {
+        std::vector<std::string> helps;
+        for (const char* title : {"Open Home Folder", "Open Photos"})
+            helps.push_back(textOf(viewTitled(root(), title).accessibilityHelp));
+        for (const CleanupSectionContent& section : cannedGuide().sections)
+            for (const AvenueRowContent& avenue : section.avenues)
+                if (avenue.button)
+                    std::erase(helps,
+                               avenue.title + (avenue.button->tooltip.empty() ? "" : " · ") + avenue.button->tooltip);
+        EXPECT_THAT(helps, IsEmpty());
     });
 }
 
@@ -424,3 +441,4 @@ TEST_F(AppKitCleanupWindow, ASheetWithOneButtonClosesOnReturnAndDoesNotBlockQuit
 }
 
 } // namespace vantry::apple
+        EXPECT_EQ(textOf(keyWindow().accessibilityHelp), alert.informativeText);

@@ -118,6 +118,7 @@ TEST_F(AppKitPopover, HoldsThreeLinesOfTheDetailAndTwoOfAnErrorAndShowsAllOfThem
         expectFrames("popover-overlong", root);
         EXPECT_EQ(textOf(viewTitled(root, content.errorLabel.text).toolTip), content.errorLabel.text);
         EXPECT_EQ(textOf(viewTitled(root, content.detailLabel.text).toolTip), content.detailLabel.text);
+        EXPECT_TRUE(static_cast<NSTextField*>(viewTitled(root, content.titleLabel.text)).allowsExpansionToolTips);
     });
 }
 
