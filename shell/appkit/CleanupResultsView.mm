@@ -125,6 +125,7 @@ constexpr CGFloat emptySymbolSide = 36;
 - (void)setEmptyState:(const std::optional<EmptyStateContent>&)emptyState
              sections:(const std::vector<CleanupSectionContent>&)sections {
     NSView* focused = [self focusedControl];
+    const NSUInteger focusedRow = focused ? [[self rows] indexOfObject:focused.superview] : NSNotFound;
     _emptyState.hidden = !emptyState;
     if (emptyState)
         [_emptyState setContent:*emptyState];
@@ -142,8 +143,32 @@ constexpr CGFloat emptySymbolSide = 36;
     }
     [self keepSectionsInPlace];
     [self buildRows:rowsAtOnce];
+    NSArray<NSView*>* rows = [self rows];
     if (focused.window)
         [self.window makeFirstResponder:focused];
+    else if (focusedRow != NSNotFound && rows.count > 0)
+        [self focusRow:rows[std::min(focusedRow, rows.count - 1)] like:focused];
+}
+
+/// The placed rows of all sections.
+- (NSArray<NSView*>*)rows {
+    NSMutableArray<NSView*>* rows = [NSMutableArray array];
+    for (OmbrelCleanupSectionView* section : _sections)
+        for (NSView* row in section.rows)
+            [rows addObject:row];
+    return rows;
+}
+
+/// Focuses the control in the same place of its row as `gone`, or else the row's other control.
+- (void)focusRow:(NSView*)row like:(NSView*)gone {
+    const NSUInteger place = [gone.superview.subviews indexOfObject:gone];
+    NSView* found = nil;
+    for (NSView* view in row.subviews)
+        if ([view isKindOfClass:[NSButton class]] && !view.hidden &&
+            (!found || [row.subviews indexOfObject:view] == place))
+            found = view;
+    if (found)
+        [self.window makeFirstResponder:found];
 }
 
 - (void)setSelectionEnabled:(BOOL)enabled {

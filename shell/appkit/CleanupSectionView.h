@@ -16,6 +16,7 @@
 @property(nonatomic, readonly) BOOL isComplete;    ///< all rows are placed
 @property(nonatomic, readonly) BOOL nextRowIsKept; ///< the next row is reused from an earlier content
 - (void)placeNextRow;
+@property(nonatomic, readonly) NSArray<OmbrelCleanupRowView*>* rows; ///< the placed ones
 
 @property(nonatomic) BOOL selectionEnabled; ///< of the check boxes, also in rows placed later; initially NO
 

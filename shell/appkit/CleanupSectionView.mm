@@ -138,6 +138,10 @@ NSView* makeSeparator() {
         [self fillRow:_rows[index] at:index];
 }
 
+- (NSArray<OmbrelCleanupRowView*>*)rows {
+    return [NSArray arrayWithObjects:_rows.data() count:_rows.size()];
+}
+
 - (BOOL)isComplete {
     return _rows.size() == _keys.size();
 }

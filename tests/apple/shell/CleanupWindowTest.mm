@@ -348,6 +348,26 @@ TEST_F(AppKitCleanupWindow, EscapeCancelsAndCommandWCloses) {
     });
     EXPECT_THAT(reports, ElementsAre("cancel", "closed")) << "taken apart without a report";
 }
+TEST_F(AppKitCleanupWindow, WhenARowIsRemovedItsNeighbourGetsTheFocus) {
+    CleanupWindowContent content = cannedFiles(30);
+    withWindow(content, usualSize, [&] {
+        auto& rows = content.sections.front().candidates;
+        const std::string next = rows[4].identifier;
+        [keyWindow() makeFirstResponder:checkBoxes()[1]]; // of the fourth row
+        rows.erase(rows.begin() + 3);
+        window->renderCleanupWindow(content);
+        ASSERT_TRUE([keyWindow().firstResponder isKindOfClass:[NSButton class]]);
+        auto* focused = static_cast<NSView*>(keyWindow().firstResponder);
+        EXPECT_EQ(textOf(focused.identifier), next);
+        EXPECT_EQ(std::ranges::count(revealButtons(), focused), 1) << "there is no check box";
+        [keyWindow() makeFirstResponder:checkBoxes().back()];
+        content.sections.resize(1);
+        rows.resize(1);
+        window->renderCleanupWindow(content);
+        EXPECT_EQ(keyWindow().firstResponder, checkBoxes().front());
+    });
+}
+
 
 TEST_F(AppKitCleanupWindow, ComesBackFromTheDock) {
     withWindow(cannedFiles(1), usualSize, [&] {
