@@ -15,5 +15,7 @@
 /// Enables or disables the check boxes of all rows, including rows that are built later.
 - (void)setSelectionEnabled:(BOOL)enabled;
 - (void)scrollToTop;
+/// Down, or up by a negative number.
+- (void)scrollByPages:(CGFloat)pages;
 
 @end

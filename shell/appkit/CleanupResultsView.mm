@@ -232,7 +232,17 @@ constexpr CGFloat emptySymbolSide = 36;
 }
 
 - (void)scrollToTop {
-    [self.contentView scrollToPoint:NSZeroPoint];
+    [self scrollTo:0];
+}
+
+- (void)scrollByPages:(CGFloat)pages {
+    const NSRect seen = self.contentView.bounds;
+    const CGFloat furthest = NSHeight(self.documentView.frame) - NSHeight(seen);
+    [self scrollTo:std::max(0.0, std::min(NSMinY(seen) + pages * NSHeight(seen), furthest))];
+}
+
+- (void)scrollTo:(CGFloat)top {
+    [self.contentView scrollToPoint:NSMakePoint(0, top)];
     [self reflectScrolledClipView:self.contentView];
 }
 

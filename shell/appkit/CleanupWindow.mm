@@ -33,6 +33,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
 /// Handles ⌘W itself, because an accessory has no menu bar.
 @interface OmbrelCleanupPanel : NSWindow
 @property(nonatomic, copy) void (^cancelled)(void);
+@property(nonatomic, weak) OmbrelCleanupResultsView* results;
 @end
 
 @implementation OmbrelCleanupPanel
@@ -45,7 +46,9 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
 }
 
 - (void)keyDown:(NSEvent*)event {
-    if (!pressFocusedButton(event, self))
+    if (const int pages = pagesToScroll(event))
+        [_results scrollByPages:pages];
+    else if (!pressFocusedButton(event, self))
         [super keyDown:event];
 }
 
@@ -107,6 +110,7 @@ NSInteger segmentOf(CleanupWindowMode mode) { return mode == CleanupWindowMode::
         cleanupSpacing, @[ [self makeHeader], [self makeCards], [self makeControls], notice, [self makeStatus] ]);
     _results =
         [[OmbrelCleanupResultsView alloc] initWithActions:std::make_shared<const CleanupRowActions>(_actions.rows)];
+    panel.results = _results;
     NSView* content = _window.contentView;
     [content addSubview:top];
     [content addSubview:_results];

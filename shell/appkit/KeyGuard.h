@@ -9,6 +9,9 @@ namespace vantry {
 /// Whether the key press is ⌘W.
 [[nodiscard]] bool isCloseShortcut(NSEvent* event);
 
+/// -1 for Page Up, 1 for Page Down, 0 for any other key.
+[[nodiscard]] int pagesToScroll(NSEvent* event);
+
 /// If the key is Return or Enter, presses the focused button of `window` and returns true. AppKit does so for Space
 /// only.
 bool pressFocusedButton(NSEvent* event, NSWindow* window);

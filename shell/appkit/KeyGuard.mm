@@ -12,6 +12,8 @@ constexpr unsigned short returnKey = 36;
 constexpr unsigned short enterKey = 76;
 constexpr unsigned short spaceKey = 49;
 constexpr unsigned short escapeKey = 53;
+constexpr unsigned short pageUpKey = 116;
+constexpr unsigned short pageDownKey = 121;
 constexpr std::array guardedKeys{returnKey, enterKey, spaceKey, escapeKey};
 
 bool isRepetition(NSEvent* event) {
@@ -26,6 +28,8 @@ bool isCloseShortcut(NSEvent* event) {
                NSEventModifierFlagCommand &&
            [event.charactersIgnoringModifiers.lowercaseString isEqualToString:@"w"];
 }
+
+int pagesToScroll(NSEvent* event) { return event.keyCode == pageUpKey ? -1 : event.keyCode == pageDownKey ? 1 : 0; }
 
 bool pressFocusedButton(NSEvent* event, NSWindow* window) {
     NSResponder* responder = window.firstResponder;

@@ -76,6 +76,8 @@ inline constexpr unsigned short returnKey = 36;
 inline constexpr unsigned short spaceKey = 49;
 inline constexpr unsigned short escapeKey = 53;
 inline constexpr unsigned short letterW = 13;
+inline constexpr unsigned short pageUpKey = 116;
+inline constexpr unsigned short pageDownKey = 121;
 /// Presses a key in the key window. `isRepetition`: as it comes from a key that is held.
 void press(unsigned short key, bool isRepetition = false, NSEventModifierFlags modifiers = 0);
 

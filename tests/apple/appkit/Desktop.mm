@@ -86,6 +86,8 @@ NSString* charactersOf(unsigned short key) {
     case spaceKey: return @" ";
     case escapeKey: return @"\033";
     case letterW: return @"w";
+    case pageUpKey: return @"\uF72C";
+    case pageDownKey: return @"\uF72D";
     default: objc::die("a key that has no characters here");
     }
 }

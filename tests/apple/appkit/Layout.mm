@@ -294,6 +294,8 @@ ANSWERS(NSArray<NSView*>*, arrangedSubviews, [NSArray arrayWithObjects:_arranged
 
 @implementation NSClipView
 
+ANSWERS(NSRect, bounds, NSMakeRect(0, _scrolled, _place.size.width, _place.size.height))
+
 // "Your code should then send reflectScrolledClipView: to the scroll view."
 - (void)scrollToPoint:(NSPoint)point {
     _scrolled = point.y;
