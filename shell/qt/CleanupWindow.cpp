@@ -2,6 +2,7 @@
 
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/CleanupPanels.h"
+#include "shell/qt/GuardedApplication.h"
 #include "shell/qt/OmbrelStyle.h"
 #include "shell/qt/QtCanvas.h"
 #include "shell/qt/QtConversions.h"
@@ -303,17 +304,13 @@ void CleanupWindow::hideEvent(QHideEvent* event) {
 }
 
 void CleanupWindow::keyPressEvent(QKeyEvent* event) {
-    auto* button = qobject_cast<QAbstractButton*>(focusWidget());
     switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (button)
-            button->click();
-        break;
     case Qt::Key_Escape: actions_.cancel(); break;
     case Qt::Key_PageUp: results_->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepSub); break;
     case Qt::Key_PageDown: results_->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepAdd); break;
-    default: QWidget::keyPressEvent(event);
+    default:
+        if (!pressFocusedButton(*event, *this))
+            QWidget::keyPressEvent(event);
     }
 }
 

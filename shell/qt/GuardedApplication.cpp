@@ -1,5 +1,6 @@
 #include "shell/qt/GuardedApplication.h"
 
+#include <QAbstractButton>
 #include <QKeyEvent>
 #include <algorithm>
 #include <array>
@@ -34,6 +35,14 @@ bool GuardedApplication::isRepetition(const QObject& receiver, const QEvent& eve
     if (key.timestamp() != 0)
         release = key.timestamp();
     return false;
+}
+
+bool pressFocusedButton(const QKeyEvent& event, const QWidget& window) {
+    auto* button = qobject_cast<QAbstractButton*>(window.focusWidget());
+    if ((event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) || !button)
+        return false;
+    button->click();
+    return true;
 }
 
 } // namespace vantry

@@ -21,4 +21,7 @@ private:
     std::map<int, quint64> releases_; ///< time of the last release of each key, in milliseconds
 };
 
+/// If the key is Return or Enter, presses the focused button of `window` and returns true. Qt does so for Space only.
+bool pressFocusedButton(const QKeyEvent& event, const QWidget& window);
+
 } // namespace vantry

@@ -4,6 +4,7 @@
 #include "app/Look.h"
 #include "shell/qt/CleanupLook.h"
 #include "shell/qt/ElidingLabel.h"
+#include "shell/qt/GuardedApplication.h"
 #include "shell/qt/OmbrelStyle.h"
 #include "shell/qt/QtConversions.h"
 
@@ -302,9 +303,9 @@ void PopoverWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape || event->matches(QKeySequence::Close))
         close();
-    else
+    else if (!pressFocusedButton(*event, *this))
         QWidget::keyPressEvent(event);
 }
 

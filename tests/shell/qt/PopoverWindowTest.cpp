@@ -3,6 +3,8 @@
 #include "shell/qt/QtAppearance.h"
 #include "tests/shell/qt/EventLoop.h"
 
+#include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <gtest/gtest.h>
 #include <map>
@@ -91,6 +93,27 @@ TEST_F(PopoverWindowTest, TellsWhatTheFiguresCountInTheirTooltips) {
     EXPECT_EQ(tooltips[QStringLiteral("Used")], QStringLiteral("What is used.;"));
     EXPECT_EQ(tooltips[QStringLiteral("Available")], QStringLiteral("What is free.;"));
     EXPECT_EQ(tooltips[QStringLiteral("—")], QStringLiteral("What is used.;What is free.;"));
+}
+
+TEST_F(PopoverWindowTest, EscapeAndControlWCloseItAndReturnPressesTheFocusedButton) {
+    const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers);
+        QCoreApplication::sendEvent(window.focusWidget(), &event);
+    };
+    open();
+    press(Qt::Key_W);
+    EXPECT_TRUE(window.isVisible());
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window.isVisible());
+    open();
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+    open();
+    auto* const box = window.findChild<QCheckBox*>();
+    box->setFocus();
+    const bool wasChecked = box->isChecked();
+    press(Qt::Key_Return);
+    EXPECT_NE(box->isChecked(), wasChecked);
 }
 
 TEST_F(PopoverWindowTest, StaysOpenWhenItLosesTheFocusForAMoment) {
