@@ -3,7 +3,6 @@
 #include "shell/qt/QtConversions.h"
 
 #include <QAction>
-#include <QKeySequence>
 #include <variant>
 
 namespace vantry {
@@ -21,8 +20,6 @@ struct Adder {
     void operator()(const MenuItemContent& item) const {
         QAction* action = menu.addAction(menuTitle(item.title));
         action->setCheckable(item.checked.has_value());
-        if (!item.keyEquivalent.empty())
-            action->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + qString(item.keyEquivalent)));
         QObject::connect(action, &QAction::triggered, action, [chosen = chosen, item] { chosen(item); });
     }
     void operator()(const SubmenuContent& submenu) const {
