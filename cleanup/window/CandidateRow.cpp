@@ -11,19 +11,17 @@ constexpr std::string_view identifierPrefix = "candidate-";
 
 /// The properties of a kind of row.
 struct RowKind {
-    CandidateRowContent::Kind kind;
     const char* symbolName;
     SystemColor color;
 };
 
 RowKind rowKind(CleanupRemovalDisposition disposition) {
     switch (disposition) {
-    case CleanupRemovalDisposition::directTrash: return {CandidateRowContent::Kind::lowRisk, "", SystemColor::green};
-    case CleanupRemovalDisposition::reviewOnly:
-        return {CandidateRowContent::Kind::review, "eye.fill", SystemColor::orange};
+    case CleanupRemovalDisposition::directTrash: return {"", SystemColor::green};
+    case CleanupRemovalDisposition::reviewOnly: return {"eye.fill", SystemColor::orange};
     case CleanupRemovalDisposition::protectedFromRemoval: break;
     }
-    return {CandidateRowContent::Kind::protectedItem, "lock.shield.fill", SystemColor::blue};
+    return {"lock.shield.fill", SystemColor::blue};
 }
 
 } // namespace
@@ -41,7 +39,6 @@ CandidateRowContent candidateRow(const CleanupCandidate& candidate, bool selecte
     const auto kind = rowKind(candidate.removalDisposition());
     const auto name = singleLine(candidate.title);
     CandidateRowContent row{.identifier = controlIdentifier(candidate),
-                            .kind = kind.kind,
                             .symbolName = kind.symbolName,
                             .title = name,
                             .reason = inWordsOf(system, candidate.reason),

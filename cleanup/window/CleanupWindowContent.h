@@ -47,10 +47,7 @@ struct EmptyStateContent {
 
 /// One file or folder that was found.
 struct CandidateRowContent {
-    enum class Kind { lowRisk, review, protectedItem };
-
     std::string identifier; ///< of its controls: "candidate-" and the candidate's UI id
-    Kind kind = Kind::review;
     std::string symbolName; ///< before the title; empty where there is a checkbox
     bool selected = false;  ///< the checkbox
     std::string selectionAccessibilityLabel;

@@ -76,8 +76,6 @@ const std::vector<Exception> exceptions = {
     {Front::qt, "MenuItemContent", "keyEquivalent", "an open menu of Qt reacts to no shortcut"},
     {Front::qt, "MenuItemContent", "representedObject", "an item is handed back as a whole"},
     {Front::appkit, "StatusItemContent", "menu", "macOS takes the menu when a right click opens it"},
-    {Front::qt, "CandidateRowContent", "kind", "the symbol, the badge and its colour show it"},
-    {Front::appkit, "CandidateRowContent", "kind", "the symbol, the badge and its colour show it"},
 };
 
 /// Files with another name in the other front end.

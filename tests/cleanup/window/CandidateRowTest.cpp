@@ -7,15 +7,12 @@ namespace vantry {
 
 namespace {
 
-using RowKind = CandidateRowContent::Kind;
-
 TEST(CandidateRow, ShowsByCategoryWhatMayBeDone) {
     for (const auto& category : allCleanupCategories) {
         SCOPED_TRACE(category.rawValue);
         const bool isLowRisk = category.removalDisposition == CleanupRemovalDisposition::directTrash;
         const bool isReview = category.removalDisposition == CleanupRemovalDisposition::reviewOnly;
         const auto row = candidateRow(candidateAt("/x/y", category.value), true, HostSystem::macOS);
-        EXPECT_EQ(row.kind, isLowRisk ? RowKind::lowRisk : isReview ? RowKind::review : RowKind::protectedItem);
         EXPECT_EQ(row.selected, isLowRisk) << "nothing else can be selected";
         EXPECT_EQ(row.symbolName, isLowRisk ? "" : isReview ? "eye.fill" : "lock.shield.fill");
         EXPECT_EQ(row.badge, isLowRisk ? "Low Risk" : isReview ? "Review in Finder" : "Protected");

@@ -22,7 +22,6 @@ namespace vantry {
     row.revealAccessibilityLabel = "Reveal " + row.title + " in Finder";
     row.revealTooltip = "Reveal in Finder";
     if (number % 3 == 0) {
-        row.kind = CandidateRowContent::Kind::lowRisk;
         row.selectionAccessibilityLabel = "Select low-risk file " + row.title;
         row.reason = "Downloaded more than 21 days ago. Removing it does not uninstall the app.";
         row.badge = "Low Risk";
@@ -31,7 +30,6 @@ namespace vantry {
     }
     row.note = "Review in Finder. This item cannot be selected here.";
     const bool isProtected = number % 5 == 0;
-    row.kind = isProtected ? CandidateRowContent::Kind::protectedItem : CandidateRowContent::Kind::review;
     row.symbolName = isProtected ? "lock.shield.fill" : "eye.fill";
     row.reason =
         isProtected
