@@ -4,7 +4,6 @@ import json
 import os
 import re
 import subprocess
-import time
 from pathlib import Path
 from urllib.parse import quote
 
@@ -160,20 +159,23 @@ class CleanupWindow(CleanupCase):
             holds(lambda: not self.trash(home).exists(), "the absence of a Trash")
         self.assertEqual(self.records(home), [])
 
+    def press_tab_until(self, name):
+        """Until what has this name has the focus."""
+        for _step in range(60):
+            self.desktop.accessibility.forget_focus()
+            self.desktop.screen.key("Tab")
+            if wait_until(self.desktop.accessibility.focus, "the next focus").name == name:
+                return
+        self.fail(f"Tab does not reach {name!r}")
+
     def test_the_keyboard_alone_is_enough(self):
         home = self.make_home({"Library/Logs/old.log": MIB})
         application, window = self.open(home)
-        self.desktop.accessibility.forget_focus()
-        for _step in range(30):
-            focus = self.desktop.accessibility.focus()
-            if focus and focus.name == "Select low-risk file old.log":
-                break
-            self.desktop.screen.key("Tab")
-            time.sleep(0.05)
-        self.assertEqual(self.desktop.accessibility.focus().name, "Select low-risk file old.log")
+        self.press_tab_until("Select low-risk file old.log")
         self.desktop.screen.key("space")
         self.wait_for_text(window, "1 selected · 1 MB will move to Trash")
-        self.button(window, "Move to Trash…").do("press")
+        self.press_tab_until("Move to Trash…")
+        self.desktop.screen.key("Return")
         self.sheet(application, "Move 1 selected item to the Trash?")
         self.desktop.screen.key("Return")
         self.wait_for_text(window, "Moved 1 item to the Trash")

@@ -143,13 +143,17 @@ TEST_F(AppKitApplication, OpensSettingsAndFoldersAndRevealsFiles) {
         for (NSView* view : viewsBelow(cleanup().contentView))
             if ([view.accessibilityLabel isEqual:@"Reveal Painter.dmg in Finder"])
                 click(view);
+        choose(first<NSSegmentedControl>(cleanup().contentView), 1);
+        ASSERT_TRUE(runUntil([] { return shows(cleanup(), "Open Home Folder"); }));
+        click(viewTitled(cleanup().contentView, "Open Home Folder"));
         [cleanup() close];
         click(statusButton());
         click(viewTitled(keyWindow().contentView, "Storage Settings…"));
         quitByMenu();
     });
     const Desktop& log = Desktop::get();
-    EXPECT_THAT(log.opened, ElementsAre("x-apple.systempreferences:com.apple.settings.Storage"));
+    EXPECT_THAT(log.opened, ElementsAre(std::filesystem::canonical(home.path()).native(),
+                                        "x-apple.systempreferences:com.apple.settings.Storage"));
     EXPECT_THAT(log.revealed, ElementsAre(std::filesystem::canonical(home.path()).native() + "/Downloads/Painter.dmg"));
 }
 
