@@ -8,9 +8,12 @@
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -24,6 +27,16 @@ namespace vantry {
 namespace {
 
 using testing::IsEmpty;
+
+/// Waits until the condition holds; false if it does not within ten seconds.
+template <class Condition>
+bool waitFor(Condition condition) {
+    for (const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10); !condition();
+         std::this_thread::yield())
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+    return true;
+}
 
 /// The real services on a home folder of the test's own, with a Trash of its own.
 class RealCleanupServices : public testing::Test {
@@ -120,8 +133,8 @@ TEST_F(RealCleanupServices, WithoutDescriptorsThereIsNothingToStop) {
     EXPECT_EQ(answer, "stopped");
 }
 
-// Each scan has a copy of the function, as the window gives it to the background. No worker starts, since the end has
-// come: it would be this program once more.
+// Each scan calls a copy of the function, as the window's background block does. Scanning is stopped first, because a
+// worker process would be this test program.
 TEST_F(RealCleanupServices, AskTheUserAboutFoldersInTheFirstScanOnly) {
     struct Questions {
         std::mutex mutex;
@@ -134,20 +147,19 @@ TEST_F(RealCleanupServices, AskTheUserAboutFoldersInTheFirstScanOnly) {
         return FolderAccess::unreadable;
     });
     services.stopScanning();
+    const auto threads = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); };
+    const auto before = threads();
     const auto askedByOthers = [&] {
-        std::size_t count = 0;
         const std::lock_guard lock(questions->mutex);
-        for (const auto& [thread, paths] : questions->asked)
-            count += thread != std::this_thread::get_id() && paths.contains(folder / "Downloads") ? 1 : 0;
-        return count;
+        return std::ranges::count_if(questions->asked, [&](const auto& asked) {
+            return asked.first != std::this_thread::get_id() && asked.second.contains(folder / "Downloads");
+        });
     };
     for (int scan = 0; scan < 3; ++scan) {
         const auto copy = services.scan;
         const auto report = copy({});
-        while (askedByOthers() == 0)
-            std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // for a thread that there should not be
-        EXPECT_EQ(askedByOthers(), 1U);
+        EXPECT_TRUE(waitFor([&] { return threads() == before; })) << "those that ask have ended";
+        EXPECT_EQ(askedByOthers(), 1);
         if (scan > 0) {
             EXPECT_EQ(report.states.at(CleanupCategory::installer), CleanupScanState::permissionNeeded);
         }
