@@ -87,7 +87,7 @@ TEST(BackgroundQueue, IsDestroyedAtOnceWhileABlockRuns) {
         });
         ASSERT_TRUE(begun->waitUntilOpen());
     }
-    // Had the queue waited, the block would have lost its patience before this line.
+    // If the destructor had waited for the block, the block would have timed out by now.
     gate->open();
     EXPECT_TRUE(ended.get());
 }

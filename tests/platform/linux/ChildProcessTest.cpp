@@ -18,7 +18,7 @@ TEST_F(AChildProcess, IsNotStartedOnAKernelWithoutPidfds) {
 }
 
 TEST_F(AChildProcess, IsKilledAndReapedWhenItCannotBeWatched) {
-    // Only that of the process itself can be asked for.
+    // pidfd_open fails for every process except this one.
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, EMFILE, static_cast<std::uint32_t>(getpid())); }),
               errorFromErrno(EMFILE, "child exit").message);
 }

@@ -96,7 +96,7 @@ TEST_F(TrashTest, GivesAFileOfATakenNameAnother) {
     EXPECT_EQ(contents.size(), 120U);
 }
 
-TEST_F(TrashTest, TakesNoNameThatIsTakenByHalf) {
+TEST_F(TrashTest, TakesNoNameThatHasOnlyAFileOrOnlyAnInfoFile) {
     makeTrash();
     writeFile(trash / "files/report.log", "of somebody who wrote no info file");
     writeFile(trash / "info/report.2.log.trashinfo", "of a file that is gone");
@@ -139,7 +139,7 @@ TEST_F(TrashTest, TakesEveryName) {
     }
 }
 
-TEST_F(TrashTest, TellsThePlainPathOfAFolderFoundByAWindingOne) {
+TEST_F(TrashTest, RecordsTheResolvedPathOfAFolderThatWasOpenedByAnotherPath) {
     fs::create_directory(root / "aside");
     const auto folder = PinnedFolder::open(root / "aside/..//place/.").value();
     ASSERT_EQ(move(PinnedFile::open(folder, "report.log").value()), "moved");
@@ -300,7 +300,7 @@ TEST_F(TrashTest, TellsThatTooManyFilesAreOpen) {
     }
 }
 
-TEST_F(TrashTest, GoesByTheEnvironment) {
+TEST_F(TrashTest, IsInTheDataFolderThatTheEnvironmentNames) {
     struct Case {
         const char* data;
         const char* home;
@@ -334,7 +334,7 @@ TEST_F(TrashTest, IsInTheHomeFolderOfTheUserDatabaseWhenTheEnvironmentNamesNone)
     }
 }
 
-TEST_F(TrashTest, OfAUserWithoutAHomeFolderIsNowhere) {
+TEST_F(TrashTest, IsMissingForAUserWithoutAHomeFolder) {
     const std::string answer = inChildProcess([&]() -> std::string {
         const PinnedFile item = pinned(file);
         if (!becomeUser(unknownUser()))
@@ -375,7 +375,7 @@ TEST_F(TrashTest, IsNeverOneOnAnotherFileSystem) {
 }
 
 // Two mounts of one device, between which nothing is renamed.
-TEST_F(TrashTest, IsNeverOneInAnotherMount) {
+TEST_F(TrashTest, TakesNoFileFromAnotherMountOfItsFileSystem) {
     makeTrash();
     const std::string answer = inChildProcess([&]() -> std::string {
         if (!keepMountsPrivate() || mount(place.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0)

@@ -47,7 +47,7 @@ std::string answerText(const Result<fs::path>& answer) {
                         answer.error().message;
 }
 
-/// Runs `block` as a user whom nobody else is, so that the folder that belongs to their number is the test's own.
+/// Runs `block` as a user id that nobody else uses, so that only the test uses the folder named after the id.
 std::string asUnknownUser(const std::function<std::string(uid_t)>& block) {
     const uid_t user = unknownUser();
     return inChildProcess([&]() -> std::string {
@@ -173,7 +173,7 @@ TEST(UserRuntimeFolder, FailsWhenThePlaceInTheTemporaryFolderIsNotPrivate) {
 TEST(UserRuntimeFolder, OfAnotherOwnerIsNeverUsed) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can make a folder of another owner";
-    // Both are private, but root's.
+    // Both folders are private but belong to root.
     const TemporaryFolder session;
     const uid_t user = unknownUser();
     const fs::path place = fallbackFolder(user);
