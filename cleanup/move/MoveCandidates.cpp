@@ -11,20 +11,17 @@ namespace vantry {
 
 namespace {
 
-TrashMove notMoved(std::string reason) {
-    return {.outcome = TrashMove::Outcome::notMoved, .reason = std::move(reason)};
-}
-
 // The mover's answer outweighs an error of the coordination, which may fail after the file was moved.
 TrashMove moveOne(const MoveServices& services, const CleanupCandidate& candidate) {
     std::optional<TrashMove> move;
     const auto coordinated = services.coordinateMoving(candidate.url, [&](const std::filesystem::path& path) {
-        move = isSamePlace(path, candidate.url) ? services.moveValidated(candidate)
-                                                : notMoved("the coordinated file path changed after confirmation");
+        move = isSamePlace(path, candidate.url)
+                   ? services.moveValidated(candidate)
+                   : TrashMove::notMoved("the coordinated file path changed after confirmation");
     });
     if (move)
         return *move;
-    return notMoved(coordinated ? "the file could not be coordinated" : coordinated.error().message);
+    return TrashMove::notMoved(coordinated ? "the file could not be coordinated" : coordinated.error().message);
 }
 
 } // namespace

@@ -22,10 +22,10 @@ std::optional<std::string> validationFailure(const CleanupCandidate& candidate) 
 TrashMove moveValidated(const CleanupCandidate& candidate) {
     const auto places = CleanupPlaces::current();
     if (!places)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = noHome};
+        return TrashMove::notMoved(noHome);
     const auto checked = CleanupScanner::validatedFile(candidate, *places, now());
     if (!checked)
-        return {.outcome = TrashMove::Outcome::notMoved, .reason = checked.error()};
+        return TrashMove::notMoved(checked.error());
     return moveToTrash(checked->file, checked->facts);
 }
 
