@@ -4,6 +4,7 @@
 #include "platform/ItemFacts.h"
 #include "platform/SupervisedChild.h"
 #include "platform/UserSession.h"
+#include "platform/linux/BaseFolder.h"
 #include "platform/linux/LinkTargets.h"
 #include "platform/linux/WallpaperSettings.h"
 
@@ -30,11 +31,7 @@ constexpr std::chrono::seconds longestAnswer{1};
 
 fs::path home() { return homeFolder().value_or("/"); }
 
-fs::path configurationFolder() {
-    const char* value = std::getenv("XDG_CONFIG_HOME");
-    fs::path folder = value ? value : "";
-    return folder.is_absolute() ? folder : home() / ".config";
-}
+fs::path configurationFolder() { return baseFolder("XDG_CONFIG_HOME", ".config").value_or("/.config"); }
 
 std::string settingsIn(const fs::path& file) { return readSmallFile(file, largestSettings).value_or(std::string()); }
 

@@ -2,7 +2,7 @@
 
 #include "base/Format.h"
 #include "base/Utf8.h"
-#include "platform/UserSession.h"
+#include "platform/linux/BaseFolder.h"
 #include "platform/linux/SettingsText.h"
 
 #include <algorithm>
@@ -101,11 +101,8 @@ bool isApplication(const std::filesystem::path& path) {
 
 std::optional<std::filesystem::path> autostartFile(const std::string& label) {
     const auto name = label + ".desktop";
-    const char* configured = std::getenv("XDG_CONFIG_HOME");
-    if (configured && *configured == '/')
-        return std::filesystem::path(configured) / "autostart" / name;
-    const auto home = homeFolder();
-    return home ? std::optional(*home / ".config" / "autostart" / name) : std::nullopt;
+    const auto folder = baseFolder("XDG_CONFIG_HOME", ".config");
+    return folder ? std::optional(*folder / "autostart" / name) : std::nullopt;
 }
 
 Result<std::string> autostartEntry(const std::string& label, const std::filesystem::path& application) {

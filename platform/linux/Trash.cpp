@@ -1,14 +1,13 @@
 #include "platform/linux/Trash.h"
 
 #include "base/Uuid.h"
-#include "platform/UserSession.h"
+#include "platform/linux/BaseFolder.h"
 #include "platform/linux/TrashFolders.h"
 #include "platform/linux/TrashInfoFile.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <expected>
 #include <fcntl.h>
@@ -252,11 +251,8 @@ private:
 } // namespace
 
 Result<std::filesystem::path> homeTrash() {
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data && *data == '/')
-        return std::filesystem::path(data) / "Trash";
-    if (const auto home = homeFolder().value_or(std::filesystem::path()); home.is_absolute())
-        return home / ".local/share/Trash";
+    if (const auto data = baseFolder("XDG_DATA_HOME", ".local/share"))
+        return *data / "Trash";
     return std::unexpected(Error{ErrorKind::notFound, "there is no home folder that could hold a Trash"});
 }
 
