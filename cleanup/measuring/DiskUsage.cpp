@@ -50,15 +50,15 @@ DirectoryMetrics diskUsageInProcess(const std::filesystem::path& path, std::span
     DirectoryMetrics usage{.complete = true};
     SeenFiles seen;
     std::vector<std::string> folders; // whose entries are still to be counted
-    const auto count = [&](std::string_view name, std::string place, const struct stat& facts) {
+    const auto count = [&](std::string_view name, const struct stat& facts) {
         if (isCounted(name, facts, endings) && seen.isFirst(facts) &&
             !addBytes(usage.size, bytesInBlock * facts.st_blocks))
             usage.complete = false;
-        if (S_ISDIR(facts.st_mode))
-            folders.push_back(std::move(place));
     };
-    count(path.filename().native(), path.native(), root);
+    count(path.filename().native(), root);
     bool isEmpty = S_ISDIR(root.st_mode);
+    if (isEmpty)
+        folders.push_back(path.native());
     while (!folders.empty()) {
         const auto folder = std::move(folders.back());
         folders.pop_back();
@@ -83,8 +83,11 @@ DirectoryMetrics diskUsageInProcess(const std::filesystem::path& path, std::span
             struct stat facts = {};
             if (fstatat(dirfd(list.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
                 usage.complete = usage.complete && errno == ENOENT;
-            else if (facts.st_dev == root.st_dev) // else something is mounted there
-                count(name, formatted("{}/{}", folder, name), facts);
+            else if (facts.st_dev == root.st_dev) { // else something is mounted there
+                count(name, facts);
+                if (S_ISDIR(facts.st_mode))
+                    folders.push_back(formatted("{}/{}", folder, name));
+            }
             if (hasPassed(deadline)) // a single folder may hold millions
                 return {.size = usage.size, .complete = false};
         }
