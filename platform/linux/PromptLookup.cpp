@@ -29,7 +29,8 @@ constexpr std::array promptTypes{"bcachefs"sv, "btrfs"sv,    "devtmpfs"sv, "erof
                                  "ramfs"sv,    "reiserfs"sv, "rootfs"sv,   "squashfs"sv, "sysfs"sv,   "tmpfs"sv,
                                  "udf"sv,      "ufs"sv,      "vfat"sv,     "xfs"sv,      "zfs"sv};
 
-// Read from the kernel's list: `statfs` would ask the file system.
+// Read from the kernel's list: `statfs` would ask the file system. Empty for a mount that is not listed: the root of a
+// chroot lies in one if it is no mount itself.
 std::string typeOfMount(std::uint64_t identifier) {
     std::ifstream list("/proc/self/mountinfo");
     const std::string begin = std::to_string(identifier) + " ";
@@ -121,9 +122,10 @@ bool isOnPromptFileSystem(int fd) {
     struct statx facts = {};
     if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT, STATX_MNT_ID, &facts) != 0)
         return false;
-    if ((facts.stx_mask & STATX_MNT_ID) == 0) // an older kernel; network file systems have major number 0
-        return facts.stx_dev_major != 0;
-    return std::ranges::count(promptTypes, typeOfMount(facts.stx_mnt_id)) != 0;
+    const auto type = (facts.stx_mask & STATX_MNT_ID) != 0 ? typeOfMount(facts.stx_mnt_id) : ""; // an older kernel
+    if (type.empty())
+        return facts.stx_dev_major != 0; // which is 0 for network file systems
+    return std::ranges::count(promptTypes, type) != 0;
 }
 
 } // namespace vantry

@@ -1,10 +1,14 @@
 #include "platform/linux/LinkTargets.h"
 #include "tests/platform/contract/ItemFactsFixture.h"
+#include "tests/support/ChildProcess.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <string>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 namespace vantry {
 
@@ -32,6 +36,23 @@ TEST_F(Items, AreFoundWhereLinksLead) {
     EXPECT_EQ(resolvedPath(folder / "roundabout"), root / "real");
     EXPECT_EQ(resolvedPath(folder / "real"), root / "real");
     EXPECT_EQ(resolvedPath(folder / "dangling").error().kind, ErrorKind::notFound);
+}
+
+// The mount that such a root lies in is not in the kernel's list.
+TEST_F(Items, ThatAreMissingAreNotFoundBelowAChangedRoot) {
+    struct stat facts = {};
+    ASSERT_EQ(stat(folder.path().c_str(), &facts), 0);
+    if (major(facts.st_dev) == 0)
+        GTEST_SKIP() << "needs temporary files on a disk";
+    const std::string found = inChildProcess([&]() -> std::string {
+        if (chroot(folder.path().c_str()) != 0)
+            return "no other root";
+        const auto missing = readItemFacts("/never looked up");
+        return !missing && missing.error().kind == ErrorKind::notFound ? "not found" : "something else";
+    });
+    if (found == "no other root")
+        GTEST_SKIP() << "has to be root";
+    EXPECT_EQ(found, "not found");
 }
 
 } // namespace vantry
