@@ -88,7 +88,7 @@ def table(rows, trees, load):
         "the ratios, not the seconds.",
         "",
         f"Machine: {processor[1] if processor else platform.machine()}, {os.cpu_count()} processors, {memory:.0f} GiB of memory, "
-        f"{system[1] if system else 'Linux'}, Linux {platform.release()}, {disk or 'an unknown file system'}; its load was "
+        f"{system[1] if system else 'Linux'}, Linux {'.'.join(platform.release().split('.')[:2])}, {disk or 'an unknown file system'}; its load was "
         f"{load:.1f} at the beginning.",
         "",
         "| measured | Ombrel | beside | which takes | aim |",
