@@ -65,7 +65,7 @@ void CleanupWindowController::finishScan(CleanupScanReport report) {
 }
 
 void CleanupWindowController::measureGuide() {
-    if (!services_.measureGuide)
+    if (!services_.measureGuide || !shell_.cleanupWindowIsShown()) // opening the window scans again
         return;
     stopMeasuringGuide();
     guideIsWanted_ = std::make_shared<std::atomic<bool>>(true);
