@@ -53,7 +53,7 @@ def main():
     for line in [("measured", "target", "reached", ""), *rows]:
         print("  ".join([*(cell.ljust(width) for cell, width in zip(line, widths)), line[3]]).rstrip())
     print(f"\nMedians of {options.runs} runs beside each other. Other work on the machine makes the figures worse; its load "
-          f"was {load[0]:.1f} at the begin, {os.getloadavg()[0]:.1f} at the end, on {os.cpu_count()} processors.")
+          f"was {load[0]:.1f} at the beginning, {os.getloadavg()[0]:.1f} at the end, on {os.cpu_count()} processors.")
     sys.exit(1 if any(line[3] for line in rows) else 0)
 
 

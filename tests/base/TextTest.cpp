@@ -43,7 +43,7 @@ TEST(DeceptiveLength, CoversControlAndDirectionCharacters) {
     for (const char* text : {"", " ", "a", "é", "\xc2\xa0", "\xd8\x9d", "\xe2\x80\x8d", "\xe2\x80\xa7", "\xe2\x80\xaf",
                              "\xe2\x81\xa5", "\xe2\x81\xaa", "\xe2\x80"})
         EXPECT_EQ(deceptiveLength(text), 0U) << text;
-    EXPECT_EQ(deceptiveLength("a\n"), 0U) << "only at the begin";
+    EXPECT_EQ(deceptiveLength("a\n"), 0U) << "only the start of the text is looked at";
 }
 
 TEST(AddBytes, ClampsTheSum) {
