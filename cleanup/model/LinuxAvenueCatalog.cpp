@@ -1,5 +1,7 @@
 #include "cleanup/model/CleanupAvenue.h"
 
+#include <algorithm>
+
 namespace vantry {
 
 namespace {
@@ -10,17 +12,18 @@ using Category = CleanupCategory;
 using Action = CleanupAvenue::Action;
 using enum CleanupAvenue::Place::Kind;
 
-// Each entry: title, text, then symbol, treatment, categories and button; with places of its own also its name for
+// The avenue of macOS with this title, where Linux has the same one.
+const CleanupAvenue& likeOnMacOS(std::string_view title) {
+    return *std::ranges::find(CleanupAvenue::catalog(), title, &CleanupAvenue::title);
+}
+
+// Each other entry: title, text, then symbol, treatment, categories and button; with places of its own also its name for
 // programs, the places, and the owner's command. What the owners say of their places is from their documentation.
 // clang-format off
 std::vector<CleanupAvenue> everyAvenueOfLinux() {
     return {
-        {Area::quickWins, "Temporary app files",
-         "Apps create these to load faster. Older files are shown for review; recent files stay untouched.",
-         "shippingbox", Mode::scanned, {Category::cache}, {}},
-        {Area::quickWins, "Logs and crash reports",
-         "Old records used to diagnose app problems. Recent records are left alone.",
-         "doc.text.magnifyingglass", Mode::scanned, {Category::log, Category::crashReport}, {}},
+        likeOnMacOS("Temporary app files"),
+        likeOnMacOS("Logs and crash reports"),
         {Area::quickWins, "Caches that have not changed for 30 days",
          "What apps keep to load faster, without the caches that are listed by themselves. Quit an app before you remove "
          "its cache.",
@@ -57,18 +60,12 @@ std::vector<CleanupAvenue> everyAvenueOfLinux() {
         {Area::downloads, "Compressed files",
          "ZIP, RAR, and 7z files may be the only copy of something important, so they open in the file manager only.",
          "archivebox", Mode::scanned, {Category::archive}, Action::downloads},
-        {Area::downloads, "Interrupted downloads",
-         "Old partial-download files left by browsers and download tools.",
-         "arrow.down.circle.dotted", Mode::scanned, {Category::interruptedDownload}, Action::downloads},
-        {Area::downloads, "Large and old downloads",
-         "Large files in Downloads are surfaced by metadata only and always require review.",
-         "doc.badge.ellipsis", Mode::scanned, {Category::largeDownload}, Action::downloads},
+        likeOnMacOS("Interrupted downloads"),
+        likeOnMacOS("Large and old downloads"),
         {Area::downloads, "Large or old personal files",
          "Desktop, Documents, Videos, Music, and external drives are not swept automatically.",
          "folder", Mode::keptPrivate, {}, Action::home},
-        {Area::downloads, "Duplicates and similar media",
-         "Requires reading or hashing personal files, so Ombrel does not run it silently.",
-         "doc.on.doc", Mode::keptPrivate, {}, Action::home},
+        likeOnMacOS("Duplicates and similar media"),
         {Area::downloads, "Screenshots and recordings",
          "Review in the file manager; image contents are not analyzed here.",
          "camera.viewfinder", Mode::keptPrivate, {}, Action::home},
@@ -108,9 +105,7 @@ std::vector<CleanupAvenue> everyAvenueOfLinux() {
         {Area::apps, "Old system installers",
          "Full system installers in the applications folder can occupy many gigabytes.",
          "macbook.and.iphone", Mode::scanned, {Category::macOSInstaller}, Action::applications},
-        {Area::apps, "Old window data from removed apps",
-         "These files remember window positions. Ombrel checks that the app is no longer installed.",
-         "puzzlepiece.extension", Mode::scanned, {Category::orphan}, Action::applications},
+        likeOnMacOS("Old window data from removed apps"),
 
         {Area::developer, "pip",
          "What pip has downloaded and built. Its layout is pip’s own business, so leave single files alone.",
@@ -197,23 +192,14 @@ std::vector<CleanupAvenue> everyAvenueOfLinux() {
          "node_modules, build, dist, .next, Python environments, and engine-generated data require user-chosen "
          "project roots.",
          "folder.badge.questionmark", Mode::keptPrivate, {}, Action::home},
-        {Area::developer, "Rebuildable project data",
-         "Xcode Derived Data and simulator caches can be recreated when needed.",
-         "hammer", Mode::scanned, {Category::developerBuild}, Action::developer},
+        likeOnMacOS("Rebuildable project data"),
         {Area::developer, "Coding-tool downloads and caches",
          "npm and Gradle, which are listed above too, Homebrew, SwiftPM, and CocoaPods. They remain review-only.",
          "terminal", Mode::scanned, {Category::developerCache}, Action::developer},
-        {Area::developer, "Archives and device support",
-         "Older Xcode archives and device-support versions require review before removal.",
-         "archivebox", Mode::scanned, {Category::developerArchive}, Action::developer},
+        likeOnMacOS("Archives and device support"),
 
-        {Area::devices, "Old iPhone and iPad backups",
-         "An old backup appears only when a newer local backup for the same device exists. Symlinked roots are never "
-         "followed.",
-         "externaldrive.badge.timemachine", Mode::scanned, {Category::deviceBackup}, Action::deviceBackups},
-        {Area::devices, "Downloaded device software",
-         "Old IPSW and related Apple-device update files stored locally.",
-         "iphone.and.arrow.forward", Mode::scanned, {Category::deviceSoftware}, Action::deviceBackups},
+        likeOnMacOS("Old iPhone and iPad backups"),
+        likeOnMacOS("Downloaded device software"),
 
         {Area::system, "Trash",
          "What is in it stays recoverable until it is deleted. Empty it in the file manager.",
