@@ -3,8 +3,6 @@
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/ScopedEnvironment.h"
-
-#include "platform/FileCoordinator.h"
 #include "tests/support/TestSystem.h"
 
 #include <cerrno>
@@ -386,24 +384,6 @@ TEST_F(TrashTest, TakesNoFileFromAnotherMountOfItsFileSystem) {
         GTEST_SKIP() << "no mount of our own";
     EXPECT_EQ(answer, "it is on another file system than the Trash");
     EXPECT_TRUE(nothingMoved());
-}
-
-TEST(FileCoordinator, HandsOutThePathItself) {
-    std::vector<fs::path> paths;
-    const auto keep = [&](const fs::path& path) { paths.push_back(path); };
-    EXPECT_TRUE(coordinateMoving("/place/report.log", keep));
-    EXPECT_EQ(paths, std::vector<fs::path>{"/place/report.log"});
-}
-
-TEST(FileCoordinator, APlaceIsTheSameHoweverItsPathIsWritten) {
-    const fs::path place = "/place/report.log";
-    for (const char* same :
-         {"/place/report.log", "/place/./report.log", "/place//x/../report.log", "//place/report.log/"})
-        EXPECT_TRUE(isSamePlace(place, same)) << same;
-    for (const char* other :
-         {"/place/report.txt", "/other/report.log", "/place", "place/report.log", "report.log", "", "/"})
-        EXPECT_FALSE(isSamePlace(place, other)) << other;
-    EXPECT_FALSE(isSamePlace("report.log", "report.log"));
 }
 
 } // namespace vantry
