@@ -8,7 +8,7 @@ import unittest
 
 from application import PROGRAM
 from cleanup_case import MIB, CleanupCase, wait_for
-from linux_home import COMMANDS
+from linux_home_table import COMMANDS
 from waiting import wait_for_equal, wait_until
 
 EXECUTED = re.compile(r'\bexecve(?:at)?\([^"]*"((?:[^"\\]|\\.)*)"')

@@ -3,7 +3,8 @@
 import os
 import unittest
 
-from linux_home import GUIDE_IDS, LinuxCase, fill, set_back
+from linux_home import LinuxCase, fill, set_back
+from linux_home_table import GUIDE_IDS
 
 ORDINARY_USER = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups")
 

@@ -34,11 +34,11 @@ class Strip(Clicks, DesktopCase):
         self.assertEqual((button.rect.width, button.rect.height), (60, 24))
 
     def test_covers_no_maximised_window(self):
-        application, strip = self.start_and_wait()
+        application, _strip = self.start_and_wait()
         for shows in (True, False):
             self.choose_from_menu(self.open_menu(application, application.strip().rect), "Show % Used")
             width = 94 if shows else 60
-            strip = application.wait_for_strip(width)
+            application.wait_for_strip(width)
             frame, window = self.desktop.screen.open_maximised_window()
             wait_for_equal((24, 760), lambda: (frame().y, frame().y + frame().height), "top and bottom of the window")
             holds(lambda: application.strip().rect == Rect(1000 - width, 0, width, 24), "the strip's place")
