@@ -1,13 +1,6 @@
-#include "shell/appkit/CleanupWindow.h"
-
-#include "shell/appkit/KeyGuard.h"
-#include "tests/apple/AppKitFixture.h"
-#include "tests/shell/qt/CannedCleanupContent.h"
-
-#include <gmock/gmock.h>
+#include "tests/apple/shell/CleanupWindowFixture.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace vantry::apple {
 
@@ -15,76 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr NSSize usualSize{940, 760};
-constexpr NSSize leastSize{780, 620};
-
-class AppKitCleanupWindow : public AppKitFixture {
-protected:
-    CleanupWindowActions actions() {
-        return {[this] { reports.emplace_back("scan"); },
-                [this](CleanupWindowMode mode) {
-                    reports.emplace_back(mode == CleanupWindowMode::filesFound ? "files" : "guide");
-                },
-                [this] { reports.emplace_back("suggested"); },
-                [this] { reports.emplace_back("trash"); },
-                [this] { reports.emplace_back("cancel"); },
-                [this] { reports.emplace_back("closed"); },
-                {[this](const std::string& identifier, bool isOn) {
-                     reports.push_back(identifier + (isOn ? " on" : " off"));
-                     if (onSelection)
-                         onSelection();
-                 },
-                 [this](const std::string& identifier) { reports.push_back("reveal " + identifier); },
-                 [this](const AvenueButtonAction& action) {
-                     reports.push_back("open " + std::string(rawValue(std::get<CleanupAvenue::Action>(action))));
-                 }}};
-    }
-
-    /// Shows `content` in a window of this size while `block` runs.
-    void withWindow(const CleanupWindowContent& content, NSSize size, const std::function<void()>& block) {
-        @autoreleasepool {
-            window.emplace(actions());
-            window->renderCleanupWindow(content);
-            window->showCleanupWindow();
-            [keyWindow() setContentSize:size];
-            settle();
-            block();
-            settle();
-            window.reset();
-        }
-        onSelection = nullptr;
-    }
-    static std::vector<NSView*> buttonsBelow(NSView* view, bool isReveal) {
-        std::vector<NSView*> found = viewsBelow(view);
-        std::erase_if(found, [&](NSView* each) {
-            return ![each isKindOfClass:[NSButton class]] || !each.identifier ||
-                   static_cast<NSButton*>(each).bordered == isReveal;
-        });
-        return found;
-    }
-    static std::vector<NSView*> checkBoxes() { return buttonsBelow(root(), false); }
-    static std::vector<NSView*> revealButtons() { return buttonsBelow(root(), true); }
-    static NSView* root() { return windowTitled("Ombrel · Free Up Space").contentView; }
-
-    /// The answers, in order.
-    void ask() {
-        window->ask({"Move 2 selected items to the Trash?", "This moves about 3 MB.", {"Move to Trash", "Keep Them"}},
-                    [this](AlertAnswer answer) { answers.push_back(answer); });
-    }
-
-    std::vector<std::string> reports;
-    std::vector<AlertAnswer> answers;
-    std::function<void()> onSelection;
-    std::optional<CleanupWindow> window;
-};
-
-std::string repeated(std::string_view word, int count) {
-    std::string text;
-    for (int i = 0; i < count; ++i)
-        text += word;
-    return text;
-}
 
 /// The longest possible file names, and other texts longer than they ever get.
 CleanupWindowContent overlongFiles() {
@@ -392,87 +315,6 @@ TEST_F(AppKitCleanupWindow, ComesBackFromTheDock) {
         window->showCleanupWindow();
         EXPECT_FALSE(shown.miniaturized);
         EXPECT_EQ(keyWindow(), shown);
-    });
-}
-
-// ---- sheets
-
-TEST_F(AppKitCleanupWindow, ASheetAnswersOnceInALaterTurn) {
-    withWindow(cannedFiles(6), usualSize, [&] {
-        for (const auto& [title, answer] :
-             {std::pair("Move to Trash", AlertAnswer::first), {"Keep Them", AlertAnswer::last}}) {
-            answers.clear();
-            ask();
-            click(viewTitled(keyWindow().contentView, title));
-            EXPECT_THAT(answers, IsEmpty());
-            settle();
-            EXPECT_THAT(answers, ElementsAre(answer));
-        }
-    });
-}
-
-TEST_F(AppKitCleanupWindow, KeysAnswerASheetUnlessTheyWereHeld) {
-    withWindow(cannedFiles(6), usualSize, [&] {
-        const KeyGuard guard;
-        for (const auto& [key, answer] : {std::pair(returnKey, AlertAnswer::first), {escapeKey, AlertAnswer::last}}) {
-            answers.clear();
-            ask();
-            NSWindow* const sheet = keyWindow();
-            [sheet makeFirstResponder:viewTitled(sheet.contentView, "Move to Trash")];
-            for (const unsigned short held : {returnKey, spaceKey, escapeKey})
-                press(held, true);
-            settle();
-            EXPECT_THAT(answers, IsEmpty());
-            press(key);
-            settle();
-            EXPECT_THAT(answers, ElementsAre(answer));
-        }
-        EXPECT_THAT(reports, IsEmpty()) << "the window behind the sheet";
-    });
-}
-
-TEST_F(AppKitCleanupWindow, AClosedSheetAnswersWithItsLastButton) {
-    withWindow(cannedFiles(6), usualSize, [&] {
-        ask();
-        ask(); // replaces the first
-        settle();
-        EXPECT_THAT(answers, ElementsAre(AlertAnswer::last));
-        [windowTitled("Ombrel · Free Up Space") close];
-        settle();
-        EXPECT_THAT(answers, ElementsAre(AlertAnswer::last, AlertAnswer::last));
-        ask(); // on a closed window
-        EXPECT_EQ(answers.size(), 2U);
-        settle();
-        EXPECT_EQ(answers.size(), 3U);
-        window->showCleanupWindow();
-        ask();
-    });
-    settle();
-    EXPECT_EQ(answers, std::vector(4, AlertAnswer::last)) << "the last went with the window";
-}
-
-TEST_F(AppKitCleanupWindow, ATextTooLongForASheetIsInItsTooltip) {
-    withWindow(cannedFiles(6), usualSize, [&] {
-        const AlertContent alert{
-            "Some items changed since the scan", repeated("A name of a file, ", 60) + "\n\nScan again.", {"OK"}};
-        window->ask(alert, [](AlertAnswer) {});
-        NSAlert* const sheet = alertOf(windowTitled("Ombrel · Free Up Space"));
-        EXPECT_LT(sheet.informativeText.length, alert.informativeText.size());
-        EXPECT_EQ(textOf(keyWindow().contentView.toolTip), alert.informativeText);
-        EXPECT_EQ(textOf(keyWindow().accessibilityHelp), alert.informativeText);
-        EXPECT_EQ(sheet.alertStyle, NSAlertStyleWarning);
-        press(returnKey);
-    });
-}
-
-TEST_F(AppKitCleanupWindow, ASheetWithOneButtonClosesOnReturnAndDoesNotBlockQuitting) {
-    withWindow(cannedFiles(6), usualSize, [&] {
-        window->ask({"Some items changed since the scan", "No items were changed.", {"OK"}},
-                    [this](AlertAnswer answer) { answers.push_back(answer); });
-        EXPECT_FALSE(keyWindow().preventsApplicationTerminationWhenModal);
-        press(returnKey);
-        settle();
-        EXPECT_THAT(answers, ElementsAre(AlertAnswer::first));
     });
 }
 

@@ -3,51 +3,22 @@
 #include "shell/qt/CleanupWindow.h"
 #include "shell/qt/QtAppearance.h"
 #include "tests/shell/qt/CannedCleanupContent.h"
+#include "tests/shell/qt/CleanupWindowReports.h"
 #include "tests/shell/qt/EventLoop.h"
 
 #include <gtest/gtest.h>
 
 #include <QKeyEvent>
 #include <QPushButton>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace vantry {
 
-/// The window without a controller. Records what its controls report.
-class CleanupWindowFixture : public testing::Test {
+/// The window without a controller.
+class CleanupWindowFixture : public testing::Test, protected CleanupWindowReports {
 protected:
     void TearDown() override { // answers a pending sheet while `reports` still exists
         window.close();
         settle();
-    }
-
-    CleanupWindowActions actions() {
-        return {[this] { reports.emplace_back("scan"); },
-                [this](CleanupWindowMode mode) {
-                    reports.emplace_back(mode == CleanupWindowMode::filesFound ? "files" : "guide");
-                },
-                [this] { reports.emplace_back("suggested"); },
-                [this] { reports.emplace_back("trash"); },
-                [this] { reports.emplace_back("cancel"); },
-                [this] {
-                    reports.emplace_back("closed");
-                    if (onClosed)
-                        onClosed();
-                },
-                {[this](const std::string& identifier, bool isOn) {
-                     reports.push_back(identifier + (isOn ? " on" : " off"));
-                     if (onSelection)
-                         onSelection();
-                 },
-                 [this](const std::string& identifier) { reports.push_back("reveal " + identifier); },
-                 [this](const AvenueButtonAction& action) {
-                     const auto* copy = std::get_if<CopyCommand>(&action);
-                     reports.push_back(copy ? "copy " + copy->command
-                                            : "open " + std::string(rawValue(std::get<CleanupAvenue::Action>(action))));
-                 }}};
     }
 
     void show(const CleanupWindowContent& content) {
@@ -73,9 +44,6 @@ protected:
     }
 
     QtAppearance appearance;
-    std::vector<std::string> reports;
-    std::function<void()> onSelection;
-    std::function<void()> onClosed;
     CleanupWindow window{actions()};
 };
 
