@@ -21,24 +21,24 @@ struct Place {
 };
 
 // In the order of the categories' roots.
-constexpr std::array<Place, 2> buildPlaces{{
+constexpr auto buildPlaces = std::to_array<Place>({
     {"Xcode Derived Data", "Xcode recreates Derived Data when a project is built."},
     {"Simulator Caches", "Simulator caches are recreated when needed."},
-}};
-constexpr std::array<Place, 5> cachePlaces{{
+});
+constexpr auto cachePlaces = std::to_array<Place>({
     {"Homebrew Cache", "Homebrew downloads and rebuilds this cache when needed."},
     {"CocoaPods Cache", "CocoaPods downloads this cache again when needed."},
     {"Swift Package Manager Cache", "Swift Package Manager resolves this cache again when needed."},
     {"npm Cache", "npm verifies and downloads package cache content again when needed."},
     {"Gradle Cache", "Gradle rebuilds and downloads cache content again when needed."},
-}};
+});
 
 // Offers each place as a whole, of any age, unless it is empty.
 template <std::size_t Count>
 void appendWholeFolders(ScanContext& context, CleanupCategory category, const std::array<Place, Count>& places,
                         std::vector<CleanupCandidate>& candidates) {
     const auto roots = approvedRoots(category, context.environment().places);
-    for (std::size_t i = 0; i < roots.size() && !context.isOver(category); ++i) {
+    for (std::size_t i = 0; i < roots.size(); ++i) {
         const auto item = context.look(roots[i], category, ScanContext::isFolder);
         if (!item || !liesBelow(roots[i], context.environment().places.home))
             continue;
@@ -67,11 +67,7 @@ std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
     const auto category = CleanupCategory::macOSInstaller;
     const auto root = approvedRoots(category, context.environment().places).front();
     std::vector<CleanupCandidate> candidates;
-    if (context.isOver(category))
-        return candidates;
     for (const auto& url : context.list(root, category)) {
-        if (context.isOver(category))
-            break;
         if (!isMacOSInstaller(url))
             continue;
         const auto item = context.look(url, category, ScanContext::isFolder);

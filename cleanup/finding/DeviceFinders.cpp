@@ -17,8 +17,8 @@ namespace {
 
 using Texts = std::map<std::string, std::string>;
 
-const std::array<std::string, 3> identityKeys{"Target Identifier", "Unique Identifier", "GUID"};
-const std::array<std::string, 2> nameKeys{"Device Name", "Display Name"};
+const auto identityKeys = std::to_array<std::string>({"Target Identifier", "Unique Identifier", "GUID"});
+const auto nameKeys = std::to_array<std::string>({"Device Name", "Display Name"});
 constexpr std::size_t shortestIdentity = 20; // characters
 
 struct DeviceBackupRecord {
@@ -46,11 +46,9 @@ struct BackupFolder {
 std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesystem::path& root) {
     const auto category = CleanupCategory::deviceBackup;
     std::vector<BackupFolder> folders;
-    if (isSymbolicLink(root) || context.isOver(category))
+    if (isSymbolicLink(root))
         return folders;
     for (const auto& url : context.list(root, category)) {
-        if (context.isOver(category))
-            break;
         auto item = context.look(url, category, [](const ItemFacts& facts) {
             return ScanContext::isFolder(facts) && facts.contentModificationDate;
         });
@@ -102,8 +100,6 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
     for (const auto& record : records) {
         if (record.modificationDate >= newest.at(record.identity))
             continue;
-        if (context.isOver(category))
-            break;
         if (const auto metrics = context.measure(record.url, category))
             candidates.push_back(context.candidate(
                 record.url, record.fingerprint, "Older backup · " + record.name, category,

@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 using Kind = CleanupAvenue::Place::Kind;
 
 constexpr std::chrono::days oldEnough{30}; // for a cache that no app seems to use
-const std::array<std::string, 3> imageEndings{".qcow2", ".vdi", ".vmdk"};
+const auto imageEndings = std::to_array<std::string>({".qcow2", ".vdi", ".vmdk"});
 constexpr std::string_view coreDump = "core."; // and a number
 constexpr auto* userInstallation = "${FLATPAK_USER_DIR:-${XDG_DATA_HOME:-~/.local/share}/flatpak}";
 

@@ -15,27 +15,26 @@ namespace vantry::CleanupScanner {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::chrono::milliseconds timeBetweenSigns{100};
 constexpr std::chrono::seconds longestSilence{1};
 constexpr std::size_t mostIdentifiers = 100'000;
 constexpr std::string_view lastLine = "complete";
-const std::array<std::string, 1> keys{"CFBundleIdentifier"};
+const auto keys = std::to_array<std::string>({"CFBundleIdentifier"});
 
 } // namespace
 
-void writeBundleIdentifiers(const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write) {
+void writeBundleIdentifiers(const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write,
+                            const std::function<std::chrono::steady_clock::time_point()>& now) {
     constexpr std::size_t enough = 16 << 10; // bytes, written at once
     std::string lines;
-    auto lastWrite = Clock::now();
+    auto lastWrite = now();
     const auto tell = [&](const std::optional<std::string>& identifier) {
         if (identifier)
             lines += encoded({.texts = std::map<std::string, std::string>{{keys.front(), *identifier}}});
-        const auto now = Clock::now();
-        if (lines.size() < enough && now - lastWrite < timeBetweenSigns)
+        const auto time = now();
+        if (lines.size() < enough && time - lastWrite < timeBetweenSigns)
             return true;
-        lastWrite = now;
+        lastWrite = time;
         return write(lines.empty() ? encoded(PropertyListPayload()) : std::exchange(lines, {}));
     };
     if (searchBundles(places, tell))

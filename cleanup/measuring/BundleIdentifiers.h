@@ -4,6 +4,7 @@
 #include "cleanup/measuring/BundleSearch.h"
 #include "platform/StopSwitch.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -17,9 +18,11 @@ namespace vantry::CleanupScanner {
 // The bundle worker writes a `PropertyListPayload` for each bundle that has an identifier, and now and then one without
 // texts as a sign of life. A last line says that nothing was left out; otherwise it is missing.
 
-/// The worker's side: calls `write` with one or more lines at a time until that fails. Blocks for as long as a file
-/// system does not answer.
-void writeBundleIdentifiers(const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write);
+/// The worker's side: calls `write` with one or more lines at a time until that fails, at the latest 100 ms after the
+/// last time, by `now`, if a folder is done then. Blocks for as long as a file system does not answer.
+void writeBundleIdentifiers(
+    const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write,
+    const std::function<std::chrono::steady_clock::time_point()>& now = std::chrono::steady_clock::now);
 
 /// The parent's side: starts one worker of `executable`. Absent if something that may be a bundle could not be read, if
 /// the worker misbehaves, or if it gives no sign of life for a second. Blocks at most until `deadline`, plus the time

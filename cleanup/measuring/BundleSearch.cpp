@@ -39,7 +39,7 @@ constexpr std::array extensionsOfData{"lproj"sv, "dsym"sv, "docset"sv, "sdk"sv};
 
 // Where a bundle keeps its information: applications and most others, frameworks, and bundles without "Contents".
 constexpr std::array placesOfInformation{"Contents/Info.plist"sv, "Resources/Info.plist"sv, "Info.plist"sv};
-const std::array<std::string, 1> identifierKeys{"CFBundleIdentifier"};
+const auto identifierKeys = std::to_array<std::string>({"CFBundleIdentifier"});
 
 template <std::size_t Count>
 bool contains(const std::array<std::string_view, Count>& texts, std::string_view text) {
@@ -102,14 +102,9 @@ private:
     void addPlace(const std::filesystem::path& folder) {
         std::error_code error;
         const auto real = std::filesystem::canonical(folder, error);
-        if (error && meansNothing(error.value()))
-            return;
-        const auto kind = kindAt(folder);
-        if (error || !kind)
-            return cut();
-        if (*kind == Kind::folder)
+        if (!error && kindAt(folder) == Kind::folder)
             pending_.push_back({real, {}});
-        else if (*kind == Kind::link)
+        else
             addTarget(folder, {});
     }
 
@@ -125,12 +120,13 @@ private:
             if (folder.bundle.empty() || !holdsData(path)) {
                 if (kind == Kind::folder)
                     pending_.push_back({path, folder.bundle});
-                else if (kind == Kind::link)
+                else
                     addTarget(path, folder.bundle);
             }
     }
 
-    // The target of the link `path`, if it is a folder that belongs to the search.
+    // The target of the link `path`, if it is a folder that belongs to the search. A path without an item, or to
+    // something else, is ignored.
     void addTarget(const std::filesystem::path& path, const std::filesystem::path& bundle) {
         std::error_code error;
         const auto target = std::filesystem::canonical(path, error);

@@ -244,6 +244,34 @@ TEST_F(ScanReport, OnlyWhatCouldNotBeMeasuredAheadIsMeasuredByItself) {
     }
 }
 
+TEST_F(ScanReport, AListingOfMoreThanTenThousandEntriesIsNotKept) {
+    const auto folder = directory("Downloads");
+    for (int i = 0; i < 10'000; ++i)
+        workers.alsoListed.push_back(folder / std::to_string(i));
+    static_cast<void>(scan(environment, workers, {}));
+    EXPECT_EQ(workers.timesAsked("list " + folder.native()), 1);
+    workers.asked.clear();
+    workers.alsoListed.push_back(folder / "one more");
+    static_cast<void>(scan(environment, workers, {}));
+    EXPECT_GT(workers.timesAsked("list " + folder.native()), 1);
+}
+
+TEST_F(ScanReport, TheUserIsAskedAboutEachFolderOnce) {
+    std::vector<std::filesystem::path> asked;
+    environment.questions =
+        FolderQuestions::create([&, scanning = std::this_thread::get_id()](const std::filesystem::path& folder) {
+            if (std::this_thread::get_id() != scanning) // which only looks whether the answer has changed
+                asked.push_back(folder);
+            return FolderAccess::readable;
+        });
+    static_cast<void>(scan(environment, workers, {}));
+    const std::set<std::filesystem::path> different(asked.begin(), asked.end());
+    EXPECT_EQ(asked.size(), different.size());
+    for (const auto& row : allCleanupCategories)
+        for (const auto& place : approvedRoots(row.value, environment.places))
+            EXPECT_TRUE(different.contains(place)) << place;
+}
+
 TEST_F(ScanReport, AFolderIsListedAndMeasuredAgainOnlyWhenTheFirstAnswerWasNotComplete) {
     folderWithFile(".npm/_cacache", 4096, days(1));
     const auto incomplete = folderWithFile(".gradle/caches", 4096, days(1));

@@ -144,8 +144,9 @@ TEST_F(MacOSInstallers, AListingOrMeasurementThatIsNotCompleteLimitsTheCategory)
     EXPECT_THAT(macOSInstallers(context), IsEmpty());
     EXPECT_THAT(budget.limitedCategories, ElementsAre(CleanupCategory::macOSInstaller));
     budget.limitedCategories.clear();
-    budget.deadline = deadlineIn(std::chrono::seconds(-1));
-    EXPECT_THAT(macOSInstallers(context), IsEmpty());
+    workers.hung.clear();
+    workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
+    EXPECT_THAT(macOSInstallers(context), IsEmpty()) << "the time was up after the listing";
     EXPECT_THAT(budget.limitedCategories, ElementsAre(CleanupCategory::macOSInstaller));
 }
 

@@ -115,6 +115,14 @@ TEST_F(DeviceBackups, ABackupFolderThatIsALinkIsNotExamined) {
     EXPECT_FALSE(budget.limitedCategories.contains(CleanupCategory::deviceBackup));
 }
 
+TEST_F(DeviceBackups, OfASingleBackupNothingIsRead) {
+    backup("12345678901234567890-one", days(9));
+    EXPECT_THAT(supersededDeviceBackups(context), IsEmpty());
+    EXPECT_THAT(workers.asked, ElementsAre("list " + at(backups).native()));
+    backup("12345678901234567890-two", days(1));
+    EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
+}
+
 TEST_F(DeviceBackups, AnIncompleteListingReadingOrMeasurementLimitsTheCategory) {
     const auto old = backup("12345678901234567890-old", days(9));
     backup("12345678901234567890-new", days(1));
@@ -134,7 +142,8 @@ TEST_F(DeviceBackups, AnIncompleteListingReadingOrMeasurementLimitsTheCategory) 
     workers.hung.insert(home() / backups);
     EXPECT_THAT(supersededDeviceBackups(context), IsEmpty());
     EXPECT_TRUE(isLimited());
-    budget.deadline = deadlineIn(std::chrono::seconds(-1));
+    workers.hung.clear();
+    workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
     EXPECT_THAT(supersededDeviceBackups(context), IsEmpty());
     EXPECT_TRUE(isLimited());
 }

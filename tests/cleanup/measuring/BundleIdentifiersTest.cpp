@@ -1,5 +1,6 @@
 #include "cleanup/measuring/BundleIdentifiers.h"
 
+#include "cleanup/measuring/PropertyListPayload.h"
 #include "tests/cleanup/measuring/WorkerHostFixture.h"
 #include "tests/support/RecordedPolls.h"
 
@@ -91,6 +92,59 @@ TEST_F(BundleIdentifiers, OfALargeToolAreAllFound) {
     const ApplicationPlaces places{.folders = {large.path()}, .system = root / "System"};
     EXPECT_EQ(host.bundleIdentifiers(places, deadlineIn(10s)),
               (std::set<std::string>{"com.example.tool", "com.example.simulator", "com.example.deep"}));
+}
+
+TEST_F(BundleIdentifiers, AreWrittenEveryHundredMillisecondsAndAtTheEnd) {
+    for (const char* name : {"a", "b", "c", "d"})
+        fs::create_directories(root / "One" / name);
+    const auto written = [&](std::chrono::milliseconds betweenFolders) {
+        std::vector<std::string> lines;
+        std::chrono::steady_clock::time_point time;
+        writeBundleIdentifiers(
+            {.folders = {root / "One"}, .system = root / "System"},
+            [&](std::string_view text) {
+                lines.emplace_back(text);
+                return true;
+            },
+            [&] { return time += betweenFolders; });
+        return lines;
+    };
+    const std::string sign = encoded(PropertyListPayload());
+    EXPECT_EQ(written(99ms), (std::vector<std::string>{sign, sign, "complete\n"})) << "at 198 ms and at 396 ms";
+    EXPECT_EQ(written(100ms), (std::vector<std::string>{sign, sign, sign, sign, sign, "complete\n"}));
+    EXPECT_EQ(written(1ms), std::vector<std::string>{"complete\n"});
+    bundle(root / "One/b/A.app", "com.example.a");
+    bundle(root / "One/b/B.app", "com.example.b");
+    const auto together = written(0ms);
+    ASSERT_EQ(together.size(), 1U);
+    EXPECT_NE(together[0].find("com.example.a"), std::string::npos);
+    EXPECT_TRUE(together[0].ends_with("complete\n"));
+    std::string apart;
+    for (const auto& lines : written(100ms))
+        apart += lines == sign ? "" : lines;
+    EXPECT_EQ(apart, together[0]) << "every identifier once";
+}
+
+TEST_F(BundleIdentifiers, AreWrittenAsSoonAsTheyFillSixteenKibibytes) {
+    constexpr std::size_t fill = 16 << 10;
+    for (int i = 0; i < 20; ++i)
+        bundle(root / "One" / (std::to_string(i) + ".app"), std::to_string(i) + std::string(1000, 'x'));
+    std::vector<std::size_t> sizes;
+    writeBundleIdentifiers(
+        {.folders = {root / "One"}, .system = root / "System"},
+        [&](std::string_view text) {
+            sizes.push_back(text.size());
+            return true;
+        },
+        [] { return std::chrono::steady_clock::time_point(); });
+    ASSERT_EQ(sizes.size(), 2U);
+    EXPECT_GE(sizes[0], fill);
+    EXPECT_LT(sizes[0], fill + 1030) << "one identifier more";
+}
+
+TEST_F(BundleIdentifiers, AreAbsentWhenTheWorkerCannotBeStarted) {
+    const ApplicationPlaces places{.folders = {root / "One"}, .system = root / "System"};
+    EXPECT_EQ(readBundleIdentifiers(root / "missing", places, farAway(), nullptr), std::nullopt);
 }
 
 TEST_F(BundleIdentifiersOfADouble, AreTakenUpToTheLastLine) {

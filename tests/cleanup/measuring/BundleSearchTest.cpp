@@ -208,6 +208,28 @@ TEST_F(Bundles, ThatAreUnreadableMakeTheSearchIncomplete) {
     }
 }
 
+TEST_F(Bundles, APlaceWhoseNameIsTooLongMakesTheSearchIncomplete) {
+    bundle(app(), "one");
+    EXPECT_FALSE(searchBundles({.folders = {applications(), "/" + std::string(300, 'x')}, .system = system()},
+                               [](const auto&) { return true; }));
+    EXPECT_TRUE(searchBundles(
+        {.folders = {applications(), applications() / "One.app/Contents/Info.plist", "/missing"}, .system = system()},
+        [](const auto&) { return true; }))
+        << "a file is not a folder of applications";
+}
+
+TEST_F(Bundles, ALinkThatCannotBeResolvedMattersOnlyWhereABundleMayBe) {
+    const std::string tooLong(300, 'x');
+    bundle(app(), "one");
+    link(app() / "Contents/Notes", tooLong);
+    EXPECT_THAT(found(), Optional(UnorderedElementsAre("one")));
+    link(app() / "Contents/Helper.app", tooLong);
+    EXPECT_EQ(found(), std::nullopt);
+    std::filesystem::remove(app() / "Contents/Helper.app");
+    link(applications() / "Suite", tooLong);
+    EXPECT_EQ(found(), std::nullopt);
+}
+
 TEST_F(Bundles, TheSearchEndsWhenItsCallbackSaysSo) {
     bundle(app(), "one");
     int told = 0;
