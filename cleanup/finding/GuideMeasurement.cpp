@@ -33,13 +33,10 @@ const auto imageEndings = std::to_array<std::string>({".qcow2", ".vdi", ".vmdk"}
 constexpr std::string_view coreDump = "core."; // and a number
 constexpr auto* userInstallation = "${FLATPAK_USER_DIR:-${XDG_DATA_HOME:-~/.local/share}/flatpak}";
 
-// Whether one of the two lies in the other, or both are the same; `pattern` may hold asterisks.
-bool overlap(const fs::path& path, const fs::path& pattern) {
-    const auto [ofPath, ofPattern] =
-        std::ranges::mismatch(path, pattern, [](const fs::path& name, const fs::path& part) {
-            return matchesPattern(name.native(), part.native());
-        });
-    return ofPath == path.end() || ofPattern == pattern.end();
+// Whether one of the two lies in the other, or both are the same.
+bool overlap(const fs::path& one, const fs::path& other) {
+    const auto [ofOne, ofOther] = std::ranges::mismatch(one, other);
+    return ofOne == one.end() || ofOther == other.end();
 }
 
 // Where a link leads, without following a second one.

@@ -1,8 +1,10 @@
 #include "cleanup/finding/GuideMeasurement.h"
 
 #include "cleanup/model/CleanupAvenue.h"
+#include "cleanup/model/GuidePlaces.h"
 #include "tests/cleanup/finding/ScanFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/MountedFolder.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestSystem.h"
 
@@ -90,14 +92,18 @@ TEST_F(Guide, NeverTakesAListingThatFailedForAnEmptyFolder) {
 
 TEST_F(Guide, CountsAnOldCacheOnlyWhenEverythingInItIsOld) {
     const auto old = folderWithFile(".cache/old", 4096, days(31));
+    const auto oldFile = file(".cache/old file", 4096, days(31));
+    folderWithFile(".cache/just thirty days", 4096, days(30));
     folderWithFile(".cache/young", 4096, days(29));
     folderWithFile(".cache/young inside", 4096, days(29));
     setAge(".cache/young inside", days(31));
     folderWithFile(".cache/young outside", 4096, days(31));
     setAge(".cache/young outside", days(29));
-    EXPECT_EQ(measured("appCaches").paths, std::vector{old});
+    EXPECT_EQ(measured("appCaches").paths, (std::vector{old, oldFile}));
     EXPECT_EQ(measured("appCaches").state, State::checked);
+    EXPECT_FALSE(workers.wasAsked("measure " + oldFile.native())) << "its own date says it all";
     // What could not be looked through may hold something young.
+    std::filesystem::remove(oldFile);
     workers.metrics[old] = {4096, now - days(31), false};
     EXPECT_EQ(measured("appCaches"), (GuideUsage{State::unavailable, CleanupByteAmount::unavailable(), {}}));
 }
@@ -128,6 +134,51 @@ TEST_F(Guide, LeavesOutDiskImagesInPlacesOfOtherEntries) {
               (GuideUsage{State::checked, CleanupByteAmount::exact(12288), {home() / ".local/share"}}));
     workers.metrics[image.parent_path()] = {0, {}, false};
     EXPECT_EQ(measured("virtualMachines").occupied, CleanupByteAmount::atLeast(8192));
+    std::filesystem::remove(loose);
+    EXPECT_EQ(measured("virtualMachines").state, State::unavailable)
+        << "nothing was found, but not everything searched";
+}
+
+TEST_F(Guide, MeasuresWhatAPatternStandsFor) {
+    const auto one = folderWithFile(".var/app/org.example.One/cache", 4096, days(1));
+    const auto two = folderWithFile(".var/app/org.example.Two/cache", 4096, days(1));
+    folderWithFile(".var/app/org.example.One/data", 4096, days(1));
+    file(".var/app/loose", 4096, days(1));
+    link(".var/app/org.example.Link", "org.example.One");
+    EXPECT_EQ(measured("flatpakAppCaches").paths, (std::vector{one, two}));
+    const auto oldSession = file(".local/share/xorg/Xorg.0.log.old", 4096, days(1));
+    file(".local/share/xorg/Xorg.0.log", 4096, days(1));
+    link(".local/share/xorg/link.old", "Xorg.0.log");
+    const auto log = file(".local/state/player/player.log", 4096, days(1));
+    file(".local/state/player/player.txt", 4096, days(1));
+    EXPECT_EQ(measured("oldLogs").paths, (std::vector{oldSession, log}));
+}
+
+TEST_F(Guide, LeavesOutWhatIsMountedWhereItSearches) {
+    directory(".var/app");
+    directory(".cache");
+    const MountedFolder app(at(".var/app/org.example.One"));
+    const MountedFolder cache(at(".cache/old"));
+    if (!app || !cache)
+        GTEST_SKIP() << "may not mount";
+    folderWithFile(".var/app/org.example.One/cache", 4096, days(1));
+    folderWithFile(".cache/old", 4096, days(100));
+    EXPECT_TRUE(measured("flatpakAppCaches").paths.empty());
+    EXPECT_TRUE(measured("appCaches").paths.empty());
+}
+
+TEST_F(Guide, LeavesOutCachesThatAreInUseOrHoldMoreThanACache) {
+    for (const auto pattern : cachesOfOthers()) {
+        std::string name(pattern);
+        std::ranges::replace(name, '*', '7');
+        folderWithFile(std::filesystem::path(".cache") / name, 4096, days(100));
+    }
+    EXPECT_TRUE(measured("appCaches").paths.empty());
+}
+
+TEST_F(Guide, SaysWhenAPlaceCannotBeLookedUp) {
+    const ScopedEnvironment tooLong("PIP_CACHE_DIR", at(std::string(300, 'x')).c_str());
+    EXPECT_EQ(measured("pip").state, State::unavailable);
 }
 
 TEST_F(Guide, CountsOnlyRegularFilesNamedByANumberAsCoreDumps) {
@@ -178,6 +229,14 @@ TEST_F(Guide, ReportsWhatMayNotBeReadWhereverItLooks) {
             EXPECT_EQ(said, title(State::permissionNeeded))
                 << closed << (left == fs::perms::none ? "" : ", names only");
         }
+    const auto pipCache = folderWithFile(".cache/pip", 4096, days(1));
+    fs::permissions(pipCache, fs::perms::none);
+    EXPECT_EQ(inChildProcess([&]() -> std::string {
+                  static_cast<void>(becomeUser(unknownUser()));
+                  const auto usage = measured("pip");
+                  return std::string(title(usage.state)) + (usage.paths.empty() ? "" : ", measured");
+              }),
+              title(State::permissionNeeded));
 }
 
 TEST_F(Guide, MeasuresPlacesOfKnownNumberBeforeItSearches) {
@@ -269,6 +328,7 @@ TEST_F(Guide, AsksNoWorkerAnyMoreOnceNobodyWantsIt) {
         const auto guide = measureGuide(workers, environment.places, now, deadlineIn(std::chrono::seconds(60)),
                                         [&] { return workers.asked.size() < enough; });
         EXPECT_TRUE(guide.empty());
+        EXPECT_TRUE(enough > 0 || workers.asked.empty());
         // Without time, a worker is not even started.
         EXPECT_LE(std::ranges::count_if(workers.deadlines, [](auto deadline) { return !hasPassed(deadline); }),
                   static_cast<std::ptrdiff_t>(enough));

@@ -208,6 +208,30 @@ TEST_F(Bundles, ThatAreUnreadableMakeTheSearchIncomplete) {
     }
 }
 
+TEST_F(Bundles, AnInformationFileThatCannotBeResolvedMakesTheSearchIncomplete) {
+    bundle(app(), "one");
+    std::filesystem::remove(app() / "Contents/Info.plist");
+    link(app() / "Contents/Info.plist", std::string(300, 'x'));
+    EXPECT_EQ(found(), std::nullopt);
+}
+
+TEST_F(Bundles, AFolderWithADotInItsNameIsOneOnlyWithContents) {
+    information(applications() / "More 2.5/Info.plist", "one");
+    information(applications() / "More 2.6/Resources/Info.plist", "two");
+    EXPECT_THAT(found(), Optional(IsEmpty()));
+    information("elsewhere/Info.plist", "three");
+    link(applications() / "More 2.7/Contents/Info.plist", at("elsewhere/Info.plist"));
+    EXPECT_EQ(found(), std::nullopt) << "the file leads out of it";
+}
+
+TEST_F(Bundles, AFolderThatDisappearsDuringTheSearchDoesNotCount) {
+    bundle(applications() / "Suite/One.app", "one");
+    EXPECT_TRUE(searchBundles({.folders = {applications()}, .system = system()}, [&](const auto&) {
+        std::filesystem::remove_all(applications() / "Suite"); // listed, and not visited yet
+        return true;
+    }));
+}
+
 TEST_F(Bundles, APlaceWhoseNameIsTooLongMakesTheSearchIncomplete) {
     bundle(app(), "one");
     EXPECT_FALSE(searchBundles({.folders = {applications(), "/" + std::string(300, 'x')}, .system = system()},
