@@ -1,7 +1,10 @@
 #include "base/Uuid.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
+#include <functional>
 #include <random>
 #include <string_view>
 
@@ -10,9 +13,9 @@ namespace vantry {
 std::string randomUuid() {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::random_device source;
-    std::array<unsigned char, 16> bytes{};
-    for (auto& byte : bytes)
-        byte = static_cast<unsigned char>(source());
+    std::array<std::random_device::result_type, 4> words{};
+    std::ranges::generate(words, std::ref(source)); // each call is a system call or a slow instruction
+    auto bytes = std::bit_cast<std::array<unsigned char, 16>>(words);
     bytes[6] = static_cast<unsigned char>(0x40 | (bytes[6] & 0x0f)); // version 4
     bytes[8] = static_cast<unsigned char>(0x80 | (bytes[8] & 0x3f)); // the variant of RFC 9562
     std::string text;
