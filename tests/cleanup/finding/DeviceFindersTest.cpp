@@ -136,6 +136,7 @@ TEST_F(DeviceBackups, AnIncompleteListingReadingOrMeasurementLimitsTheCategory) 
     workers.metrics[old] = {5, std::nullopt, false};
     EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
     EXPECT_TRUE(isLimited());
+    workers.metrics.clear();
     workers.listsAreComplete = false;
     EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
     EXPECT_TRUE(isLimited());

@@ -219,6 +219,13 @@ TEST_F(OldItems, AFileThatVanishesAfterTheListingIsPassedOver) {
     EXPECT_THAT(files(rule()), ElementsAre("here.log"));
 }
 
+TEST_F(OldItems, AnEntryThatCannotBeLookedAtLimitsTheCategory) {
+    file("place/here.log", 4096, days(90));
+    workers.alsoListed = {home() / "place" / (std::string(300, 'x') + ".log")};
+    EXPECT_THAT(files(rule()), ElementsAre("here.log"));
+    EXPECT_TRUE(isLimited());
+}
+
 TEST_F(OldItems, OfMoreThanTheCountTheLargestAreOfferedAndTheCategoryIsLimited) {
     for (int i = 0; i <= 40; ++i)
         file(formatted("place/{:02}.log", i), 4096 * (i + 1), days(90));

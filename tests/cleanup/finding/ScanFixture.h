@@ -88,6 +88,8 @@ public:
                         texts->insert(*text);
             }
         }
+        if (!answer.complete)
+            answer.texts.pop_back(); // the worker did not get that far
         return answer;
     }
     [[nodiscard]] std::optional<std::set<std::string>>

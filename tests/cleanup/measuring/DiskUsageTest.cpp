@@ -3,6 +3,7 @@
 #include "base/Format.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileFacts.h"
+#include "tests/support/MountedFolder.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestSystem.h"
 
@@ -53,6 +54,19 @@ TEST_F(DiskUsage, IsThatOfFoldersAndLinksTooAndOfAFileWithSeveralNamesOnce) {
     EXPECT_EQ(used(folder), (DirectoryMetrics{.size = all, .complete = true}));
     EXPECT_EQ(used(folder / "one"), (DirectoryMetrics{.size = blocks(folder / "one"), .complete = true}));
     EXPECT_EQ(used(folder / "link to a folder").size, blocks(folder / "link to a folder"));
+}
+
+TEST_F(DiskUsage, OfAFileWithTwoNamesIsCountedOnceAndOnlyWithinItsFileSystem) {
+    fs::create_directories(folder);
+    writeFile(folder / "one", std::string(10'000, 'x'));
+    fs::create_hard_link(folder / "one", folder / "two");
+    const auto all = blocks(folder) + blocks(folder / "one");
+    EXPECT_EQ(used(folder).size, all);
+    const MountedFolder mounted(folder / "mounted");
+    if (!mounted)
+        GTEST_SKIP() << "may not mount";
+    writeFile(folder / "mounted/three", std::string(10'000, 'x'));
+    EXPECT_EQ(used(folder), (DirectoryMetrics{.size = blocks(folder) + blocks(folder / "one"), .complete = true}));
 }
 
 TEST_F(DiskUsage, OfEndingsIsThatOfFilesWithThem) {
