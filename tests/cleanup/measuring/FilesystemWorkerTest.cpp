@@ -2,6 +2,7 @@
 
 #include "base/UniqueFd.h"
 #include "cleanup/measuring/WorkerPayload.h"
+#include "platform/Sandbox.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EndedChild.h"
 #include "tests/support/FileFacts.h"
@@ -14,6 +15,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <sys/resource.h>
@@ -33,6 +35,11 @@ using CleanupScanner::runFilesystemWorkerIfRequested;
 using Arguments = std::vector<std::string>;
 
 const fs::path executable = OMBREL_EXECUTABLE;
+#if defined(OMBREL_ADDRESS_SANITIZER) || defined(OMBREL_THREAD_SANITIZER)
+constexpr bool isSanitized = true; // which needs the address space
+#else
+constexpr bool isSanitized = false;
+#endif
 const EndedChild silent{.status = 0, .output = ""};
 
 /// A folder to look at, and one for the output.
@@ -104,6 +111,43 @@ TEST_F(FilesystemWorker, ReturnsTrueAndWritesNothingWhenItCannotDoItsJob) {
         EXPECT_EQ(endOf(executable, arguments), silent) << testing::PrintToString(arguments);
         EXPECT_FALSE(fs::exists(output));
     }
+}
+
+TEST_F(FilesystemWorker, GivesUpTheRightsAndTheMemoryThatItDoesNotNeed) {
+    if (inChildProcess([] { return std::string(giveUpChangingFiles() ? "protected" : "unprotected"); }) != "protected")
+        GTEST_SKIP() << "a system without such protection";
+    constexpr rlim_t mebibyte = 1 << 20;
+    const auto sizeOfThisProcess = [] {
+        rlim_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+    };
+    const struct {
+        Arguments arguments;
+        rlim_t memory; ///< on top of what it has
+    } jobs[] = {
+        {{"--directory-metrics-worker", folder, "3"}, 0},
+        {{"--children-metrics-worker", folder, "3"}, 0},
+        {{"--disk-usage-worker", folder, "3"}, 256 * mebibyte},
+        {{"--shallow-children-worker", folder, output}, 0},
+        {{"--property-list-worker", "1", "Name", folder / "one"}, 64 * mebibyte},
+        {{"--bundle-identifiers-worker", folder, folder}, 256 * mebibyte},
+    };
+    for (const auto& [arguments, memory] : jobs)
+        EXPECT_EQ(inChildProcess([&, memory = memory, &arguments = arguments]() -> std::string {
+                      const UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
+                      const rlim_t before = sizeOfThisProcess();
+                      rlimit limit = {};
+                      if (dup2(nowhere.get(), STDOUT_FILENO) < 0 || !runFilesystemWorkerIfRequested(arguments) ||
+                          getrlimit(RLIMIT_AS, &limit) != 0)
+                          return "not run";
+                      const rlim_t more = limit.rlim_cur == RLIM_INFINITY ? 0 : limit.rlim_cur - before;
+                      const bool isLimited = more >= memory && more < memory + mebibyte / 2;
+                      return (unlink((folder / ".hidden").c_str()) == 0 ? "may write" : "may not write") +
+                             std::string(isLimited || isSanitized ? "" : ", " + std::to_string(more) + " bytes more");
+                  }),
+                  "may not write")
+            << arguments[0];
 }
 
 TEST_F(FilesystemWorker, WritesNothingButTheMeasuresToItsOutput) {
