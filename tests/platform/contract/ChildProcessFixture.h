@@ -31,7 +31,7 @@ template <class Prepare>
         if (!prepare())
             return "not prepared";
         const auto before = openDescriptorCount();
-        const auto child = ChildProcess::start("/bin/true", {}, ChildOutput::pipe);
+        const auto child = ChildProcess::start("/bin/sleep", {"60"}, ChildOutput::pipe);
         if (child)
             return "started";
         waitUntilChildrenAre(0);

@@ -51,14 +51,21 @@ TEST_F(AChildProcess, GetsItsArgumentsUnchanged) {
 
 TEST_F(AChildProcess, ReadsNothingAndWritesErrorsNowhere) {
     EXPECT_EQ(endOf("/bin/cat", {}), (EndedChild{0, ""}));
-    EXPECT_EQ(endOf(shell, script("echo error >&2; echo output")), (EndedChild{0, "output\n"}));
+    EXPECT_EQ(endOf(shell, script("echo error >&2 && echo output")), (EndedChild{0, "output\n"}));
 }
 
 TEST_F(AChildProcess, WithoutAPipeWritesNowhere) {
-    auto child = ChildProcess::start("/bin/echo", {"output"}, ChildOutput::nullDevice);
-    ASSERT_TRUE(child);
-    EXPECT_EQ(child->output(), -1);
-    EXPECT_EQ(endOf(*child), (EndedChild{0, ""}));
+    const TemporaryFolder root;
+    const auto said = inChildProcess([&]() -> std::string {
+        const UniqueFd printed(open((root / "printed").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        if (dup2(printed.get(), STDOUT_FILENO) < 0)
+            return "not prepared";
+        auto child = ChildProcess::start("/bin/echo", {"output"}, ChildOutput::nullDevice);
+        if (!child || child->output() != -1 || endOf(*child) != EndedChild{0, ""})
+            return "not run";
+        return readFile(root / "printed");
+    });
+    EXPECT_EQ(said, "");
 }
 
 TEST_F(AChildProcess, InheritsTheEnvironmentAndNoDescriptor) {
@@ -149,6 +156,10 @@ TEST_F(AChildProcess, ThatNobodyWatchesIsReapedWhenItEnds) {
         ASSERT_TRUE(child);
     }
     EXPECT_EQ(childCount(), 1);
+    sigset_t blocked = {};
+    EXPECT_EQ(pthread_sigmask(SIG_SETMASK, nullptr, &blocked), 0);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD})
+        EXPECT_EQ(sigismember(&blocked, signal), 0) << "this thread goes on to receive signals";
     writeFile(root / "end", "");
     waitUntilChildrenAre(0);
 }
@@ -288,7 +299,7 @@ TEST_F(AChildProcess, CannotBeStartedByAUserWhoHasTooMany) {
     });
     if (said == "not prepared")
         GTEST_SKIP() << "no right to become another user";
-    EXPECT_EQ(said, errorFromErrno(EAGAIN, "/bin/true").message);
+    EXPECT_EQ(said, errorFromErrno(EAGAIN, "/bin/sleep").message);
 }
 
 } // namespace vantry
