@@ -54,10 +54,14 @@ Result<std::string> readSmallFile(const std::filesystem::path& file, std::size_t
         return failed(file);
     if (!S_ISREG(facts.st_mode))
         return std::unexpected(Error{ErrorKind::invalid, file.native() + ": not a file"});
+    return readToEnd(fd.get(), limit, file);
+}
+
+Result<std::string> readToEnd(int fd, std::size_t limit, const std::filesystem::path& file) {
     std::string contents;
     std::string piece(65536, '\0');
     for (;;) {
-        const ssize_t length = read(fd.get(), piece.data(), piece.size());
+        const ssize_t length = read(fd, piece.data(), piece.size());
         if (length < 0 && errno == EINTR)
             continue;
         if (length < 0)

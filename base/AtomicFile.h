@@ -24,4 +24,8 @@ namespace vantry {
 /// Blocking; any thread.
 [[nodiscard]] Result<std::string> readSmallFile(const std::filesystem::path& file, std::size_t limit);
 
+/// What is left to read from `fd`, the file at `file`, which only errors name. Fails if it is over `limit` bytes.
+/// Blocking; any thread.
+[[nodiscard]] Result<std::string> readToEnd(int fd, std::size_t limit, const std::filesystem::path& file);
+
 } // namespace vantry
