@@ -49,6 +49,12 @@ TEST(PropertyListPayload, IsNullWhenItsLineWouldBeTooLong) {
     EXPECT_GT(encoded(payload).size(), longestPropertyListLine / 2);
     payload.texts->emplace("Größe", text);
     EXPECT_EQ(encoded(payload), "null\n");
+    payload = {Texts{{"a", ""}}};
+    const auto around = encoded(payload).size();
+    payload.texts->at("a") = std::string(longestPropertyListLine - around, 'x');
+    EXPECT_EQ(encoded(payload).size(), longestPropertyListLine);
+    payload.texts->at("a") += 'x';
+    EXPECT_EQ(encoded(payload), "null\n");
 }
 
 TEST(PropertyListPayload, IsNotReadFromAnythingElse) {
