@@ -220,6 +220,14 @@ TEST_F(PropertyListReader, ReadsMoreFilesThanOneWorkerTakes) {
     EXPECT_EQ(read(files), expected);
 }
 
+TEST_F(PropertyListReader, AsksAboutMorePathsThanAProgramTakesAsArguments) {
+    std::string folder;
+    while (folder.size() < 3900)
+        folder += "/" + std::string(99, 'f');
+    const Files files(600, folder);
+    EXPECT_EQ(read(files), (PropertyListTexts{.texts = {files.size(), std::nullopt}, .complete = true}));
+}
+
 TEST_F(PropertyListReader, FindsNothingInUnreadableFiles) {
     const fs::path copy = root / "worker";
     fs::copy_file(OMBREL_EXECUTABLE, copy);
