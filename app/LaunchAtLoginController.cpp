@@ -6,11 +6,9 @@
 #include "platform/UserSession.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
 #include <optional>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace vantry::LaunchAtLoginController {
@@ -44,9 +42,10 @@ Result<void> writeWithFolder(const std::filesystem::path& file, const std::strin
 
 // Removes a file only; a folder with that name stays.
 Result<void> removeFile(const std::filesystem::path& file) {
-    if (fileExists(file) && unlink(file.c_str()) != 0 && errno != ENOENT)
-        return std::unexpected(errorFromErrno(errno, file.native()));
-    return {};
+    std::error_code failure;
+    if (fileExists(file))
+        std::filesystem::remove(file, failure);
+    return failure ? Result<void>(std::unexpected(errorFromErrno(failure.value(), file.native()))) : Result<void>();
 }
 
 // The copies that may be started at login, the preferred one first; never empty. A copy elsewhere, in a build tree for

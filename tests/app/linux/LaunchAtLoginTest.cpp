@@ -69,6 +69,14 @@ TEST_F(LaunchAtLoginOnLinux, AnInstalledCopyIsPreferredToARunningOneThatIsNotIns
     expectBothStart(usr);
 }
 
+TEST_F(LaunchAtLoginOnLinux, RefreshingStartsACopyThatWasInstalledSince) {
+    enableOrFail();
+    expectBothStart("/opt/ombrel/ombrel");
+    const auto local = install("local/ombrel");
+    ASSERT_TRUE(Controller::refreshIfEnabled(environment()));
+    expectBothStart(local);
+}
+
 TEST_F(LaunchAtLoginOnLinux, AFileThatIsNotExecutableIsNoInstalledCopy) {
     std::filesystem::create_directories(home_ / "local/ombrel");
     std::filesystem::create_directories(home_ / "usr");
@@ -213,6 +221,33 @@ TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedKeepsItsAutostartEntry) {
     EXPECT_EQ(errorForOrdinaryUser(false), agent().native() + ": Permission denied");
     EXPECT_TRUE(Controller::isEnabled(environment()));
     EXPECT_EQ(readFile(autostart()), entry);
+}
+
+TEST_F(LaunchAtLoginOnLinux, AnAutostartEntryThatCannotBeRemovedKeepsItsAgent) {
+    enableOrFail();
+    std::filesystem::permissions(autostart().parent_path(), std::filesystem::perms(0555));
+    for (const auto& folder : {home_.path(), home_ / ".config", home_ / "Library", agents()})
+        std::filesystem::permissions(folder, std::filesystem::perms::all);
+    EXPECT_EQ(errorForOrdinaryUser(false), autostart().native() + ": Permission denied");
+    EXPECT_TRUE(Controller::isEnabled(environment()));
+}
+
+TEST_F(LaunchAtLoginOnLinux, WithoutAnAutostartFolderTheAgentCountsAlone) {
+    std::filesystem::permissions(home_.path(), std::filesystem::perms::all);
+    const auto said = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()) || unsetenv("HOME") != 0 || unsetenv("XDG_CONFIG_HOME") != 0)
+            return "no other user";
+        const bool before = Controller::isEnabled(environment());
+        const bool changed = Controller::setEnabled(environment(), true).has_value();
+        const bool enabled = Controller::isEnabled(environment());
+        const bool refreshed = Controller::refreshIfEnabled(environment()).has_value();
+        const bool changedBack = Controller::setEnabled(environment(), false).has_value();
+        const bool after = Controller::isEnabled(environment());
+        return !before && changed && enabled && refreshed && changedBack && !after ? "as it should be" : "otherwise";
+    });
+    if (said == "no other user")
+        GTEST_SKIP() << said;
+    EXPECT_EQ(said, "as it should be");
 }
 
 TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoNewAutostartEntry) {

@@ -117,6 +117,10 @@ TEST(LoginItem, TheDesktopHonoursAnEntryThatNothingSwitchesOff) {
     const ScopedEnvironment none("XDG_CURRENT_DESKTOP", nullptr);
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nOnlyShowIn=GNOME;\n"));
     EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=GNOME;\n"));
+    EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nOnlyShowIn=\n"));
+    EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=;\n"));
+    const ScopedEnvironment noPath("PATH", nullptr);
+    EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n"));
 }
 
 TEST(LoginItem, AnEntryStartsTheApplicationThatItsExecNames) {
