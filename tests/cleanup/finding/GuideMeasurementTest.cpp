@@ -316,13 +316,31 @@ TEST_F(LeftBehind, LooksForTheUsersInstallationWhereVariablesMoveIt) {
     }
 }
 
+#ifdef __linux__
+TEST_F(Guide, SaysHowLongGnomeKeepsWhatIsInTheTrash) {
+    folderWithFile(".local/share/Trash/files", 4096, days(1));
+    directory("programs");
+    writeFile(at("programs/gsettings"), "#!/bin/sh\n[ $3 = old-files-age ] && echo uint32 30 || echo true\n");
+    std::filesystem::permissions(at("programs/gsettings"), std::filesystem::perms(0755));
+    const ScopedEnvironment path("PATH", (at("programs").native() + ":/usr/bin:/bin").c_str());
+    environment.workers = {OMBREL_EXECUTABLE, directory("temporary")};
+    const auto note = [&](const char* desktop) {
+        const ScopedEnvironment session("XDG_CURRENT_DESKTOP", desktop);
+        return measureGuide(environment, [] { return true; }).at("trash").note;
+    };
+    EXPECT_EQ(note("GNOME"), "GNOME deletes what has been in it for 30 days.");
+    EXPECT_EQ(note("XFCE"), "");
+    EXPECT_TRUE(measureGuide(environment, [] { return false; }).empty());
+}
+#endif
+
 TEST_F(Guide, AsksNoWorkerAnyMoreOnceNobodyWantsIt) {
     for (const char* name : {".cache/one", ".cache/two", ".cache/pip", ".cache/JetBrains/three", ".npm/_cacache"})
         folderWithFile(name, 4096, days(100));
     static_cast<void>(measured());
     const auto all = workers.asked.size();
     EXPECT_GT(all, 8U);
-    for (std::size_t enough = 0; enough < all; ++enough) {
+    for (std::size_t enough = 0; enough <= all; ++enough) {
         workers.asked.clear();
         workers.deadlines.clear();
         const auto guide = measureGuide(workers, environment.places, now, deadlineIn(std::chrono::seconds(60)),

@@ -89,7 +89,7 @@ public:
             }
         }
         if (!answer.complete)
-            answer.texts.pop_back(); // the worker did not get that far
+            answer.texts = {}; // the worker did not get that far
         return answer;
     }
     [[nodiscard]] std::optional<std::set<std::string>>
