@@ -142,6 +142,15 @@ TEST_F(BundleIdentifiers, AreWrittenAsSoonAsTheyFillSixteenKibibytes) {
     EXPECT_LT(sizes[0], fill + 1030) << "one identifier more";
 }
 
+TEST_F(BundleIdentifiers, AreAllReadWhenTheyAreWrittenInPieces) {
+    std::set<std::string> expected;
+    for (int i = 0; i < 40; ++i) {
+        expected.insert(std::to_string(i) + std::string(1000, 'x'));
+        bundle(root / "One" / (std::to_string(i) + ".app"), std::to_string(i) + std::string(1000, 'x'));
+    }
+    EXPECT_EQ(identifiers(), expected);
+}
+
 TEST_F(BundleIdentifiers, AreAbsentWhenTheWorkerCannotBeStarted) {
     const ApplicationPlaces places{.folders = {root / "One"}, .system = root / "System"};
     EXPECT_EQ(readBundleIdentifiers(root / "missing", places, farAway(), nullptr), std::nullopt);

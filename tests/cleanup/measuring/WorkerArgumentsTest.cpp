@@ -84,6 +84,9 @@ TEST(WorkerArguments, NameTheKeysAndThenThePropertyLists) {
 }
 
 TEST(WorkerArguments, NameTheSystemFolderAndThenTheFoldersOfApplications) {
+    EXPECT_EQ(
+        workerJob(std::vector<std::string>{bundleIdentifiersFlag, "/System", "/Applications"}),
+        (WorkerJob(BundleIdentifiersJob{{.folders = {std::filesystem::path("/Applications")}, .system = "/System"}})));
     EXPECT_EQ(workerJob(std::vector<std::string>{bundleIdentifiersFlag, "/System", "/Applications", "--x"}),
               WorkerJob(BundleIdentifiersJob{{.folders = {"/Applications", "--x"}, .system = "/System"}}));
     for (const auto& few : {std::vector<std::string>{bundleIdentifiersFlag}, {bundleIdentifiersFlag, "/System"}})
