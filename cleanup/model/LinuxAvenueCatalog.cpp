@@ -17,8 +17,8 @@ const CleanupAvenue& likeOnMacOS(std::string_view title) {
     return *std::ranges::find(CleanupAvenue::catalog(), title, &CleanupAvenue::title);
 }
 
-// Each other entry: title, text, then symbol, treatment, categories and button; with places of its own also its name for
-// programs, the places, and the owner's command. What the owners say of their places is from their documentation.
+// Each other entry: title, text, then symbol, treatment, categories and button; with places of its own also its name
+// for programs, the places, and the owner's command. What the owners say of their places is from their documentation.
 // clang-format off
 std::vector<CleanupAvenue> everyAvenueOfLinux() {
     return {
