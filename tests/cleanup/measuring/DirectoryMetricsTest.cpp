@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sched.h>
 #include <string>
 #include <sys/stat.h>
 
@@ -117,25 +116,6 @@ TEST(ChildrenMetricsInProcess, IncludeEveryOneOfManyFolders) {
     for (int i = 0; i < 300; ++i)
         EXPECT_EQ(metrics.children.at(std::to_string(i)).size, (1 + i % 3) * allocatedBytes(root / "0/0")) << i;
 }
-
-#ifdef __linux__
-TEST(ChildrenMetricsInProcess, AreThoseOfEveryFolderOnASingleProcessor) {
-    const TemporaryFolder root;
-    for (int i = 0; i < 20; ++i) {
-        std::filesystem::create_directory(root / std::to_string(i));
-        writeFile(root / std::to_string(i) / "file", "1");
-    }
-    EXPECT_EQ(inChildProcess([&]() -> std::string {
-                  cpu_set_t one;
-                  CPU_ZERO(&one);
-                  CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
-                  if (sched_setaffinity(0, sizeof one, &one) != 0)
-                      return "not prepared";
-                  return std::to_string(childrenMetricsInProcess(root.path(), deadlineIn(1min)).children.size());
-              }),
-              "20");
-}
-#endif
 
 TEST(ChildrenMetricsInProcess, AreNotCompleteWithAChildThatCannotBeMeasured) {
     const TemporaryFolder root;
