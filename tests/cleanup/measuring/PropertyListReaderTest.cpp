@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <fcntl.h>
 #include <fstream>
 #include <map>
@@ -221,8 +220,8 @@ TEST_F(PropertyListReader, ReadsMoreFilesThanOneWorkerTakes) {
 }
 
 TEST_F(PropertyListReader, AsksAboutMorePathsThanAProgramTakesAsArguments) {
-    const Files files(600, "/" + std::string(3900, 'f'));
-    EXPECT_EQ(read(files), (PropertyListTexts{.texts = {files.size(), std::nullopt}, .complete = true}));
+    const PropertyListTexts nothing{.texts = {600, std::nullopt}, .complete = true};
+    EXPECT_EQ(read(Files(600, "/" + std::string(3900, 'f'))), nothing);
 }
 
 TEST_F(PropertyListReader, FindsNothingInUnreadableFiles) {
