@@ -82,6 +82,7 @@ TEST_F(RealWorkers, MeasureTheUseOfADiskAsItIsMeasuredInProcess) {
     const fs::path place = root / "place";
     fs::create_directories(place / "below");
     writeFile(place / "image.vdi", std::string(10'000, 'x'));
+    writeFile(place / "image.txt", std::string(10'000, 'x'));
     fs::create_hard_link(place / "image.vdi", place / "below/again.vdi");
     const std::vector<std::string> endings{".vdi"};
     for (const auto& only : {std::vector<std::string>(), endings}) {
