@@ -61,6 +61,10 @@ TEST_F(ASupervisedChild, IsReadUpToTheLimit) {
     auto child = started("exec cat /dev/zero");
     EXPECT_EQ(child.nextLine(100'000, farAway()), std::nullopt);
     EXPECT_EQ(started("exec cat /dev/zero").outputToEnd(100'000, farAway()), std::nullopt);
+    // As much as the limit is not too much, even if the rest of the line or the end comes later.
+    EXPECT_EQ(started("printf five; sleep 0.1; echo").nextLine(4, farAway()), "five");
+    EXPECT_EQ(started("printf five; sleep 0.1").outputToEnd(4, farAway()), "five");
+    EXPECT_EQ(started("printf five; sleep 0.1").outputToEnd(3, farAway()), std::nullopt);
 }
 
 TEST_F(ASupervisedChild, IsReadDespiteAnOldErrno) {
