@@ -205,8 +205,8 @@ TEST(ShallowChildrenPayload, IsNotReadFromAnythingElse) {
     // Names that no folder holds, that are encoded without need, or in another way.
     for (const std::string& encodedNames :
          {R"([")" + base64Text("\xff/") + R"("])", R"([")" + base64Text("\xff\0"s) + R"("])", R"([""])"s, "[]"s,
-          R"(["YQ=="])"s, R"(["/w"])"s, R"(["/x=="])"s, R"(["_w=="])"s, R"(["/w==\n"])"s, R"("/w==")"s, "[5]"s,
-          "null"s})
+          R"(["YQ=="])"s, R"(["/w==","YQ=="])"s, R"(["/w"])"s, R"(["/x=="])"s, R"(["_w=="])"s, R"(["/w==\n"])"s,
+          R"("/w==")"s, "[5]"s, "null"s})
         texts.push_back(R"({"names":[],"complete":true,"encodedNames":)" + encodedNames + "}");
     for (const auto& text : texts)
         EXPECT_EQ(decodedShallowChildren(text), std::nullopt) << text;

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -162,6 +163,16 @@ TEST(StopSwitch, IsNotInherited) {
     const auto stopSwitch = StopSwitch::create().value();
     for (const int fd : {unused.at(0), unused.at(1)}) // the ends of a pipe
         EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
+}
+
+TEST(StopSwitch, CannotBeMadeWithoutDescriptors) {
+    EXPECT_EQ(inChildProcess([]() -> std::string {
+                  const rlimit none = {0, 0};
+                  if (setrlimit(RLIMIT_NOFILE, &none) != 0)
+                      return "no limit";
+                  return StopSwitch::create() ? "made" : "not made";
+              }),
+              "not made");
 }
 
 TEST(StopSwitch, WaitsForWorkButNotForever) {
