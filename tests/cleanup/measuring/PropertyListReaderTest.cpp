@@ -219,11 +219,6 @@ TEST_F(PropertyListReader, ReadsMoreFilesThanOneWorkerTakes) {
     EXPECT_EQ(read(files), expected);
 }
 
-TEST_F(PropertyListReader, AsksAboutMorePathsThanAProgramTakesAsArguments) {
-    const PropertyListTexts nothing{.texts = {600, std::nullopt}, .complete = true};
-    EXPECT_EQ(read(Files(600, "/" + std::string(3900, 'f'))), nothing);
-}
-
 TEST_F(PropertyListReader, FindsNothingInUnreadableFiles) {
     const fs::path copy = root / "worker";
     fs::copy_file(OMBREL_EXECUTABLE, copy);

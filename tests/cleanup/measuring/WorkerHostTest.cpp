@@ -3,6 +3,7 @@
 
 #include "cleanup/measuring/WorkerPayload.h"
 #include "tests/cleanup/measuring/WorkerHostFixture.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/EndedChild.h"
 #include "tests/support/RecordedPolls.h"
 
@@ -14,6 +15,7 @@
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
 
@@ -159,6 +161,19 @@ TEST_F(RealWorkers, ListVisibleNamesOfEveryKindInTheirFolder) {
     std::ranges::sort(answer.urls);
     std::ranges::sort(expected);
     EXPECT_EQ(answer.urls, expected);
+}
+
+TEST_F(RealWorkers, AreAskedAboutMorePathsThanAProgramTakesAsArguments) {
+    EXPECT_EQ(inChildProcess([&]() -> std::string {
+                  const rlimit stack = {4 << 20, 4 << 20}; // a quarter of it is for arguments
+                  if (setrlimit(RLIMIT_STACK, &stack) != 0)
+                      return "no limit";
+                  const std::vector<fs::path> files(500, "/" + std::string(3900, 'f'));
+                  return host.propertyListTexts(files, std::vector<std::string>{"Name"}, farAway()).complete
+                             ? "complete"
+                             : "not complete";
+              }),
+              "complete");
 }
 
 TEST_F(RealWorkers, AnswerTenThousandTimesAndLeaveNothing) {
