@@ -38,7 +38,7 @@ template <std::size_t Count>
 void appendWholeFolders(ScanContext& context, CleanupCategory category, const std::array<Place, Count>& places,
                         std::vector<CleanupCandidate>& candidates) {
     const auto roots = approvedRoots(category, context.environment().places);
-    for (std::size_t i = 0; i < roots.size(); ++i) {
+    for (std::size_t i = 0; i < roots.size() && !context.isOver(category); ++i) {
         const auto item = context.look(roots[i], category, ScanContext::isFolder);
         if (!item || !liesBelow(roots[i], context.environment().places.home))
             continue;
@@ -67,7 +67,11 @@ std::vector<CleanupCandidate> macOSInstallers(ScanContext& context) {
     const auto category = CleanupCategory::macOSInstaller;
     const auto root = approvedRoots(category, context.environment().places).front();
     std::vector<CleanupCandidate> candidates;
+    if (context.isOver(category))
+        return candidates;
     for (const auto& url : context.list(root, category)) {
+        if (context.isOver(category))
+            break;
         if (!isMacOSInstaller(url))
             continue;
         const auto item = context.look(url, category, ScanContext::isFolder);

@@ -46,9 +46,11 @@ struct BackupFolder {
 std::vector<BackupFolder> backupFolders(ScanContext& context, const std::filesystem::path& root) {
     const auto category = CleanupCategory::deviceBackup;
     std::vector<BackupFolder> folders;
-    if (isSymbolicLink(root))
+    if (isSymbolicLink(root) || context.isOver(category))
         return folders;
     for (const auto& url : context.list(root, category)) {
+        if (context.isOver(category))
+            break;
         auto item = context.look(url, category, [](const ItemFacts& facts) {
             return ScanContext::isFolder(facts) && facts.contentModificationDate;
         });
@@ -100,6 +102,8 @@ std::vector<CleanupCandidate> supersededDeviceBackups(ScanContext& context) {
     for (const auto& record : records) {
         if (record.modificationDate >= newest.at(record.identity))
             continue;
+        if (context.isOver(category))
+            break;
         if (const auto metrics = context.measure(record.url, category))
             candidates.push_back(context.candidate(
                 record.url, record.fingerprint, "Older backup · " + record.name, category,

@@ -23,8 +23,9 @@ bool isOutOfReach(const CleanupRule& rule, const std::filesystem::path& home) {
 }
 
 std::vector<std::filesystem::path> entries(ScanContext& context, const CleanupRule& rule) {
-    return isOutOfReach(rule, context.environment().places.home) ? std::vector<std::filesystem::path>()
-                                                                 : context.list(rule.folder, rule.category);
+    if (isOutOfReach(rule, context.environment().places.home) || context.isOver(rule.category))
+        return {};
+    return context.list(rule.folder, rule.category);
 }
 
 std::vector<CleanupCandidate> largestFirst(ScanContext& context, const CleanupRule& rule,
@@ -64,6 +65,8 @@ std::vector<CleanupCandidate> oldRegularFiles(ScanContext& context, const Cleanu
     const auto cutoff = cutoffDate(context.environment().now(), rule.olderThan);
     std::vector<CleanupCandidate> candidates;
     for (const auto& url : entries(context, rule)) {
+        if (context.isOver(rule.category))
+            break;
         if (!matchesExtensions(rule, url))
             continue;
         const auto item = context.look(url, rule.category,
@@ -81,6 +84,8 @@ std::vector<CleanupCandidate> oldDirectoryChildren(ScanContext& context, const C
     std::vector<CleanupCandidate> candidates;
     bool measuredAhead = false;
     for (const auto& url : entries(context, rule)) {
+        if (context.isOver(rule.category))
+            break;
         const auto item = context.look(url, rule.category,
                                        [&](const ItemFacts& facts) { return isOldFolder(rule, url, facts, cutoff); });
         if (!item || !liesBelow(url, rule.folder))

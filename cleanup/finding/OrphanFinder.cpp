@@ -34,7 +34,7 @@ std::vector<CleanupCandidate> orphanedAppData(ScanContext& context,
                                               std::span<const std::string> runningBundleIdentifiers) {
     const auto root = approvedRoots(category, context.environment().places).front();
     std::vector<CleanupCandidate> candidates;
-    if (isSymbolicLink(root))
+    if (isSymbolicLink(root) || context.isOver(category))
         return candidates;
     std::vector<std::filesystem::path> states;
     for (auto& url : context.list(root, category))
@@ -52,6 +52,8 @@ std::vector<CleanupCandidate> orphanedAppData(ScanContext& context,
         return claimed->contains(asciiLowercase(identifier)) || (isRegistered && isRegistered(identifier));
     };
     for (const auto& url : states) {
+        if (context.isOver(category))
+            break;
         const auto item = context.look(url, category, ScanContext::isFolder);
         if (!item || isClaimed(url.stem().native()) || !liesBelow(url, root))
             continue;

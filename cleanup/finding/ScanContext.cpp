@@ -14,8 +14,6 @@ bool ScanContext::isOver(CleanupCategory category) {
 
 std::optional<std::vector<std::filesystem::path>> ScanContext::listed(const std::filesystem::path& folder,
                                                                       CleanupCategory category) {
-    if (isOver(category))
-        return std::nullopt;
     auto children = workers_.shallowChildren(folder, budget_.deadline);
     if (children.complete)
         return std::move(children.urls);
@@ -29,8 +27,6 @@ std::vector<std::filesystem::path> ScanContext::list(const std::filesystem::path
 
 std::optional<FoundItem> ScanContext::look(const std::filesystem::path& url, CleanupCategory category,
                                            const std::function<bool(const ItemFacts&)>& isWanted) {
-    if (isOver(category))
-        return std::nullopt;
     bool wanted = false;
     auto item = readFoundItem(url, [&](const ItemFacts& facts) { return wanted = isWanted(facts); });
     if (!item && item.error().kind != ErrorKind::notFound)

@@ -24,8 +24,7 @@ struct ScanBudget {
     std::set<std::string> incompletePaths = {};  ///< ids of candidates that were not measured completely; only grows
 };
 
-/// What a finder works with. Blocking; one thread, the scan's own. Once the time is up, nothing is listed, looked at or
-/// measured any more, and the categories that ask for it are limited.
+/// What a finder works with. Blocking; one thread, the scan's own.
 class ScanContext {
 public:
     ScanContext(const ScanEnvironment& environment, ScanWorkers& workers, ScanBudget& budget)
@@ -36,6 +35,8 @@ public:
     [[nodiscard]] const ScanEnvironment& environment() const { return environment_; }
 
     void limit(CleanupCategory category) { budget_.limitedCategories.insert(category); }
+    /// Whether the time is up; if so, limits the category.
+    [[nodiscard]] bool isOver(CleanupCategory category);
     /// The visible entries of `folder`; absent, with the category limited, if the listing is not complete.
     [[nodiscard]] std::optional<std::vector<std::filesystem::path>> listed(const std::filesystem::path& folder,
                                                                            CleanupCategory category);
@@ -70,8 +71,6 @@ public:
     [[nodiscard]] static bool isFolder(const ItemFacts& facts) { return facts.kind == ItemFacts::Kind::folder; }
 
 private:
-    [[nodiscard]] bool isOver(CleanupCategory category);
-
     const ScanEnvironment& environment_;
     ScanWorkers& workers_;
     ScanBudget& budget_;

@@ -148,6 +148,14 @@ TEST_F(MacOSInstallers, AListingOrMeasurementThatIsNotCompleteLimitsTheCategory)
     workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
     EXPECT_THAT(macOSInstallers(context), IsEmpty()) << "the time was up after the listing";
     EXPECT_THAT(budget.limitedCategories, ElementsAre(CleanupCategory::macOSInstaller));
+    const auto listed = workers.timesAsked("list " + applications().native());
+    EXPECT_THAT(macOSInstallers(context), IsEmpty()) << "the time was up before it";
+    EXPECT_EQ(workers.timesAsked("list " + applications().native()), listed);
+    budget.limitedCategories.clear();
+    budget.deadline = deadlineIn(std::chrono::seconds(60));
+    std::filesystem::rename(app, applications() / "Safari.app");
+    EXPECT_THAT(macOSInstallers(context), IsEmpty()) << "the time was up before it was known what it is";
+    EXPECT_THAT(budget.limitedCategories, ElementsAre(CleanupCategory::macOSInstaller));
 }
 
 } // namespace

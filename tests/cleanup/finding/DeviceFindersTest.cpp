@@ -123,6 +123,17 @@ TEST_F(DeviceBackups, OfASingleBackupNothingIsRead) {
     EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
 }
 
+TEST_F(DeviceBackups, WhenTimeIsUpAfterTheFirstTheOthersAreNotMeasured) {
+    for (const char* name : {"12345678901234567890-a", "12345678901234567890-b", "12345678901234567890-c"})
+        workers.metrics[backup(name, days(name[21] - 'a' + 1))] = {4096, std::nullopt, true};
+    environment.now = [this] { // when the first candidate is made
+        budget.deadline = deadlineIn(std::chrono::seconds(-1));
+        return now;
+    };
+    EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
+    EXPECT_TRUE(budget.limitedCategories.contains(CleanupCategory::deviceBackup));
+}
+
 TEST_F(DeviceBackups, AnIncompleteListingReadingOrMeasurementLimitsTheCategory) {
     const auto old = backup("12345678901234567890-old", days(9));
     backup("12345678901234567890-new", days(1));

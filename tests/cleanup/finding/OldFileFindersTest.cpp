@@ -212,6 +212,17 @@ TEST_F(OldItems, WithoutACompleteListingOrTimeNothingIsOfferedAndTheCategoryIsLi
     EXPECT_THAT(workers.asked, IsEmpty());
 }
 
+TEST_F(OldItems, WhenTimeIsUpAfterTheListingTheCategoryIsLimitedWhateverWasListed) {
+    file("place/of another kind.pdf", 4096, days(90));
+    workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
+    for (const auto find : {oldRegularFiles, oldDirectoryChildren}) {
+        budget.deadline = deadlineIn(std::chrono::seconds(60));
+        EXPECT_THAT(find(context, rule()), IsEmpty());
+        EXPECT_TRUE(isLimited());
+        budget.limitedCategories.clear();
+    }
+}
+
 TEST_F(OldItems, AFileThatVanishesAfterTheListingIsPassedOver) {
     const auto gone = file("place/gone.log", 4096, days(90));
     file("place/here.log", 4096, days(90));

@@ -126,8 +126,23 @@ TEST_F(OrphanedData, AListingOrMeasurementThatIsLateLimitsTheCategory) {
     workers.hung.insert(home() / states);
     EXPECT_THAT(orphans(), IsEmpty());
     EXPECT_TRUE(isLimited());
+    workers.asked.clear();
     budget.deadline = deadlineIn(std::chrono::seconds(-1));
     EXPECT_THAT(orphans(), IsEmpty());
+    EXPECT_TRUE(isLimited());
+    EXPECT_THAT(workers.asked, IsEmpty());
+}
+
+TEST_F(OrphanedData, WhenTimeIsUpAfterTheFirstTheOthersAreNotExamined) {
+    state("com.example.one.savedState");
+    state("com.example.two.savedState");
+    int asked = 0;
+    environment.isRegisteredApplication = [&](const std::string&) {
+        budget.deadline = deadlineIn(std::chrono::seconds(-1));
+        return ++asked > 0;
+    };
+    EXPECT_THAT(orphans(), IsEmpty());
+    EXPECT_EQ(asked, 1);
     EXPECT_TRUE(isLimited());
 }
 
