@@ -12,9 +12,11 @@ using Category = CleanupCategory;
 using Action = CleanupAvenue::Action;
 using enum CleanupAvenue::Place::Kind;
 
-// The avenue of macOS with this title, where Linux has the same one.
+// The avenue of macOS with this title, where Linux has the same one. Throws if there is none.
 const CleanupAvenue& likeOnMacOS(std::string_view title) {
-    return *std::ranges::find(CleanupAvenue::catalog(), title, &CleanupAvenue::title);
+    const auto& avenues = CleanupAvenue::catalog();
+    const auto found = std::ranges::find(avenues, title, &CleanupAvenue::title);
+    return avenues.at(static_cast<std::size_t>(found - avenues.begin()));
 }
 
 // Each other entry: title, text, then symbol, treatment, categories and button; with places of its own also its name
