@@ -96,7 +96,7 @@ TEST_F(TheAppServices, ExplainWhyAUserWithoutAHomeHasNoLoginItem) {
         return refused ? "enabled" : refused.error().message;
     });
     if (answer == "no other user")
-        GTEST_SKIP() << "this process may not become " << answer;
+        GTEST_SKIP() << "has to become another user";
     EXPECT_EQ(answer, "home folder: No such file or directory");
 }
 
