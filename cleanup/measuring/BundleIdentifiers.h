@@ -18,8 +18,9 @@ namespace vantry::CleanupScanner {
 // The bundle worker writes a `PropertyListPayload` for each bundle that has an identifier, and now and then one without
 // texts as a sign of life. A last line says that nothing was left out; otherwise it is missing.
 
-/// The worker's side: calls `write` with one or more lines at a time until that fails, at the latest 100 ms after the
-/// last time, by `now`, if a folder is done then. Blocks for as long as a file system does not answer.
+/// The worker's side: searches, and passes what it found to `write`, whole lines at a time, whenever they have 16 KiB.
+/// After each visited folder it also writes if 100 ms of `now` have passed since the last time, so that the parent sees
+/// that it is alive. Ends when `write` fails. Blocks for as long as a file system does not answer.
 void writeBundleIdentifiers(
     const ApplicationPlaces& places, const std::function<bool(std::string_view)>& write,
     const std::function<std::chrono::steady_clock::time_point()>& now = std::chrono::steady_clock::now);

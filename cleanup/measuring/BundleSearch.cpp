@@ -99,6 +99,8 @@ private:
 
     void cut() { complete_ = false; }
 
+    // An applications folder. One that is a link, or that is missing or cannot be examined, is treated as a link in
+    // such a folder is.
     void addPlace(const std::filesystem::path& folder) {
         std::error_code error;
         const auto real = std::filesystem::canonical(folder, error);
@@ -125,8 +127,8 @@ private:
             }
     }
 
-    // The target of the link `path`, if it is a folder that belongs to the search. A path without an item, or to
-    // something else, is ignored.
+    // Adds the target of the link `path` if it is a folder that belongs to the search. Nothing is done for a link that
+    // leads nowhere or to something else than a folder. What cannot be examined and may be a bundle cuts the search.
     void addTarget(const std::filesystem::path& path, const std::filesystem::path& bundle) {
         std::error_code error;
         const auto target = std::filesystem::canonical(path, error);
