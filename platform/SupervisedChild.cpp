@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -38,8 +37,7 @@ Result<SupervisedChild> SupervisedChild::start(const std::filesystem::path& prog
 SupervisedChild::SupervisedChild(ChildProcess child, std::shared_ptr<StopSwitch> stopSwitch, StopSwitch::Work work)
     : stopSwitch_(std::move(stopSwitch)),
       work_(std::move(work)),
-      child_(std::move(child)),
-      isReading_(child_.output() >= 0) {}
+      child_(std::move(child)) {}
 
 SupervisedChild::~SupervisedChild() {
     for (const int signal : {SIGTERM, SIGKILL}) {
@@ -90,21 +88,18 @@ bool SupervisedChild::mayHaveMore(Deadline deadline) {
 
 // Returns whether there was something to read.
 bool SupervisedChild::readPiece() {
-    if (!isReading_)
-        return false;
     std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): written by the call
     const ssize_t length = read(child_.output(), buffer.data(), buffer.size());
     if (length > 0)
         pending_.append(buffer.data(), static_cast<std::size_t>(length));
-    else
-        isReading_ = length < 0 && (errno == EAGAIN || errno == EINTR);
+    isOpen_ = length != 0; // a failure tells that there is nothing yet
     return length > 0;
 }
 
 // A closed output stays readable, so it is not polled any longer.
 void SupervisedChild::wait(Deadline deadline) {
     std::array<pollfd, 3> events{{{child_.exitDescriptor(), POLLIN, 0},
-                                  {isReading_ ? child_.output() : -1, POLLIN, 0},
+                                  {isOpen_ ? child_.output() : -1, POLLIN, 0},
                                   {stopSwitch_ ? stopSwitch_->descriptor() : -1, POLLIN, 0}}};
     poll(events.data(), events.size(), millisecondsUntil(deadline));
 }

@@ -47,7 +47,7 @@ private:
     StopSwitch::Work work_;
     ChildProcess child_;
     std::string pending_; ///< read but not returned yet
-    bool isReading_;      ///< the output is open
+    bool isOpen_ = true;  ///< the output, as far as is known
 };
 
 /// What `program` writes to its standard output. Absent unless it exits with a status of 0 to `highestStatus` before

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
+#include <optional>
 #include <string>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -40,6 +41,11 @@ protected:
         auto child = SupervisedChild::start("/bin/sh", {"-c", script}, ChildOutput::pipe, std::move(stopSwitch));
         EXPECT_TRUE(child);
         return std::move(*child);
+    }
+    /// Leaves it to be reaped.
+    static void waitUntilOneHasEnded() {
+        siginfo_t ended = {};
+        ASSERT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
     }
     [[nodiscard]] static Deadline farAway() { return deadlineIn(10min); }
 
@@ -71,11 +77,40 @@ TEST_F(ASupervisedChild, IsReadUpToTheLimit) {
 TEST_F(ASupervisedChild, IsReadDespiteAnOldErrno) {
     for (const int old : {EINTR, EAGAIN, EIO}) {
         auto child = started("echo answer");
-        siginfo_t ended = {};
-        ASSERT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
+        waitUntilOneHasEnded();
         errno = old;
         EXPECT_EQ(child.outputToEnd(plenty, farAway()), "answer\n") << old;
     }
+}
+
+TEST_F(ASupervisedChild, IsReadAfterTheDeadlineOnlyIfItHasEnded) {
+    const std::string written = root / "written";
+    auto running = started("echo one; : > " + written + "; exec sleep 600");
+    while (!std::filesystem::exists(written))
+        std::this_thread::yield();
+    EXPECT_EQ(running.nextLine(plenty, deadlineIn(-1s)), std::nullopt);
+    EXPECT_EQ(running.nextLine(plenty, farAway()), "one");
+    auto ended = started("echo one; echo");
+    waitUntilOneHasEnded();
+    EXPECT_EQ(ended.nextLine(plenty, deadlineIn(-1s)), "one");
+    EXPECT_EQ(ended.nextLine(plenty, deadlineIn(-1s)), "");
+    auto shortest = started("echo");
+    waitUntilOneHasEnded();
+    EXPECT_EQ(shortest.nextLine(plenty, deadlineIn(-1s)), "");
+}
+
+TEST_F(ASupervisedChild, IsWaitedForAsleep) {
+    const std::string end = root / "end";
+    RecordedPolls::forget();
+    std::thread ender([&] {
+        for (const auto patience = deadlineIn(10s); RecordedPolls::count() == 0 && !hasPassed(patience);)
+            std::this_thread::yield();
+        writeFile(end, "");
+    });
+    auto child = started("while [ ! -e " + end + " ]; do sleep 0.01; done");
+    EXPECT_EQ(child.outputToEnd(plenty, farAway()), "");
+    ender.join();
+    EXPECT_GT(RecordedPolls::count(), 0);
 }
 
 TEST_F(ASupervisedChild, IsWaitedForWithoutPollingAClosedOutput) {
@@ -87,12 +122,18 @@ TEST_F(ASupervisedChild, IsWaitedForWithoutPollingAClosedOutput) {
 }
 
 TEST_F(ASupervisedChild, IsEndedInBoundedTime) {
+    int waitsForItsEnd = 0;
     for (const char* script : {"exec sleep 600", "trap '' TERM; while :; do sleep 600; done", "kill -STOP $$"}) {
         RecordedPolls::forget();
-        EXPECT_EQ(started(script).outputToEnd(plenty, deadlineIn(100ms)), std::nullopt) << script;
+        std::optional child(started(script));
+        EXPECT_EQ(child->outputToEnd(plenty, deadlineIn(100ms)), std::nullopt) << script;
+        waitsForItsEnd -= RecordedPolls::count();
+        child.reset();
+        waitsForItsEnd += RecordedPolls::count();
         EXPECT_LE(RecordedPolls::waitedInVain(), 100ms + 2 * 120ms + 5ms) << script;
         EXPECT_FALSE(hasChildren()) << script;
     }
+    EXPECT_GT(waitsForItsEnd, 0) << "asleep";
 }
 
 TEST_F(ASupervisedChild, GetsSigtermBeforeSigkill) {
