@@ -184,7 +184,7 @@ private:
         for (std::size_t i = open_.back() + 1; i < path_.size(); ++i) {
             Folder& folder = path_[i];
             UniqueFd fd(openat(path_[i - 1].fd.get(), folder.name.c_str(), openFlags));
-            const auto found = fd ? identityOf(fd) : std::nullopt;
+            const auto found = identityOf(fd);
             if (!found || !found->isSameFolder(folder.identity) || hasPassed(deadline_)) {
                 totals_.complete = false;
                 return false;
@@ -267,7 +267,7 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
         addFile(totals, facts->allocatedBytes.value_or(0), facts->contentModificationDate);
         return totals;
     }
-    if (!facts || hasPassed(deadline) || facts->kind != ItemFacts::Kind::folder)
+    if (!facts || facts->kind != ItemFacts::Kind::folder)
         return {};
     const NothingIsFetched nothingIsFetched;
     return Walk(deadline).from(UniqueFd(open(path.c_str(), openFlags)));

@@ -9,6 +9,7 @@
 #include <expected>
 #include <filesystem>
 #include <string>
+#include <sys/param.h>
 
 namespace vantry {
 
@@ -62,6 +63,14 @@ TEST_F(PromptLookup, KeepsOnlyALinkAtTheEnd) {
     EXPECT_EQ(kept("absolute/toFile"), root / "folder/toFile");
     EXPECT_EQ(kept("toFolder/.."), root);
     EXPECT_EQ(kept("toFolder/."), root / "folder");
+}
+
+TEST_F(PromptLookup, FollowsAsManyLinksAsTheSystemDoes) {
+    fs::create_symlink("folder", root / "link 1");
+    for (int i = 2; i <= MAXSYMLINKS + 1; ++i)
+        fs::create_symlink("link " + std::to_string(i - 1), root / ("link " + std::to_string(i)));
+    EXPECT_EQ(followed("link " + std::to_string(MAXSYMLINKS)), root / "folder");
+    EXPECT_EQ(followed("link " + std::to_string(MAXSYMLINKS + 1)), Place(std::unexpect, ELOOP));
 }
 
 TEST_F(PromptLookup, ReturnsTheReasonOfAFailure) {

@@ -145,6 +145,8 @@ TEST_F(DirectoryWalkOfALargeTree, ContinuesReadingInAWideFolderThatIsReopenedMan
         const UniqueFd wide = makeFolderIn(UniqueFd(open(tree.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), "wide");
         for (int i = 0; i < files; ++i) {
             makeFileIn(wide, "file " + std::to_string(i));
+            if (i % 20 == 1) // more than are held before some are walked
+                mkdirat(wide.get(), ("folder " + std::to_string(i)).c_str(), 0700);
             if (i % (files / chains) != 0)
                 continue;
             UniqueFd folder = makeFolderIn(wide, "chain " + std::to_string(i));
