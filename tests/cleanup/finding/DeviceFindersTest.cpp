@@ -123,6 +123,15 @@ TEST_F(DeviceBackups, OfASingleBackupNothingIsRead) {
     EXPECT_EQ(supersededDeviceBackups(context).size(), 1U);
 }
 
+TEST_F(DeviceBackups, WhenTimeIsUpAfterTheListingTheCategoryIsLimitedWhateverWasListed) {
+    file(backups / "no backup", 4096, days(9));
+    EXPECT_THAT(supersededDeviceBackups(context), IsEmpty());
+    EXPECT_THAT(budget.limitedCategories, IsEmpty());
+    workers.afterListing = [this](const auto&) { budget.deadline = deadlineIn(std::chrono::seconds(-1)); };
+    EXPECT_THAT(supersededDeviceBackups(context), IsEmpty());
+    EXPECT_TRUE(budget.limitedCategories.contains(CleanupCategory::deviceBackup));
+}
+
 TEST_F(DeviceBackups, WhenTimeIsUpAfterTheFirstTheOthersAreNotMeasured) {
     for (const char* name : {"12345678901234567890-a", "12345678901234567890-b", "12345678901234567890-c"})
         workers.metrics[backup(name, days(name[21] - 'a' + 1))] = {4096, std::nullopt, true};

@@ -119,6 +119,11 @@ TEST(LoginItem, TheDesktopHonoursAnEntryThatNothingSwitchesOff) {
     EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=GNOME;\n"));
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nOnlyShowIn=\n"));
     EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=;\n"));
+    const auto workingFolder = std::filesystem::current_path();
+    std::filesystem::current_path(folder / "bin");
+    const ScopedEnvironment emptyPart("PATH", "::");
+    EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n")) << "no folder";
+    std::filesystem::current_path(workingFolder);
     const ScopedEnvironment noPath("PATH", nullptr);
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n"));
 }
