@@ -138,14 +138,14 @@ TEST_F(DirectoryWalk, ContinuesReadingInAReopenedFolder) {
 }
 
 TEST_F(DirectoryWalkOfALargeTree, ContinuesReadingInAWideFolderThatIsReopenedManyTimes) {
-    constexpr int files = 60'000;
-    constexpr int chains = 40;
+    constexpr int files = 20'000;
+    constexpr int chains = 20;
     constexpr int depth = 60;
     {
         const UniqueFd wide = makeFolderIn(UniqueFd(open(tree.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), "wide");
         for (int i = 0; i < files; ++i) {
             makeFileIn(wide, "file " + std::to_string(i));
-            if (i % 20 == 1) // more than are held before some are walked
+            if (i % 10 == 1) // more than are held before some are walked
                 mkdirat(wide.get(), ("folder " + std::to_string(i)).c_str(), 0700);
             if (i % (files / chains) != 0)
                 continue;
