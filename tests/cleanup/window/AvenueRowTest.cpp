@@ -184,8 +184,12 @@ TEST(AvenueStatus, OfAnAvenueThatIsMeasuredSaysWhatIsKnownAndOffersACommandForWh
     avenue.places = {{"~/.var/app", CleanupAvenue::Place::Kind::leftBehind}};
     EXPECT_FALSE(offersCommand(avenue, reportWith(Usage{permissionNeeded, Amount::unavailable(), {}})));
 
-    avenue.command = {};
     const auto measured = reportWith(Usage{checked, Amount::exact(2000), paths});
+    avenue.mode = macOSManaged;
+    EXPECT_EQ(avenueStatus(avenue, measured, HostSystem::linuxDesktop),
+              (AvenueStatus{"Use Its Own Command", "2 KB used here", SystemColor::blue}));
+    avenue.mode = manageInApp;
+    avenue.command = {};
     EXPECT_EQ(avenueStatus(avenue, measured, HostSystem::linuxDesktop),
               (AvenueStatus{"Left to Its Owner", "2 KB used here", SystemColor::blue}));
     EXPECT_FALSE(offersCommand(avenue, measured));

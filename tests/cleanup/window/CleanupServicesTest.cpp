@@ -166,6 +166,16 @@ TEST_F(RealCleanupServices, AskTheUserAboutFoldersInTheFirstScanOnly) {
     }
 }
 
+// Scanning is stopped first, because a worker process would be this test program.
+TEST_F(RealCleanupServices, MeasureTheGuideWhereThereIsAHome) {
+    const auto services = systemCleanupServices();
+    services.stopScanning();
+    ASSERT_TRUE(services.measureGuide) << "on Linux";
+    EXPECT_FALSE(services.measureGuide([] { return true; }).empty());
+    const ScopedEnvironment missing{"HOME", (folder / "missing").c_str()};
+    EXPECT_TRUE(systemCleanupServices().measureGuide([] { return true; }).empty());
+}
+
 TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {
     const auto candidate = oldLog("painter.log");
     const ScopedEnvironment missing{"HOME", (folder / "missing").c_str()};

@@ -279,6 +279,9 @@ TEST_F(CleanupWindow, ACommandIsCopiedAndNeverRun) {
     EXPECT_EQ(shown().statusLabel, "Copied “npm cache verify”. Ombrel never runs it: paste it into a terminal.");
     controller->modeChanged(CleanupWindowMode::storageGuide);
     EXPECT_EQ(shown().statusLabel, guideStatus);
+    controller->avenueActionPressed(CopyCommand{"npm cache verify"});
+    controller->scanPressed();
+    EXPECT_FALSE(shown().statusLabel.contains("Copied")) << shown().statusLabel;
 }
 
 TEST_F(CleanupWindow, ButtonsThatOpenNothingAreDisabled) {
