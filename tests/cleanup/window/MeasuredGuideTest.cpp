@@ -153,6 +153,14 @@ TEST_F(MeasuredGuide, KnowsNothingOfTheTrashAfterAMove) {
     EXPECT_EQ(measured, 1);
 }
 
+TEST_F(MeasuredGuide, StillKnowsTheTrashAfterAMoveOfNothing) {
+    openWith({logAt("/l/a"), logAt("/l/b")});
+    disk.moves["/l/a"] = TrashMove::notMoved("in use");
+    move({"/l/a"});
+    controller->modeChanged(CleanupWindowMode::storageGuide);
+    EXPECT_EQ(usageOf("Trash"), "1 KB used here");
+}
+
 TEST_F(MeasuredGuide, IsMeasuredAgainWhenAMoveEndsMeanwhile) {
     meanwhile = [this] {
         const auto first = wanted;
