@@ -36,6 +36,7 @@ TEST(TrashRetention, IsTheSettingOfGnomeInItsSession) {
                                        {"exit 1", "echo uint32 30"},
                                        {"echo true", "exit 1"},
                                        {"echo true", "echo 30"},
+                                       {"echo true", "echo uint64 30"},
                                        {"echo true", "echo uint32"},
                                        {"echo true", "echo uint32 30x"},
                                        {"echo true", "echo uint32 -1"},
