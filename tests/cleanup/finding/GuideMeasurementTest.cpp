@@ -73,6 +73,12 @@ TEST_F(Guide, SaysWhenAPlaceWasNotMeasuredToItsEnd) {
     EXPECT_EQ(measured("pip"), (GuideUsage{State::limited, CleanupByteAmount::atLeast(4096), {pipCache}}));
     workers.metrics[pipCache] = {0, {}, false};
     EXPECT_EQ(measured("pip"), (GuideUsage{State::unavailable, CleanupByteAmount::unavailable(), {pipCache}}));
+    // One that is empty, and one of which nothing is known.
+    const auto chromium = folderWithFile(".cache/chromium", 4096, days(1));
+    workers.metrics[chromium] = {0, {}, false};
+    const auto mozilla = directory(".cache/mozilla");
+    EXPECT_EQ(measured("browserCaches"),
+              (GuideUsage{State::limited, CleanupByteAmount::atLeast(0), {mozilla, chromium}}));
 }
 
 TEST_F(Guide, DoesNotFollowALinkInPlaceOfAPlace) {
