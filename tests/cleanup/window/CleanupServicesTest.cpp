@@ -173,7 +173,9 @@ TEST_F(RealCleanupServices, MeasureTheGuideWhereThereIsAHome) {
     ASSERT_TRUE(services.measureGuide) << "on Linux";
     EXPECT_FALSE(services.measureGuide([] { return true; }).empty());
     const ScopedEnvironment missing{"HOME", (folder / "missing").c_str()};
-    EXPECT_TRUE(systemCleanupServices().measureGuide([] { return true; }).empty());
+    const auto servicesOfNoHome = systemCleanupServices();
+    servicesOfNoHome.stopScanning();
+    EXPECT_TRUE(servicesOfNoHome.measureGuide([] { return true; }).empty());
 }
 
 TEST_F(RealCleanupServices, WithoutAHomeFolderNothingIsCheckedAndNothingMoves) {

@@ -166,10 +166,10 @@ TEST_F(AChildProcess, ThatNobodyWatchesIsReapedWhenItEnds) {
 
 TEST_F(AChildProcess, ThatIsReplacedIsReapedWhenItEnds) {
     auto child = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
-    auto other = ChildProcess::start("/bin/true", {}, ChildOutput::nullDevice);
+    auto other = ChildProcess::start(shell, script("exit 3"), ChildOutput::nullDevice);
     ASSERT_TRUE(child && other);
     *child = std::move(*other);
-    EXPECT_EQ(endOf(*child), (EndedChild{0, ""}));
+    EXPECT_EQ(endOf(*child), (EndedChild{3, ""}));
     waitUntilChildrenAre(0);
 }
 

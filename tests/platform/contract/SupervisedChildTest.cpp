@@ -85,9 +85,11 @@ TEST_F(ASupervisedChild, IsReadDespiteAnOldErrno) {
 
 TEST_F(ASupervisedChild, IsReadAfterTheDeadlineOnlyIfItHasEnded) {
     const std::string written = root / "written";
-    auto running = started("echo one; : > " + written + "; exec sleep 600");
-    while (!std::filesystem::exists(written))
+    auto running = started("echo one; : > '" + written + "'; exec sleep 600");
+    for (const auto patience = deadlineIn(30s); !std::filesystem::exists(written);) {
+        ASSERT_FALSE(hasPassed(patience));
         std::this_thread::yield();
+    }
     EXPECT_EQ(running.nextLine(plenty, deadlineIn(-1s)), std::nullopt);
     EXPECT_EQ(running.nextLine(plenty, farAway()), "one");
     auto ended = started("echo one; echo");
@@ -103,11 +105,11 @@ TEST_F(ASupervisedChild, IsWaitedForAsleep) {
     const std::string end = root / "end";
     RecordedPolls::forget();
     std::thread ender([&] {
-        for (const auto patience = deadlineIn(10s); RecordedPolls::count() == 0 && !hasPassed(patience);)
+        for (const auto patience = deadlineIn(30s); RecordedPolls::count() == 0 && !hasPassed(patience);)
             std::this_thread::yield();
         writeFile(end, "");
     });
-    auto child = started("while [ ! -e " + end + " ]; do sleep 0.01; done");
+    auto child = started("while [ ! -e '" + end + "' ]; do sleep 0.01; done");
     EXPECT_EQ(child.outputToEnd(plenty, farAway()), "");
     ender.join();
     EXPECT_GT(RecordedPolls::count(), 0);

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <pwd.h>
 #include <string>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace vantry {
@@ -58,18 +57,6 @@ TEST(HomeFolder, OfAnUnknownUserIsNotFound) {
     if (answer == noSuchUser)
         GTEST_SKIP() << answer;
     EXPECT_EQ(answer, "home folder: ");
-}
-
-TEST(HomeFolder, IsUnknownWhenTheUserDatabaseCannotBeRead) {
-    EXPECT_EQ(inChildProcess([]() -> std::string {
-                  const rlimit none = {0, 0};
-                  unsetenv("HOME");
-                  if (setrlimit(RLIMIT_NOFILE, &none) != 0)
-                      return "no limit";
-                  const auto home = homeFolder();
-                  return home ? home->native() : home.error().message;
-              }),
-              "home folder: Too many open files");
 }
 
 TEST(TemporaryFolderOfTheUser, IsTheOneOfTheEnvironmentWhenItIsAbsolute) {

@@ -1,4 +1,5 @@
 #include "platform/LoginItem.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -119,11 +120,13 @@ TEST(LoginItem, TheDesktopHonoursAnEntryThatNothingSwitchesOff) {
     EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=GNOME;\n"));
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nOnlyShowIn=\n"));
     EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nNotShowIn=;\n"));
-    const auto workingFolder = std::filesystem::current_path();
-    std::filesystem::current_path(folder / "bin");
-    const ScopedEnvironment emptyPart("PATH", "::");
-    EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n")) << "no folder";
-    std::filesystem::current_path(workingFolder);
+    EXPECT_EQ(inChildProcess([&]() -> std::string {
+                  std::filesystem::current_path(folder / "bin"); // the child's alone
+                  const ScopedEnvironment emptyPart("PATH", "::");
+                  return autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n") ? "honoured" : "not";
+              }),
+              "not")
+        << "an empty part is no folder";
     const ScopedEnvironment noPath("PATH", nullptr);
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n"));
 }

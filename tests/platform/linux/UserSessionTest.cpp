@@ -12,6 +12,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,6 +67,19 @@ std::string asUnknownUser(const std::function<std::string(uid_t)>& block) {
 }
 
 } // namespace
+
+// Where the C library reads a file for it.
+TEST(HomeFolder, IsUnknownWhenTheUserDatabaseCannotBeRead) {
+    EXPECT_EQ(inChildProcess([]() -> std::string {
+                  const rlimit none = {0, 0};
+                  unsetenv("HOME");
+                  if (setrlimit(RLIMIT_NOFILE, &none) != 0)
+                      return "no limit";
+                  const auto home = homeFolder();
+                  return home ? home->native() : home.error().message;
+              }),
+              "home folder: Too many open files");
+}
 
 TEST(UserRuntimeFolder, IsTheSessionsWhenThatIsPrivate) {
     const TemporaryFolder folder;
