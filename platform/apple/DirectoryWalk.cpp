@@ -267,8 +267,6 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
         addFile(totals, facts->allocatedBytes.value_or(0), facts->contentModificationDate);
         return totals;
     }
-    if (!facts || facts->kind != ItemFacts::Kind::folder)
-        return {};
     const NothingIsFetched nothingIsFetched;
     return Walk(deadline).from(UniqueFd(open(path.c_str(), openFlags)));
 }
