@@ -12,7 +12,8 @@ namespace vantry {
 
 std::string randomUuid() {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    // Making one asks the processor what it can do, which takes long in a virtual machine.
+    // Making one asks the processor what it can do, which takes long in a virtual machine. It holds no state that a
+    // forked process would share.
     thread_local std::random_device source;
     std::array<std::random_device::result_type, 4> words{};
     std::ranges::generate(words, std::ref(source)); // each call is a system call or a slow instruction

@@ -92,7 +92,7 @@ bool SupervisedChild::readPiece() {
     const ssize_t length = read(child_.output(), buffer.data(), buffer.size());
     if (length > 0)
         pending_.append(buffer.data(), static_cast<std::size_t>(length));
-    isOpen_ = length != 0; // a failure tells that there is nothing yet
+    isOpen_ = length != 0; // a failure tells that there is nothing yet, or no output at all, which is not polled either
     return length > 0;
 }
 

@@ -62,7 +62,7 @@ bool meansNothing(int error) { return error == ENOENT || error == ENOTDIR || err
 
 enum class Kind { folder, link, other };
 
-// Absent if there is no item; an error if it cannot be examined.
+// Absent if there is no item, or it cannot be examined.
 std::optional<Kind> kindAt(const std::filesystem::path& path) {
     struct stat facts = {};
     if (lstat(path.c_str(), &facts) != 0)
@@ -128,7 +128,8 @@ private:
     }
 
     // Adds the target of the link `path` if it is a folder that belongs to the search. Nothing is done for a link that
-    // leads nowhere or to something else than a folder. What cannot be examined and may be a bundle cuts the search.
+    // leads nowhere or to something else than a folder. What may be a bundle and either cannot be examined or lies
+    // elsewhere cuts the search.
     void addTarget(const std::filesystem::path& path, const std::filesystem::path& bundle) {
         std::error_code error;
         const auto target = std::filesystem::canonical(path, error);
