@@ -47,6 +47,8 @@ TEST(TrashRetention, IsTheSettingOfGnomeInItsSession) {
     EXPECT_EQ(trashRetention(nullptr), days(30));
     const ScopedEnvironment other("XDG_CURRENT_DESKTOP", "XFCE");
     EXPECT_EQ(trashRetention(nullptr), std::nullopt);
+    const ScopedEnvironment none("XDG_CURRENT_DESKTOP", nullptr);
+    EXPECT_EQ(trashRetention(nullptr), std::nullopt);
 }
 
 } // namespace
