@@ -129,6 +129,7 @@ TEST(LoginItem, TheDesktopHonoursAnEntryThatNothingSwitchesOff) {
         << "an empty part is no folder";
     const ScopedEnvironment noPath("PATH", nullptr);
     EXPECT_FALSE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=program\n"));
+    EXPECT_TRUE(autostartEntryIsHonoured("[Desktop Entry]\nExec=x\nTryExec=/bin/sh\n"));
 }
 
 TEST(LoginItem, AnEntryStartsTheApplicationThatItsExecNames) {
