@@ -51,11 +51,15 @@ TEST_F(LaunchAtLoginOnLinux, TheAgentIsWrittenAsMacOSWouldWithItsKeysInThisOrder
                                  "</plist>\n");
 }
 
-TEST_F(LaunchAtLoginOnLinux, ALineBreakInThePathIsAnErrorAndChangesNothing) {
+TEST_F(LaunchAtLoginOnLinux, APathThatOnlyTheAutostartEntryCannotHoldIsAnErrorAndChangesNothing) {
     enableOrFail();
     const std::string before = readFile(agent());
-    EXPECT_FALSE(Controller::setEnabled(environment("/line\nbreak/ombrel"), true));
-    EXPECT_EQ(readFile(agent()), before);
+    for (const char* path : {"/line\nbreak/ombrel", "/tab\t/ombrel", "/delete\x7f/ombrel"}) {
+        const auto refused = Controller::setEnabled(environment(path), true);
+        ASSERT_FALSE(refused) << path;
+        EXPECT_EQ(refused.error().message, "The path of the application holds characters that a desktop entry cannot.");
+        EXPECT_EQ(readFile(agent()), before);
+    }
 }
 
 TEST_F(LaunchAtLoginOnLinux, AnInstalledCopyIsPreferredToARunningOneThatIsNotInstalled) {
