@@ -170,12 +170,17 @@ TEST_F(LaunchAtLoginOnLinux, WhenTheAutostartEntryCannotBeWrittenTheAgentIsResto
     writeFile(home_ / ".config", "a file in place of the folder");
     const auto refused = Controller::setEnabled(environment(), true);
     ASSERT_FALSE(refused);
-    EXPECT_FALSE(refused.error().message.empty());
+    EXPECT_EQ(refused.error().message, autostart().parent_path().native() + ": Not a directory");
     EXPECT_TRUE(agentNames().empty());
 
     writeFile(agent(), "what stood there before");
     ASSERT_FALSE(Controller::setEnabled(environment(), true));
     EXPECT_EQ(readFile(agent()), "what stood there before");
+}
+
+TEST_F(LaunchAtLoginOnLinux, AFolderThatCannotBeMadeIsNamedInTheError) {
+    std::filesystem::permissions(home_.path(), std::filesystem::perms(0555));
+    EXPECT_EQ(errorForOrdinaryUser(true), agents().native() + ": Permission denied");
 }
 
 TEST_F(LaunchAtLoginOnLinux, AReadOnlyFolderIsAnErrorWithTheSystemsTextAndNothingChanges) {
