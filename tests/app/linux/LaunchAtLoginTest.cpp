@@ -255,11 +255,14 @@ TEST_F(LaunchAtLoginOnLinux, WithoutAnAutostartFolderTheAgentCountsAlone) {
         report(Controller::setEnabled(environment(), true).has_value());
         report(Controller::refreshIfEnabled(environment()).has_value());
         report(Controller::setEnabled(environment(), false).has_value());
-        return steps;
+        const auto refused = Controller::setEnabled(environment("/\xff/ombrel"), true);
+        report(refused.has_value());
+        return refused ? steps : steps + refused.error().message;
     });
     if (said == "no other user")
         GTEST_SKIP() << "has to become another user";
-    EXPECT_EQ(said, "disabled; enabled; enabled; disabled; ");
+    EXPECT_EQ(said, "disabled; enabled; enabled; disabled; "
+                    "refused, disabled; A property list cannot hold this text.");
 }
 
 TEST_F(LaunchAtLoginOnLinux, AnAgentThatCannotBeRemovedGetsNoNewAutostartEntry) {
