@@ -10,6 +10,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <mach-o/dyld.h>
+#include <set>
 #include <string>
 #include <sys/event.h>
 #include <sys/eventfd.h>
@@ -79,6 +80,7 @@ int kevent(int queue, const struct kevent* changes, int changeCount, struct keve
            const timespec* /*timeout*/) {
     if (eventCount != 0)
         return errno = ENOSYS, -1;
+    std::set<std::uintptr_t> userEvents; // forgotten after the call, as only the same call triggers them
     for (const struct kevent* change = changes; change != changes + changeCount; ++change) {
         const auto pid = static_cast<pid_t>(change->ident);
         if (change->filter == EVFILT_PROC && change->flags == EV_ADD && change->fflags == NOTE_EXIT) {
@@ -88,9 +90,13 @@ int kevent(int queue, const struct kevent* changes, int changeCount, struct keve
             if (vantry::watch(queue, pid) != 0)
                 return -1;
         } else if (change->filter == EVFILT_USER && (change->fflags & NOTE_TRIGGER) != 0) {
+            if (!userEvents.contains(change->ident))
+                return errno = ENOENT, -1;
             if (eventfd_write(queue, 1) != 0)
                 return -1;
-        } else if (change->filter != EVFILT_USER || change->flags != EV_ADD) {
+        } else if (change->filter == EVFILT_USER && change->flags == EV_ADD) {
+            userEvents.insert(change->ident);
+        } else {
             return errno = EINVAL, -1;
         }
     }
