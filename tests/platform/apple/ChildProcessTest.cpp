@@ -3,6 +3,7 @@
 #include "tests/platform/apple/OnDarwin.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EndedChild.h"
+#include "tests/support/InterceptedCall.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/RefusedCall.h"
 
@@ -10,6 +11,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <poll.h>
@@ -54,6 +56,24 @@ TEST_F(AppleChildProcess, ThatCannotBeWatchedIsEnded) {
     const auto child = ChildProcess::start("/bin/sleep", {"600"}, ChildOutput::pipe);
     ASSERT_FALSE(child);
     EXPECT_EQ(child.error(), errorFromErrno(ENOMEM, "child exit"));
+}
+
+// Its number may already belong to another process.
+TEST_F(AppleChildProcess, ThatWasReapedGetsNoSignal) {
+    const std::string said = inChildProcess([]() -> std::string {
+        if (!interceptCall(SYS_kill, [](int /*count*/) {}))
+            return "not intercepted";
+        auto child = ChildProcess::start("/bin/sleep", {"60"}, ChildOutput::nullDevice);
+        if (!child)
+            return child.error().message;
+        child->sendSignal(SIGKILL);
+        const auto ended = endOf(*child);
+        child->sendSignal(SIGKILL);
+        return "status " + std::to_string(ended.status) + ", signals: " + std::to_string(InterceptedCall::count);
+    });
+    if (said == "not intercepted")
+        GTEST_SKIP() << "no calls are intercepted here";
+    EXPECT_EQ(said, "status " + std::to_string(256 + SIGKILL) + ", signals: 1");
 }
 
 TEST_F(AppleChildProcess, IsNotStartedWhenItsWatchCannotBeSetUp) {
