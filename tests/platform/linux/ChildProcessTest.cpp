@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
+#include <string>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace vantry {
@@ -21,6 +24,22 @@ TEST_F(AChildProcess, IsKilledAndReapedWhenItCannotBeWatched) {
     // pidfd_open fails for every process except this one.
     EXPECT_EQ(failureAfter([] { return refuseCall(SYS_pidfd_open, EMFILE, static_cast<std::uint32_t>(getpid())); }),
               errorFromErrno(EMFILE, "child exit").message);
+}
+
+// After ESRCH the number may belong to another process. Here it is still the child's, so a signal to it would show.
+TEST_F(AChildProcess, ThatIsGoneBeforeItCanBeWatchedIsNotKilled) {
+    const std::string said = inChildProcess([]() -> std::string {
+        if (!refuseCall(SYS_pidfd_open, ESRCH, static_cast<std::uint32_t>(getpid())))
+            return "not prepared";
+        const auto child = ChildProcess::start("/bin/sleep", {"0.3"}, ChildOutput::nullDevice);
+        if (child)
+            return "started";
+        siginfo_t ended = {};
+        if (waitid(P_ALL, 0, &ended, WEXITED) != 0)
+            return "reaped";
+        return child.error().message + (ended.si_code == CLD_EXITED ? ", left alone" : ", killed");
+    });
+    EXPECT_EQ(said, errorFromErrno(ESRCH, "child exit").message + ", left alone");
 }
 
 TEST_F(AChildProcess, CannotBeStartedWhereProcessesAreForbidden) {
