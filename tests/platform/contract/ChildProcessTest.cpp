@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <poll.h>
 #include <string>
 #include <sys/resource.h>
@@ -33,6 +34,10 @@ namespace fs = std::filesystem;
 constexpr const char* shell = "/bin/sh";
 
 std::vector<std::string> script(const std::string& text) { return {"-c", text}; }
+
+std::vector<std::string> untilThereIs(const fs::path& file) {
+    return script("while [ ! -e '" + file.native() + "' ]; do sleep 0.01; done");
+}
 
 } // namespace
 
@@ -151,8 +156,7 @@ TEST_F(AChildProcess, CanBeMoved) {
 TEST_F(AChildProcess, ThatNobodyWatchesIsReapedWhenItEnds) {
     const TemporaryFolder root;
     {
-        const auto child = ChildProcess::start(
-            shell, script("while [ ! -e '" + (root / "end").native() + "' ]; do sleep 0.01; done"), ChildOutput::pipe);
+        const auto child = ChildProcess::start(shell, untilThereIs(root / "end"), ChildOutput::pipe);
         ASSERT_TRUE(child);
     }
     EXPECT_EQ(childCount(), 1);
@@ -176,8 +180,7 @@ TEST_F(AChildProcess, ThatIsReplacedIsReapedWhenItEnds) {
 TEST_F(AChildProcess, TheThreadThatReapsItBlocksSignals) {
     const TemporaryFolder root;
     {
-        const auto child = ChildProcess::start(
-            shell, script("while [ ! -e '" + (root / "end").native() + "' ]; do sleep 0.01; done"), ChildOutput::pipe);
+        const auto child = ChildProcess::start(shell, untilThereIs(root / "end"), ChildOutput::pipe);
         ASSERT_TRUE(child);
     }
     // What the threads beside this one block, once they wait: a thread starts with all signals blocked.
@@ -198,6 +201,26 @@ TEST_F(AChildProcess, TheThreadThatReapsItBlocksSignals) {
     ASSERT_FALSE(blocked.empty());
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         EXPECT_NE(std::stoull(blocked.back(), nullptr, 16) >> (signal - 1) & 1U, 0U) << signal;
+}
+
+// The kernel then reaps the child, and waitpid fails with ECHILD.
+TEST_F(AChildProcess, TheThreadThatReapsItEndsEvenIfSigchldIsIgnored) {
+    const TemporaryFolder root;
+    const std::string said = inChildProcess([&]() -> std::string {
+        std::signal(SIGCHLD, SIG_IGN);
+        const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
+        const auto before = threads();
+        const bool started =
+            ChildProcess::start(shell, untilThereIs(root / "end"), ChildOutput::nullDevice).has_value();
+        if (!started || threads() != before + 1)
+            return "no thread waits";
+        writeFile(root / "end", "");
+        const auto patience = deadlineIn(std::chrono::seconds(30));
+        while (threads() > before && !hasPassed(patience))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return threads() > before ? "it still runs" : "it ended";
+    });
+    EXPECT_EQ(said, "it ended");
 }
 
 TEST_F(AChildProcess, GetsItsStreamsEvenIfTheParentHasNone) {
