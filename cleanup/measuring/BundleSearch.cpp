@@ -172,18 +172,18 @@ private:
         std::vector<Entry> entries;
         for (errno = 0; const dirent* entry = readdir(stream.get()); errno = 0)
             if (const std::string_view name(entry->d_name); name != "." && name != "..")
-                if (const auto kind = kindOf(*entry, folder); kind && *kind != Kind::other)
-                    entries.push_back({folder / name, *kind});
+                if (const auto kind = kindOf(*entry, folder); kind != Kind::other)
+                    entries.push_back({folder / name, kind});
         if (errno != 0)
             cut();
         return entries;
     }
 
-    static std::optional<Kind> kindOf(const dirent& entry, const std::filesystem::path& folder) {
+    static Kind kindOf(const dirent& entry, const std::filesystem::path& folder) {
         switch (entry.d_type) {
         case DT_DIR: return Kind::folder;
         case DT_LNK: return Kind::link;
-        case DT_UNKNOWN: return kindAt(folder / entry.d_name);
+        case DT_UNKNOWN: return kindAt(folder / entry.d_name).value_or(Kind::link); // addTarget sees what is there
         default: return Kind::other;
         }
     }
