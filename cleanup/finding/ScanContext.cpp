@@ -50,7 +50,6 @@ PropertyListTexts ScanContext::read(std::span<const std::filesystem::path> files
     auto lists = workers_.propertyListTexts(files, keys, budget_.deadline);
     if (!lists.complete)
         limit(category);
-    lists.texts.resize(files.size());
     return lists;
 }
 

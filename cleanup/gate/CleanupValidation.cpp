@@ -25,7 +25,7 @@ Refusal refusalByPath(const std::filesystem::path& item, std::optional<PinFailur
 std::optional<PinnedFileFacts> factsOf(const std::expected<PinnedFile, PinFailure>& file) {
     if (file)
         return file->facts();
-    return file.error() == PinFailure::special ? std::optional(PinnedFileFacts{.isRegularFile = false}) : std::nullopt;
+    return file.error() == PinFailure::special ? std::optional(PinnedFileFacts()) : std::nullopt;
 }
 
 std::unexpected<std::string> refused(const Refusal& refusal) { return std::unexpected(std::string(*refusal)); }

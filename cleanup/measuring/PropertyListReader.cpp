@@ -31,12 +31,12 @@ std::vector<std::string> argumentsFor(std::span<const std::filesystem::path> fil
     return arguments;
 }
 
-// How many of the first files one worker gets; at least one.
+// How many of the first files one worker gets; at least one, as no path is that long.
 std::size_t batchSize(std::span<const std::filesystem::path> files) {
     std::size_t count = 0;
     for (std::size_t bytes = 0; count < std::min(files.size(), mostFiles); ++count) {
         bytes += argumentFor(files[count]).size() + 1;
-        if (count > 0 && bytes > mostBytesOfFiles)
+        if (bytes > mostBytesOfFiles)
             break;
     }
     return count;

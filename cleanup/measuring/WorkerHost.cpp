@@ -49,8 +49,7 @@ public:
         pthread_sigmask(SIG_BLOCK, &requests, &before_);
         const UniqueFd file(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         isMade_ = static_cast<bool>(file);
-        if (isMade_)
-            fchmod(file.get(), 0600); // whatever the umask
+        fchmod(file.get(), 0600); // whatever the umask
     }
     TemporaryList(const TemporaryList&) = delete;
     TemporaryList& operator=(const TemporaryList&) = delete;

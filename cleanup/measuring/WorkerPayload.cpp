@@ -124,8 +124,7 @@ std::optional<ChildrenMetricsPayload> decodedChildrenMetrics(std::string_view te
         text.remove_prefix(end + 1);
         const auto space = line.find(' ');
         const auto name = bytesOfBase64(line.substr(0, space));
-        const auto metrics =
-            space == std::string_view::npos ? std::nullopt : decodedDirectoryMetrics(line.substr(space + 1));
+        const auto metrics = decodedDirectoryMetrics(line.substr(space + 1)); // without a space, of the name
         if (!name || !canBeInAFolder(*name) || !metrics || !payload.children.emplace(*name, *metrics).second)
             return std::nullopt;
     }

@@ -89,7 +89,7 @@ public:
             }
         }
         if (!answer.complete)
-            answer.texts = {}; // the worker did not get that far
+            answer.texts.assign(files.size(), std::nullopt); // the worker did not get that far
         return answer;
     }
     [[nodiscard]] std::optional<std::set<std::string>>
