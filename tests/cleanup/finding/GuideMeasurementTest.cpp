@@ -344,7 +344,11 @@ TEST_F(Guide, SaysHowLongGnomeKeepsWhatIsInTheTrash) {
     };
     EXPECT_EQ(note("GNOME"), "GNOME deletes what has been in it for 30 days.");
     EXPECT_EQ(note("XFCE"), "");
+    // Once nobody wants it, nobody is asked about the Trash either.
+    writeFile(at("programs/gsettings"), "#!/bin/sh\n: > '" + at("asked").native() + "'\necho true\n");
+    const ScopedEnvironment session("XDG_CURRENT_DESKTOP", "GNOME");
     EXPECT_TRUE(measureGuide(environment, [] { return false; }).empty());
+    EXPECT_FALSE(std::filesystem::exists(at("asked")));
 }
 #endif
 

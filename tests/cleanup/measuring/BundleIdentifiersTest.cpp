@@ -175,8 +175,9 @@ TEST_F(BundleIdentifiersOfADouble, AreAbsentWhenTheWorkerDoesNotFinish) {
 }
 
 TEST_F(BundleIdentifiersOfADouble, AreAbsentBeyondTheDeadline) {
-    EXPECT_EQ(of({"completes"}, Deadline::min()), std::nullopt);
     RecordedPolls::forget();
+    EXPECT_EQ(of({"completes"}, Deadline::min()), std::nullopt);
+    EXPECT_EQ(RecordedPolls::count(), 0) << "the end of a worker would be waited for";
     EXPECT_EQ(of({"hangs", "completes"}, deadlineIn(100ms)), std::nullopt);
     EXPECT_LE(RecordedPolls::waitedInVain(), 100ms + 2 * 120ms + 10ms);
 }

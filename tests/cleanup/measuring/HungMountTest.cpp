@@ -1,6 +1,7 @@
 // Workers in a file system that does not answer. Not even SIGKILL ends them.
 
 #include "cleanup/finding/CleanupScanner.h"
+#include "cleanup/finding/GuideMeasurement.h"
 #include "cleanup/measuring/WorkerHost.h"
 #include "tests/cleanup/measuring/WorkerHostFixture.h"
 #include "tests/support/RecordedPolls.h"
@@ -120,6 +121,10 @@ TEST_F(HungMounts, InsideATreeAreNotCounted) {
         if (!mount.isMounted())
             GTEST_SKIP() << "no right, or no way, to mount a file system of one's own";
         EXPECT_GT(completeAnswer([&] { return host.directoryMetrics(root / "tree", farAway()); }).size, 0) << hangsIn;
+        ChildrenMetrics children;
+        for (int attempt = 0; attempt < 20 && !children.whole.complete; ++attempt)
+            children = host.childrenMetrics(root / "tree", farAway());
+        EXPECT_TRUE(children.whole.complete) << hangsIn;
         EXPECT_EQ(childCount(), 1) << "the server";
     }
     EXPECT_EQ(host.shallowChildren(root / "tree", farAway()).urls.size(), 2U);
@@ -202,6 +207,23 @@ TEST_F(HungMounts, LeaveAScanTruthfulAndBounded) {
         waitUntilChildrenAre(1);
         EXPECT_EQ(childCount(), 1);
     }
+}
+
+TEST_F(HungMounts, DoNotHoldUpTheGuide) {
+    fs::create_directories(root / "home/.var");
+    HungMount mount(root / "home/.var", "getattr", root / "control");
+    if (!mount.isMounted())
+        GTEST_SKIP() << "no right, or no way, to mount a file system of one's own";
+    CleanupPlaces places{.home = root / "home"};
+    places.system = HostSystem::linuxDesktop;
+    places.root = root / "none";
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(
+        CleanupScanner::measureGuide(host, places, SystemTime(), deadlineIn(15s), [] { return true; }).empty());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
+    mount.letGo();
+    waitUntilChildrenAre(1);
+    EXPECT_EQ(childCount(), 1);
 }
 
 TEST_F(HungMounts, StillHaveTheirWorkersReapedAfterTheHostIsGone) {

@@ -15,7 +15,9 @@
 #include <string>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vantry {
@@ -37,6 +39,15 @@ protected:
         RecordedPolls::forget();
         EXPECT_EQ((host.*ask)(folder(behaviour), farAway()), Answer{}) << behaviour;
         EXPECT_LE(RecordedPolls::waitedInVain(), bound) << behaviour;
+    }
+
+    /// A program and a folder that every user may reach.
+    [[nodiscard]] std::pair<fs::path, fs::path> openForAll() const {
+        fs::copy_file(OMBREL_WORKER_DOUBLE, root / "worker");
+        const fs::path asked = folder("answers");
+        for (const auto& open : {root.path(), asked, temporary})
+            fs::permissions(open, fs::perms::all);
+        return {root / "worker", asked};
     }
 };
 
@@ -127,17 +138,27 @@ TEST_F(FaultyWorkers, ThatAreKilledFromOutsideAreNotBelieved) {
     }
 }
 
-TEST_F(FaultyWorkers, ThatCannotBeStartedBecauseThereAreTooManyProcesses) {
-    // As a user of its own, who may reach nothing but this test's folder.
-    const fs::path copy = root / "worker";
-    fs::copy_file(OMBREL_WORKER_DOUBLE, copy);
-    const fs::path asked = folder("answers");
-    for (const auto& open : {root.path(), asked, temporary})
-        fs::permissions(open, fs::perms::all);
+// As a user who may reach nothing but this test's folder, and is not root, who may do everything.
+TEST_F(FaultyWorkers, FindTheirListWhateverTheUmask) {
+    const auto [program, asked] = openForAll();
     const std::string said = inChildProcess([&]() -> std::string {
         if (!becomeUser(unknownUser()))
             return "no user";
-        WorkerHost limited({copy, temporary});
+        umask(0777);
+        WorkerHost other({program, temporary});
+        return completeAnswer([&] { return other.shallowChildren(asked, farAway()); }).complete ? "a list" : "nothing";
+    });
+    if (said == "no user")
+        GTEST_SKIP() << "no right to become another user";
+    EXPECT_EQ(said, "a list");
+}
+
+TEST_F(FaultyWorkers, ThatCannotBeStartedBecauseThereAreTooManyProcesses) {
+    const auto [program, asked] = openForAll();
+    const std::string said = inChildProcess([&]() -> std::string {
+        if (!becomeUser(unknownUser()))
+            return "no user";
+        WorkerHost limited({program, temporary});
         if (!completeAnswer([&] { return limited.directoryMetrics(asked, farAway()); }).complete)
             return "no answer without a limit";
         const rlimit one = {1, 1};
