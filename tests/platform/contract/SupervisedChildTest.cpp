@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -123,6 +125,19 @@ TEST_F(ASupervisedChild, IsWaitedForWithoutPollingAClosedOutput) {
     EXPECT_LE(RecordedPolls::count(), 4);
 }
 
+TEST_F(ASupervisedChild, IsWaitedForAsleepWhateverBecameOfStandardInput) {
+    EXPECT_EQ(inChildProcess([]() -> std::string {
+                  std::array<int, 2> ends{};
+                  if (pipe(ends.data()) != 0 || dup2(ends[0], STDIN_FILENO) < 0)
+                      return "no pipe";
+                  close(ends[1]); // so that it is hung up
+                  RecordedPolls::forget();
+                  static_cast<void>(started("sleep 0.3").outputToEnd(plenty, farAway()));
+                  return RecordedPolls::count() <= 4 ? "asleep" : "busy";
+              }),
+              "asleep");
+}
+
 TEST_F(ASupervisedChild, IsEndedInBoundedTime) {
     int waitsForItsEnd = 0;
     for (const char* script : {"exec sleep 600", "trap '' TERM; while :; do sleep 600; done", "kill -STOP $$"}) {
@@ -216,6 +231,24 @@ TEST(StopSwitch, CannotBeMadeWithoutDescriptors) {
                   return StopSwitch::create() ? "made" : "not made";
               }),
               "not made");
+}
+
+TEST(StopSwitch, WaitsNoLongerThanTheWorkTakes) {
+    auto shortest = std::chrono::nanoseconds::max();
+    for (int attempt = 0; attempt < 10 && shortest > 400ms; ++attempt) { // it may take longer on a machine that is busy
+        const auto stopSwitch = StopSwitch::create().value();
+        auto work = StopSwitch::beginWork(stopSwitch);
+        ASSERT_TRUE(work);
+        std::thread ender([&] {
+            std::this_thread::sleep_for(50ms);
+            work->reset();
+        });
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_TRUE(stopSwitch->stop());
+        shortest = std::min<std::chrono::nanoseconds>(shortest, std::chrono::steady_clock::now() - begin);
+        ender.join();
+    }
+    EXPECT_LT(shortest, 400ms);
 }
 
 TEST(StopSwitch, WaitsForWorkButNotForever) {
