@@ -2,13 +2,9 @@
 
 #include "tests/cleanup/finding/ScanFixture.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/RefusedCall.h"
 
-#include <cerrno>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <string>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace vantry::CleanupScanner {
@@ -210,17 +206,6 @@ TEST_F(Bundles, ThatAreUnreadableMakeTheSearchIncomplete) {
         EXPECT_EQ(foundByNobody(), "not complete") << closed;
         std::filesystem::permissions(path, before);
     }
-}
-
-TEST_F(Bundles, AFolderThatCannotBeListedMakesTheSearchIncomplete) {
-    bundle(app(), "one");
-    for (const long call : {SYS_getdents64, SYS_fcntl}) // what opening a list asks
-        EXPECT_EQ(inChildProcess([&]() -> std::string {
-                      if (!refuseCall(call, EIO))
-                          return "no refusal";
-                      return found() ? "complete" : "not complete";
-                  }),
-                  "not complete");
 }
 
 TEST_F(Bundles, AnInformationFileThatCannotBeResolvedMakesTheSearchIncomplete) {

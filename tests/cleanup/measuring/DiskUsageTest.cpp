@@ -4,19 +4,16 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileFacts.h"
 #include "tests/support/MountedFolder.h"
-#include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <string>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -114,17 +111,6 @@ TEST_F(DiskUsage, OfAWideFolderEndsAtTheDeadlineAndKeepsWhatWasCounted) {
     };
     const auto whole = timeOf(deadlineIn(seconds(60)));
     EXPECT_LT(timeOf(deadlineIn(seconds(-1))) * 10, whole);
-}
-
-TEST_F(DiskUsage, IsALowerBoundWhenAFolderCannotBeListed) {
-    fs::create_directories(folder / "a");
-    for (const long call : {SYS_getdents64, SYS_fcntl}) // what opening a list asks
-        EXPECT_EQ(inChildProcess([&]() -> std::string {
-                      if (!refuseCall(call, EIO))
-                          return "no refusal";
-                      return used(folder).complete ? "complete" : "a lower bound";
-                  }),
-                  "a lower bound");
 }
 
 TEST_F(DiskUsage, IsALowerBoundWhenAFolderMayNotBeRead) {

@@ -213,6 +213,12 @@ TEST_F(ASupervisedChild, IsNotStartedAfterTheSwitchWasStopped) {
     EXPECT_FALSE(std::filesystem::exists(root / "started"));
 }
 
+TEST(ProgramOutputWithoutTime, StartsNoProgram) {
+    RecordedPolls::forget();
+    EXPECT_EQ(programOutput("/bin/sh", {"-c", "echo one"}, plenty, Deadline::min()), std::nullopt);
+    EXPECT_EQ(RecordedPolls::count(), 0) << "its end would be waited for";
+}
+
 TEST(StopSwitch, IsNotInherited) {
     std::vector<int> unused;
     for (int fd = 0; fd < 64; ++fd)
