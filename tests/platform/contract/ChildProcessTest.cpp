@@ -36,7 +36,8 @@ constexpr const char* shell = "/bin/sh";
 std::vector<std::string> script(const std::string& text) { return {"-c", text}; }
 
 std::vector<std::string> untilThereIs(const fs::path& file) {
-    return script("while [ ! -e '" + file.native() + "' ]; do sleep 0.01; done");
+    const std::string folder = file.parent_path().native(); // of a test, which may have failed
+    return script("while [ ! -e '" + file.native() + "' ] && [ -d '" + folder + "' ]; do sleep 0.01; done");
 }
 
 } // namespace
