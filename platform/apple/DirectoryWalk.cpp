@@ -267,6 +267,8 @@ TreeTotals walkTree(const std::filesystem::path& path, Deadline deadline,
         addFile(totals, facts->allocatedBytes.value_or(0), facts->contentModificationDate);
         return totals;
     }
+    if (!facts || facts->kind != ItemFacts::Kind::folder) // opening a folder on a hung file system would wait for it
+        return {};
     const NothingIsFetched nothingIsFetched;
     return Walk(deadline).from(UniqueFd(open(path.c_str(), openFlags)));
 }
