@@ -79,6 +79,16 @@ std::size_t nameReference(const std::vector<char>& record) {
 
 } // namespace
 
+TEST_F(AppleDirectoryWalk, OpensNothingWhereAFileSystemMayHang) {
+    const auto path = fs::canonical(tree.path());
+    EXPECT_TRUE(walk(path).complete);
+    system.readings = 0;
+    system.mounts.push_back({"smbfs", path.native()});
+    EXPECT_EQ(walk(path), TreeTotals());
+    EXPECT_EQ(walk(path / "folder"), TreeTotals());
+    EXPECT_EQ(system.readings, 0);
+}
+
 TEST_F(AppleDirectoryWalk, HidesWhatHasTheHiddenFlag) {
     writeFile(tree / "hidden", "");
     writeFile(tree / ".dotted", "");
