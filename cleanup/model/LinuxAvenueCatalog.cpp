@@ -13,7 +13,7 @@ using Category = CleanupCategory;
 using Action = CleanupAvenue::Action;
 using enum CleanupAvenue::Place::Kind;
 
-// The avenue of macOS with this title, where Linux has the same one. A title that is none ends every test.
+// The avenue of macOS with this title, where Linux has the same one. A title that macOS does not have ends the program.
 const CleanupAvenue& likeOnMacOS(std::string_view title) {
     const auto& avenues = CleanupAvenue::catalog();
     const auto found = std::ranges::find(avenues, title, &CleanupAvenue::title);

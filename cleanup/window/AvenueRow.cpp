@@ -109,7 +109,7 @@ CleanupByteAmount combinedOccupiedAmount(const std::set<CleanupCategory>& catego
 
 std::string usageText(const CleanupAvenue& avenue, const CleanupScanReport& report) {
     if (const auto measured = report.guide.find(std::string(avenue.identifier)); measured != report.guide.end())
-        return amountText(measured->second.occupied, true);
+        return amountText(measured->second.occupied, true); // what is not exact has something unknown in it
     const auto amounts = occupiedAmounts(avenue.categories, report.metrics);
     const auto combined = CleanupScanner::combineAmounts(amounts);
     const auto text =
